@@ -1,0 +1,119 @@
+// Sum, product, remainder and power. The result works: its narrowing operations are given the operands, which the
+// choice of the operator has brought to types that they take.
+#include "constraints/VokTarnAdditionConstraint.h"
+#include "constraints/VokTarnMultiplicationConstraint.h"
+#include "constraints/VokTarnPowerConstraint.h"
+#include "constraints/VokTarnRemainderConstraint.h"
+#include "constraints/narrowing.h"
+#include "numbers/SubIntBase.h"
+
+VOKTARN_CONSTRAINT_STATICS(VokTarnAdditionConstraint)
+VOKTARN_CONSTRAINT_STATICS(VokTarnMultiplicationConstraint)
+VOKTARN_CONSTRAINT_STATICS(VokTarnPowerConstraint)
+VOKTARN_CONSTRAINT_STATICS(VokTarnRemainderConstraint)
+
+namespace {
+
+constexpr unsigned kA = 0;
+constexpr unsigned kB = 1;
+constexpr unsigned kResult = 2;
+
+// Runs narrowing steps until one finds a contradiction. Each returns whether it changed something.
+template <class... Steps>
+int RunUntilFailed(const VokTarnObjectEnvironment& environment, Steps... steps) {
+  int changed = 0;
+  ((environment.IsFailed() ? 0 : changed |= steps()), ...);
+  return changed;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> VokTarnAdditionConstraint::Compute(std::int64_t a, std::int64_t b) const {
+  return a + b;
+}
+
+int VokTarnAdditionConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const VokTarnInteger& a = environment.Integer(kA);
+  const VokTarnInteger& b = environment.Integer(kB);
+  const VokTarnInteger& r = environment.Integer(kResult);
+  return RunUntilFailed(
+      environment, [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcSumValue(a, b)); },
+      [&] { return environment.Note(kA, r.CalcFirstInverseSumValue(environment.NarrowInteger(kA), b)); },
+      [&] { return environment.Note(kB, r.CalcFirstInverseSumValue(environment.NarrowInteger(kB), a)); });
+}
+
+std::optional<std::int64_t> VokTarnMultiplicationConstraint::Compute(std::int64_t a, std::int64_t b) const {
+  if (GetForm() == VokTarnForm::Inverse && b == 0) {
+    return std::nullopt;
+  }
+  return a * b;
+}
+
+int VokTarnMultiplicationConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const VokTarnInteger& a = environment.Integer(kA);
+  const VokTarnInteger& b = environment.Integer(kB);
+  const VokTarnInteger& r = environment.Integer(kResult);
+  return RunUntilFailed(
+      environment, [&] { return GetForm() == VokTarnForm::Inverse ? RemoveValue(environment, kB, 0) : 0; },
+      [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcProdValue(a, b)); },
+      [&] { return environment.Note(kA, r.CalcFirstInverseProdValue(environment.NarrowInteger(kA), b)); },
+      [&] { return environment.Note(kB, r.CalcFirstInverseProdValue(environment.NarrowInteger(kB), a)); });
+}
+
+std::optional<std::int64_t> VokTarnRemainderConstraint::Compute(std::int64_t a, std::int64_t b) const {
+  return b == 0 ? std::nullopt : std::optional(a % b);
+}
+
+int VokTarnRemainderConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const VokTarnInteger& a = environment.Integer(kA);
+  const VokTarnInteger& b = environment.Integer(kB);
+  const VokTarnInteger& r = environment.Integer(kResult);
+  return RunUntilFailed(
+      environment, [&] { return RemoveValue(environment, kB, 0); },
+      [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcModValue(a, b)); },
+      [&] { return environment.Note(kA, r.CalcFirstInverseModValue(environment.NarrowInteger(kA), b)); },
+      // Given a dividend of which nothing is known, the second inverse would leave no divisor.
+      [&] {
+        return a.IsUndefined() != 0
+                   ? 0
+                   : environment.Note(kB, r.CalcSecondInverseModValue(a, environment.NarrowInteger(kB)));
+      });
+}
+
+std::optional<std::int64_t> VokTarnPowerConstraint::Compute(std::int64_t a, std::int64_t b) const {
+  if (b == 0) {
+    return 1;
+  }
+  if (a == 1 || a == -1) {
+    return b % 2 == 0 ? 1 : a;
+  }
+  if (b < 0) {
+    return std::nullopt;
+  }
+  if (a == 0) {
+    return 0;
+  }
+  std::int64_t power = 1;
+  for (; b > 0; --b) {  // |a| is 2 or more: this leaves the range within 32 steps
+    power *= a;
+    if (power <= SubIntBase::sMin || power >= SubIntBase::sMax) {
+      return std::nullopt;
+    }
+  }
+  return power;
+}
+
+int VokTarnPowerConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const VokTarnInteger& a = environment.Integer(kA);
+  const VokTarnInteger& b = environment.Integer(kB);
+  const VokTarnInteger& r = environment.Integer(kResult);
+  return RunUntilFailed(
+      environment, [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcPowerValue(a, b)); },
+      // With 0 ^ 0 = x ^ 0 = 1 in play every base has a partner, but the roots do not list them.
+      [&] {
+        return b.IsPossible(0) && r.IsPossible(1)
+                   ? 0
+                   : environment.Note(kA, r.CalcFirstInversePowerValue(environment.NarrowInteger(kA), b));
+      },
+      [&] { return environment.Note(kB, r.CalcSecondInversePowerValue(a, environment.NarrowInteger(kB))); });
+}

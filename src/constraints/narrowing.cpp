@@ -1,0 +1,134 @@
+#include "constraints/narrowing.h"
+
+#include "numbers/VokFenIntervalInteger.h"
+#include "numbers/VokFenSingleInteger.h"
+
+namespace {
+
+bool IsSingleValued(const VokTarnAny& value) {
+  return value.GetCardinality() == 1;
+}
+
+bool IsA(const VokTarnAny& value, const char* ident) {
+  return value.IsDerivedFrom(ident) != 0;
+}
+
+// Whether x's own equality may be given y: every type handles its own kind and the two of the numbers
+// library; of other types it need not know anything.
+bool UnderstandsEquality(const VokTarnAny& x, const VokTarnAny& y) {
+  return x.GetDescriptor() == y.GetDescriptor() || IsA(y, VokFenSingleInteger::sIdent) ||
+         IsA(y, VokFenIntervalInteger::sIdent) || IsA(x, VokFenSingleInteger::sIdent) ||
+         IsA(x, VokFenIntervalInteger::sIdent);
+}
+
+// Narrows argument i to the values that argument j has.
+int NarrowToOther(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  const VokTarnInteger& other = environment.Integer(j);
+  if (other.IsUndefined() != 0) {
+    return 0;
+  }
+  const bool wasUndefined = environment.Value(i).IsUndefined() != 0;
+  VokTarnInteger& x = environment.NarrowInteger(i);
+  const int changed = UnderstandsEquality(x, other) ? x.CalcEqualValue(other) : x.VokTarnInteger::CalcEqualValue(other);
+  // A set emptied by an interval may read as undefined; it has no value left.
+  if (changed != 0 && !wasUndefined && x.IsUndefined() != 0) {
+    x.SetNilValue();
+  }
+  return environment.Note(i, changed);
+}
+
+}  // namespace
+
+int KeepAtMost(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit) {
+  if (limit >= environment.Integer(i).GetUpperBound() || limit <= SubIntBase::sMin || limit >= SubIntBase::sMax) {
+    return 0;
+  }
+  const VokFenSingleInteger bound(static_cast<VokLong>(limit));
+  return environment.Note(i, environment.NarrowInteger(i).CalcLessOrEqualValue(bound));
+}
+
+int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit) {
+  if (limit <= environment.Integer(i).GetLowerBound() || limit <= SubIntBase::sMin || limit >= SubIntBase::sMax) {
+    return 0;
+  }
+  const VokFenSingleInteger bound(static_cast<VokLong>(limit));
+  return environment.Note(i, environment.NarrowInteger(i).CalcNotLessValue(bound));
+}
+
+int RemoveValue(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
+  const VokTarnInteger& x = environment.Integer(i);
+  if (x.IsUndefined() != 0 || !x.IsPossible(v)) {
+    return 0;
+  }
+  return environment.Note(i, environment.NarrowInteger(i).CalcUnequalValue(VokFenSingleInteger(v)));
+}
+
+int KeepTruth(const VokTarnObjectEnvironment& environment, unsigned i, bool truth) {
+  if (environment.Truth(i).IsPossible(truth ? 0 : 1) == 0) {
+    return environment.Truth(i).IsPossible(truth ? 1 : 0) != 0 ? 0 : environment.MakeNil(i);
+  }
+  return environment.Note(i, environment.NarrowTruth(i).CalcTruthValue(truth ? 1 : 0));
+}
+
+int KeepEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  if (IsA(environment.Value(i), VokTarnBoolean::sIdent)) {
+    int changed = 0;
+    for (const bool truth : {false, true}) {
+      if (environment.Truth(i).IsPossible(truth ? 1 : 0) == 0) {
+        changed |= KeepTruth(environment, j, !truth);
+      } else if (environment.Truth(j).IsPossible(truth ? 1 : 0) == 0) {
+        changed |= KeepTruth(environment, i, !truth);
+      }
+    }
+    return changed;
+  }
+  const int changed = NarrowToOther(environment, i, j);
+  return environment.IsFailed() ? changed : changed | NarrowToOther(environment, j, i);
+}
+
+int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  int changed = 0;
+  for (const auto& [known, other] : {std::pair(i, j), std::pair(j, i)}) {
+    if (environment.IsFailed() || !IsSingleValued(environment.Value(known))) {
+      continue;
+    }
+    const std::int64_t v = ExactValue(environment, known);
+    changed |= IsA(environment.Value(other), VokTarnBoolean::sIdent)
+                   ? KeepTruth(environment, other, v == 0)
+                   : RemoveValue(environment, other, static_cast<VokLong>(v));
+  }
+  return changed;
+}
+
+int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j, int gap) {
+  const int changed = KeepAtMost(environment, i, std::int64_t{environment.Integer(j).GetUpperBound()} - gap);
+  if (environment.IsFailed()) {
+    return changed;
+  }
+  return changed | KeepAtLeast(environment, j, std::int64_t{environment.Integer(i).GetLowerBound()} + gap);
+}
+
+bool AreIntegers(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to) {
+  for (unsigned i = from; i < to; ++i) {
+    if (!environment.Has(i) || !IsA(environment.Value(i), VokTarnInteger::sIdent)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool AreTruthValues(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to) {
+  for (unsigned i = from; i < to; ++i) {
+    if (!environment.Has(i) || !IsA(environment.Value(i), VokTarnBoolean::sIdent)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::int64_t ExactValue(const VokTarnObjectEnvironment& environment, unsigned i) {
+  if (IsA(environment.Value(i), VokTarnBoolean::sIdent)) {
+    return environment.Truth(i).IsPossible(1);
+  }
+  return environment.Integer(i).GetLowerBound();
+}

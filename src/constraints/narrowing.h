@@ -1,0 +1,28 @@
+// Narrowing steps that constraints share. Each is sound for arguments of every integer type, because only
+// single integers cross from one argument to the other. Each returns 1 when the argument changed.
+#pragma once
+
+#include <cstdint>
+
+#include "framework/VokTarnObjectEnvironment.h"
+
+// Argument i keeps its values up to (from) the limit. Limits beyond the integer range remove nothing.
+int KeepAtMost(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit);
+int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit);
+// Argument i loses the value v.
+int RemoveValue(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v);
+// Truth value i keeps `truth` alone.
+int KeepTruth(const VokTarnObjectEnvironment& environment, unsigned i, bool truth);
+
+// Arguments i and j, two integers or two truth values, keep what both have; lose the value of the other when that is
+// known.
+int KeepEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j);
+int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j);
+// Arguments i and j keep what i + gap <= j allows; gap is 0 or 1.
+int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j, int gap);
+
+// Whether all arguments from `from` up to `to` are there and of this kind.
+bool AreIntegers(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to);
+bool AreTruthValues(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to);
+// Requires: the argument, an integer or a truth value, is single-valued.
+std::int64_t ExactValue(const VokTarnObjectEnvironment& environment, unsigned i);

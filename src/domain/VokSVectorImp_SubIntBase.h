@@ -1,0 +1,78 @@
+#pragma once
+
+#include "framework/VokLong.h"
+#include "framework/VokTarnExport.h"
+#include "numbers/SubIntBase.h"
+
+// A growable array of element values, kept in ascending order by its insertion operations.
+//
+// Not found  Searches give a position, or Capacity + 1 (always above Size) when there is none: test the
+//            result with `i < v.Size()`.
+// Growth     By a fixed step (fDelta) or by a factor (fFactor); with neither the array cannot grow. It
+//            never shrinks.
+// Cost       Searches O(log n), insertion and removal O(n).
+// Errors     Throws nothing. When memory is short an update returns 0 and changes nothing; a constructor
+//            leaves an array without slots that is not valid.
+// The order of the virtual operations and of the members is part of the binary interface.
+class VOKTARN_EXPORT VokSVectorImp_SubIntBase {
+ public:
+  using Action = void (*)(SubIntBase&, void*);
+  using Predicate = int (*)(const SubIntBase&, void*);
+
+  VokSVectorImp_SubIntBase() noexcept;  // no slots, cannot grow
+  // `initial` + 1 slots.
+  VokSVectorImp_SubIntBase(unsigned initial, unsigned delta, int bitwise) noexcept;
+  // A factor that is not a positive finite number counts as 1.
+  VokSVectorImp_SubIntBase(unsigned initial, double factor, int bitwise) noexcept;
+  VokSVectorImp_SubIntBase(const VokSVectorImp_SubIntBase& other) noexcept;
+  VokSVectorImp_SubIntBase& operator=(const VokSVectorImp_SubIntBase& other) noexcept;
+
+  virtual ~VokSVectorImp_SubIntBase();
+  virtual int IsValid() const;
+  virtual int IsAllocated() const;
+  // Inserts x in order, behind its equals. The argument may be an element of this array.
+  virtual int Add(const SubIntBase& x);
+  // The same unless an equal element is present; 1 also then.
+  virtual int AddUnique(const SubIntBase& x);
+  // Inserts x at position i, whatever the order; slots between the end and i keep what they held.
+  virtual int AddAt(const SubIntBase& x, unsigned i);
+  virtual int Detach(const SubIntBase& x);
+  // Removes up to n elements from position i on. 0 only when i is beyond the capacity.
+  virtual int DetachAt(unsigned i, unsigned n);
+  virtual int IsEmpty() const;
+  virtual void Flush();
+  // Some element equal to x; the first one equal to x.
+  virtual unsigned Find(const SubIntBase& x) const;
+  virtual unsigned ClusteredFind(const SubIntBase& x) const;
+  // The greatest element <= x; the smallest element >= x. With `first`, the first of a run of equals.
+  virtual unsigned FindLowerBound(const SubIntBase& x, int first) const;
+  virtual unsigned FindUpperBound(const SubIntBase& x, int first) const;
+  virtual unsigned Count() const;
+  virtual unsigned Size() const;
+  virtual unsigned Delta() const;
+  // Ranges are half-open and not checked.
+  virtual void ForEach(Action fn, void* ctx);
+  virtual void ForEach(Action fn, void* ctx, unsigned from, unsigned to);
+  virtual const SubIntBase* FirstThat(Predicate pred, void* ctx, unsigned from, unsigned to) const;
+  virtual const SubIntBase* FirstThat(Predicate pred, void* ctx) const;
+  virtual const SubIntBase* LastThat(Predicate pred, void* ctx, unsigned from, unsigned to) const;
+  virtual const SubIntBase* LastThat(Predicate pred, void* ctx) const;
+
+  // Element i; not checked.
+  const SubIntBase& operator[](unsigned i) const noexcept { return fData[i]; }
+  SubIntBase& operator[](unsigned i) noexcept { return fData[i]; }
+
+  // Makes room for at least n elements. 1 when the array grew; 0 when it need not or cannot.
+  int Resize(unsigned n) noexcept;
+  // The slots to add when at least `need` more are wanted: a multiple of the step, or by the factor.
+  unsigned NextDelta(unsigned need) const noexcept;
+
+ private:
+  SubIntBase* fData;
+  unsigned fCapacity;
+  unsigned fSize;
+  unsigned fDelta;
+  double fFactor;
+  int fValid;
+  int fBitwiseCopy;
+};

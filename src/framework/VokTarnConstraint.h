@@ -1,0 +1,59 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "framework/VokTarnConstraintDescriptor.h"
+#include "framework/VokTarnObject.h"
+#include "framework/VokTarnObjectEnvironment.h"
+
+// A relation over values of a network that narrows them.
+//
+// Contract  A constraint is sound: it never removes a value that is part of an assignment satisfying it.
+//           It is checking: once every argument has a single value, it holds or it fails. Filter sees to
+//           the second with IsSatisfied, whatever Propagate did.
+// Record    The form and the argument numbers.
+class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
+ public:
+  static const char* const sIdent;
+
+  // How soon a waiting constraint is filtered: cheap ones first.
+  enum Priority : unsigned { Unary = 0, Binary = 1, Ternary = 2, Many = 3 };
+  static constexpr unsigned sPriorities = 4;
+
+  explicit VokTarnConstraint(VokStreamableInit init) : VokTarnObject(init) {}
+  VokTarnConstraint(std::span<const VokTarnValueId> arguments, VokTarnForm form)
+      : fArguments(arguments.begin(), arguments.end()), fForm(form) {}
+
+  void Write(Vokopstream& os) const override;
+  void Read(Vokipstream& is) override;
+  int IsDerivedFrom(const char* ident) const override;
+  int Activate(VokTarnNetwork* network) override;
+  int ActivateByArgument(unsigned argument, int event, VokTarnNetwork* network) override;
+  // Propagates, then checks when every argument is single-valued.
+  int Filter(const VokTarnObjectEnvironment& environment, int effort) override;
+  // "name (#1, #2, #3)" with the numbers of the arguments. Constraints are not read from text: that fails.
+  std::ostream& PrintOn(std::ostream& os) const override;
+  void InputValue(std::istream& is) override;
+
+  std::span<const VokTarnValueId> GetArguments() const noexcept { return fArguments; }
+  VokTarnForm GetForm() const noexcept { return fForm; }
+  virtual Priority GetPriority() const noexcept { return Ternary; }
+  // Whether the arguments have the number and the kinds that the constraint needs.
+  virtual bool IsApplicable(const VokTarnObjectEnvironment& environment) const = 0;
+  // Whether the relation holds. Requires: every argument has exactly one value.
+  virtual bool IsSatisfied(const VokTarnObjectEnvironment& environment) const = 0;
+
+  // The place in the network's list of constraints, set when the network takes the constraint.
+  VokULong GetIndex() const noexcept { return fIndex; }
+  void SetIndex(VokULong index) noexcept { fIndex = index; }
+
+ protected:
+  // Narrows the arguments. Returns 1 when one changed.
+  virtual int Propagate(const VokTarnObjectEnvironment& environment) const = 0;
+
+ private:
+  std::vector<VokTarnValueId> fArguments;
+  VokULong fIndex = 0;
+  VokTarnForm fForm = VokTarnForm::Plain;
+};

@@ -1,0 +1,173 @@
+#include "framework/VokTarnModuleManager.h"
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+
+namespace {
+
+using InitModuleFunction = int (*)(VokTarnModule*, VokTarnModuleManager*);
+
+bool IsModuleName(std::string_view name) {
+  const auto allowed = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+  };
+  return !name.empty() && name.size() <= 64 && std::all_of(name.begin(), name.end(), allowed);
+}
+
+// The directory of the library that holds this function; empty when the loader cannot tell.
+std::string FrameworkDirectory() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&FrameworkDirectory), &info) == 0 || info.dli_fname == nullptr) {
+    return {};
+  }
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::canonical(info.dli_fname, error);
+  return error ? std::string() : path.parent_path().string();
+}
+
+std::string LoaderError() {
+  const char* text = dlerror();
+  return text == nullptr ? "unknown error of the loader" : text;
+}
+
+}  // namespace
+
+namespace {
+
+// Closes a library. As a member declared before the module it closes after the module's descriptors, whose code lives
+// there, are gone.
+struct LibraryHandle {
+  LibraryHandle() = default;
+  LibraryHandle(const LibraryHandle&) = delete;
+  LibraryHandle& operator=(const LibraryHandle&) = delete;
+  ~LibraryHandle() {
+    if (fHandle != nullptr) {
+      dlclose(fHandle);
+    }
+  }
+
+  void* fHandle = nullptr;
+};
+
+}  // namespace
+
+struct VokTarnModuleManager::Loaded {
+  explicit Loaded(const VokString& name) : fModule(name) {}
+
+  LibraryHandle fLibrary;
+  VokTarnModule fModule;
+  bool fReady = false;
+};
+
+VokTarnModuleManager::VokTarnModuleManager() = default;
+
+VokTarnModuleManager::~VokTarnModuleManager() {
+  while (!fOrder.empty()) {
+    const VokTarnModule* last = fOrder.back();
+    fOrder.pop_back();
+    std::erase_if(fLoaded, [last](const auto& loaded) { return &loaded->fModule == last; });
+  }
+}
+
+int VokTarnModuleManager::AddSearchDirectory(const std::string& directory) {
+  if (directory.empty() || directory.front() != '/') {
+    return 0;
+  }
+  fDirectories.push_back(directory);
+  return 1;
+}
+
+VokTarnModule* VokTarnModuleManager::OpenModule(const VokString& name) noexcept {
+  try {
+    fError.clear();
+    return Load(name);
+  } catch (const std::exception& problem) {
+    VokTarnBase::NoteAllocationFailure();
+    try {
+      fError = problem.what();
+    } catch (const std::bad_alloc&) {
+      fError.clear();
+    }
+    return nullptr;
+  }
+}
+
+VokTarnModule* VokTarnModuleManager::Fail(std::string message) {
+  fError = std::move(message);
+  return nullptr;
+}
+
+VokTarnModule* VokTarnModuleManager::Load(const VokString& name) {
+  const std::string text(name.View());
+  if (!IsModuleName(text)) {
+    return Fail("a module name has 1 to 64 letters, digits and underscores");
+  }
+  for (const auto& loaded : fLoaded) {
+    if (loaded->fModule.GetName() == name) {
+      return loaded->fReady ? &loaded->fModule : Fail("module '" + text + "' depends on itself");
+    }
+  }
+  const std::string path = FindFile(text);
+  if (path.empty()) {
+    return nullptr;
+  }
+  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) {
+    return Fail("module '" + text + "' cannot be loaded: " + LoaderError());
+  }
+  auto entry = std::make_unique<Loaded>(name);
+  entry->fLibrary.fHandle = handle;
+  const auto init = reinterpret_cast<InitModuleFunction>(dlsym(handle, "InitModule"));
+  if (init == nullptr) {
+    return Fail("module '" + text + "' (" + path + ") has no function InitModule");
+  }
+  Loaded& loaded = *entry;
+  fLoaded.push_back(std::move(entry));
+  if (init(&loaded.fModule, this) == 0) {
+    const std::string reason = fError.empty() ? "its function InitModule reported a failure" : fError;
+    std::erase_if(fLoaded, [&loaded](const auto& other) { return other.get() == &loaded; });
+    return Fail("module '" + text + "' did not start: " + reason);
+  }
+  fOrder.push_back(&loaded.fModule);
+  loaded.fReady = true;
+  fError.clear();
+  return &loaded.fModule;
+}
+
+std::string VokTarnModuleManager::FindFile(const std::string& name) {
+  std::vector<std::string> directories = fDirectories;
+  if (const char* variable = std::getenv("VOKTARN_MODULE_PATH"); variable != nullptr) {
+    std::string_view rest = variable;
+    while (!rest.empty()) {
+      const std::size_t end = std::min(rest.find(':'), rest.size());
+      if (end != 0 && rest.front() == '/') {
+        directories.emplace_back(rest.substr(0, end));
+      }
+      rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+  }
+  if (std::string own = FrameworkDirectory(); !own.empty()) {
+    directories.push_back(std::move(own));
+  }
+  std::string searched;
+  for (const std::string& directory : directories) {
+    std::string path = directory + "/lib" + name + ".so";
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+      // A pipe or a device would block or do worse when the loader reads it.
+      if (!S_ISREG(status.st_mode)) {
+        Fail("module '" + name + "': " + path + " is not a regular file");
+        return {};
+      }
+      return path;
+    }
+    searched += (searched.empty() ? "" : ", ") + directory;
+  }
+  Fail("module '" + name + "' not found: no lib" + name + ".so in " + searched);
+  return {};
+}

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "framework/VokTarnConstraint.h"
+#include "framework/VokTarnInteger.h"
+
+// Values and the constraints over them, with propagation to a fixpoint and a trail for backtracking.
+//
+// Values and constraints are numbered in order of addition. A constraint waits on the agenda when it is
+// added and whenever one of its arguments changes; Propagate filters waiting constraints, cheap ones first,
+// first come first served among equals, until none waits or a value is Nil. The order is deterministic.
+//
+// Levels     PushLevel opens a choice level; PopLevel restores every value to what it was at that moment,
+//            empties the agenda and forgets a failure. A value is copied once per level, when it is first
+//            written to. Values and constraints may be added at the root level only.
+// Ownership  Owns its values and constraints. Descriptors belong to modules, which must outlive it.
+// Errors     Adding throws std::bad_alloc. A value that could not be copied sets IsMemoryShort() for good: from then on
+// no
+//            conclusion may be drawn from a failure.
+class VOKTARN_EXPORT VokTarnNetwork {
+ public:
+  enum class Outcome { Fixpoint, Failed, Interrupted };
+
+  VokTarnNetwork();
+  VokTarnNetwork(const VokTarnNetwork&) = delete;
+  VokTarnNetwork& operator=(const VokTarnNetwork&) = delete;
+  ~VokTarnNetwork();
+
+  // ---- Building
+  // A new undefined value of a concrete type. Throws std::invalid_argument for an abstract one.
+  VokTarnValueId AddValue(const VokTarnObjectDescriptor* type, std::string name = {});
+  // Takes over a constraint whose arguments are values of this network and schedules it. Throws
+  // std::invalid_argument when the constraint is null or not applicable to them.
+  VokULong AddConstraint(std::unique_ptr<VokTarnConstraint> constraint);
+
+  VokULong GetValueCount() const noexcept { return static_cast<VokULong>(fValues.size()); }
+  VokTarnAny& GetValue(VokTarnValueId id) noexcept { return *fValues[id].fObject; }
+  const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
+  const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
+  // The declared name; empty for an intermediate value.
+  const std::string& GetName(VokTarnValueId id) const noexcept;
+  VokULong GetConstraintCount() const noexcept { return static_cast<VokULong>(fConstraints.size()); }
+  const VokTarnConstraint& GetConstraint(VokULong index) const noexcept { return *fConstraints[index]; }
+  // How many constraints the value is an argument of (counted once per place).
+  std::size_t GetDegree(VokTarnValueId id) const noexcept { return fValues[id].fWatchers.size(); }
+
+  // ---- Propagation
+  Outcome Propagate();
+  bool IsFailed() const noexcept { return fFailed; }
+  // Asked now and then during propagation; true ends it with Interrupted, the rest of the agenda kept.
+  void SetInterrupt(std::function<bool()> interrupt) { fInterrupt = std::move(interrupt); }
+
+  // Write access for search and constraints: saves the value on the trail; NoteChange after each change.
+  VokTarnAny& Touch(VokTarnValueId id);
+  void NoteChange(VokTarnValueId id);
+  void Fail() noexcept { fFailed = true; }
+  void Schedule(VokULong constraint);
+
+  // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
+  VokTarnAny* TakeSpare(const VokTarnObjectDescriptor* type);
+  void ReleaseSpare(const VokTarnObjectDescriptor* type, VokTarnAny* object);
+  // Makes `copy` equal to `original`, of the same type; notes when memory was too short for that.
+  void Copy(VokTarnAny& copy, const VokTarnAny& original);
+
+  // ---- Levels
+  void PushLevel();
+  void PopLevel();
+  unsigned GetLevel() const noexcept { return static_cast<unsigned>(fLevels.size()); }
+
+  // ---- Figures
+  std::uint64_t GetPropagations() const noexcept { return fPropagations; }
+  bool IsMemoryShort() const noexcept;
+
+ private:
+  struct Watcher {
+    VokULong fConstraint;
+    unsigned fArgument;
+  };
+  struct Slot {
+    VokTarnAny* fObject;
+    const VokTarnObjectDescriptor* fType;
+    VokULong fStamp;  // the stamp of the level at which the value was saved last
+    std::vector<Watcher> fWatchers;
+  };
+  struct Saved {
+    VokTarnValueId fValue;
+    VokULong fStamp;
+    VokTarnAny* fCopy;
+  };
+  struct Level {
+    std::size_t fTrailSize;
+    VokULong fStamp;
+  };
+
+  void ClearAgenda() noexcept;
+
+  std::vector<Slot> fValues;
+  std::unordered_map<VokTarnValueId, std::string> fNames;
+  std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
+  std::vector<bool> fWaiting;
+  std::array<std::deque<VokULong>, VokTarnConstraint::sPriorities> fAgenda;
+  std::vector<Saved> fTrail;
+  std::vector<Level> fLevels;
+  std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
+  std::function<bool()> fInterrupt;
+  std::uint64_t fPropagations = 0;
+  VokULong fStampCounter = 0;
+  VokULong fAllocationFailures;
+  bool fFailed = false;
+  bool fMemoryShort = false;
+};

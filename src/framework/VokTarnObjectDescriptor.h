@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+
+#include "framework/VokStreamable.h"
+#include "framework/VokString.h"
+
+class VokTarnObject;
+
+// The published description of a type, an operator or a constraint: its name, its parent in the type tree and, for
+// a concrete type, how its values are built.
+//
+// The order of the virtual operations is part of the binary interface.
+class VOKTARN_EXPORT VokTarnObjectDescriptor : public VokStreamable {
+ public:
+  static const char* const sIdent;
+
+  // `parent` is the more general type, or null; it must outlive this descriptor. `arguments` is the number of arguments
+  // of an object of this type (0 for a value).
+  VokTarnObjectDescriptor(const VokString& name, const VokTarnObjectDescriptor* parent, int arguments);
+  explicit VokTarnObjectDescriptor(VokStreamableInit init);
+  VokTarnObjectDescriptor(const VokTarnObjectDescriptor&) = delete;
+  VokTarnObjectDescriptor& operator=(const VokTarnObjectDescriptor&) = delete;
+
+  ~VokTarnObjectDescriptor() override;
+  const char* CastableID() const override;
+  // A descriptor is written as its name; reading one restores the name alone.
+  void Write(Vokopstream& os) const override;
+  void Read(Vokipstream& is) override;
+  int IsDerivedFrom(const char* ident) const override;
+
+  // Builds an undefined value in `place`, which has GetObjectSize() bytes, aligned for any object. Returns
+  // `place`, or null when `place` is null or the type is abstract.
+  virtual void* InitObject(void* place) const;
+  // The same from a list of values: `source` points at a 32-bit count n followed by n 32-bit values.
+  virtual void* InitObject(void* place, const void* source) const;
+  // Runs the destructor; the storage stays with its owner. Null is ignored.
+  virtual void DestroyObject(VokTarnObject* object) const;
+  // Bytes of one object; 0 for an abstract type.
+  virtual std::size_t GetObjectSize() const;
+  virtual unsigned GetNumberOfArguments() const;
+  // Bytes of the table of argument addresses.
+  virtual std::size_t GetArgumentsSize() const;
+  // 1 when a value of type `type` may stand where this type is asked for: the same type, or one below it.
+  virtual int IsMatched(const VokTarnObjectDescriptor* type) const;
+  virtual std::ostream& PrintOn(std::ostream& os) const;
+
+  const VokString& GetName() const noexcept { return fName; }
+  const VokTarnObjectDescriptor* GetParent() const noexcept { return fParent; }
+
+ private:
+  VokString fName;
+  const VokTarnObjectDescriptor* fParent;
+  int fArguments;
+};

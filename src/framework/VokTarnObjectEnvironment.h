@@ -1,0 +1,41 @@
+#pragma once
+
+#include "framework/VokTarnBoolean.h"
+#include "framework/VokTarnConstraintDescriptor.h"
+#include "framework/VokTarnInteger.h"
+
+class VokTarnNetwork;
+
+// What a constraint sees while it is filtered: its arguments, numbered from 0.
+//
+// To narrow argument i, get write access with Narrow(i) and hand the status of every narrowing call to
+// Note(i, status). Write access saves the value for backtracking first, so ask for it only when a narrowing is likely.
+class VOKTARN_EXPORT VokTarnObjectEnvironment {
+ public:
+  VokTarnObjectEnvironment(VokTarnNetwork& network, std::span<const VokTarnValueId> arguments) noexcept
+      : fNetwork(network), fArguments(arguments) {}
+
+  unsigned Size() const noexcept { return static_cast<unsigned>(fArguments.size()); }
+  bool Has(unsigned i) const noexcept { return i < fArguments.size() && fArguments[i] != vokNoValue; }
+
+  const VokTarnAny& Value(unsigned i) const noexcept;
+  // Requires: the argument is an integer (a truth value).
+  const VokTarnInteger& Integer(unsigned i) const noexcept { return static_cast<const VokTarnInteger&>(Value(i)); }
+  const VokTarnBoolean& Truth(unsigned i) const noexcept { return static_cast<const VokTarnBoolean&>(Value(i)); }
+
+  VokTarnAny& Narrow(unsigned i) const;
+  VokTarnInteger& NarrowInteger(unsigned i) const { return static_cast<VokTarnInteger&>(Narrow(i)); }
+  VokTarnBoolean& NarrowTruth(unsigned i) const { return static_cast<VokTarnBoolean&>(Narrow(i)); }
+  // Tells the network that argument i changed when `status` is 1. Returns `status`.
+  int Note(unsigned i, int status) const;
+  // Makes argument i Nil. Returns 1.
+  int MakeNil(unsigned i) const;
+  // The constraint cannot hold, whatever its arguments. Returns 1.
+  int Fail() const;
+  // 1 when a contradiction has been found: nothing more need be narrowed.
+  bool IsFailed() const noexcept;
+
+ private:
+  VokTarnNetwork& fNetwork;
+  std::span<const VokTarnValueId> fArguments;
+};

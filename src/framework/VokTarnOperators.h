@@ -1,0 +1,42 @@
+// The factories that a module uses to publish its operators. Each returns a new operator descriptor, to be
+// handed to VokTarnModule::AddObjectDescriptor; null when memory is short. The name is copied.
+#pragma once
+
+#include "framework/VokString.h"
+#include "framework/VokTarnConstraintDescriptor.h"
+#include "framework/VokTarnExport.h"
+#include "framework/VokTarnObjectDescriptor.h"
+
+using VokTarnType = const VokTarnObjectDescriptor*;
+using VokTarnConstraintType = const VokTarnConstraintDescriptor*;
+
+// op a is r with C(a, r).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateUnaryOperator(const VokString& name, VokTarnType a, VokTarnType r,
+                                                                   VokTarnConstraintType c);
+// op a is r with C(r, a).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateInverseUnaryOperator(const VokString& name, VokTarnType a,
+                                                                          VokTarnType r, VokTarnType working,
+                                                                          VokTarnConstraintType c);
+// a op b is r with C(a, b, r).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateBinaryOperator(const VokString& name, VokTarnType a, VokTarnType b,
+                                                                    VokTarnType r, VokTarnConstraintType c);
+// a op b is r with C(b, a, r).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateSymmetricBinaryOperator(const VokString& name, VokTarnType a,
+                                                                             VokTarnType b, VokTarnType r,
+                                                                             VokTarnConstraintType c);
+// a op b is r with C(r, b, a).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateFirstInverseBinaryOperator(const VokString& name, VokTarnType a,
+                                                                                VokTarnType b, VokTarnType r,
+                                                                                VokTarnType working,
+                                                                                VokTarnConstraintType c);
+// a op b is r with C(b, r, a).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateSecondInverseBinaryOperator(const VokString& name, VokTarnType a,
+                                                                                 VokTarnType b, VokTarnType r,
+                                                                                 VokTarnType working,
+                                                                                 VokTarnConstraintType c);
+// a op b is r with C(a, r, b).
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateSecondInverseSymmetricBinaryOperator(
+    const VokString& name, VokTarnType a, VokTarnType b, VokTarnType r, VokTarnType working, VokTarnConstraintType c);
+// op (a1, .., an) is a statement with C(a1, .., an), any number of operands that match `element`.
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateListOperator(const VokString& name, VokTarnType element,
+                                                                  VokTarnConstraintType c);

@@ -1,0 +1,190 @@
+#include "framework/VokTarnSearch.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+namespace {
+
+const VokTarnInteger& AsInteger(const VokTarnAny& value) {
+  return static_cast<const VokTarnInteger&>(value);
+}
+
+// More than one value, and they can be counted: the domain can be split.
+bool CanSplit(const VokTarnAny& value) {
+  return value.GetCardinality() > 1;
+}
+
+}  // namespace
+
+VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables,
+                             std::optional<Objective> objective)
+    : fNetwork(network),
+      fVariables(std::move(variables)),
+      fIsVariable(network.GetValueCount(), false),
+      fObjective(objective) {
+  for (const VokTarnValueId variable : fVariables) {
+    fIsVariable[variable] = true;
+  }
+}
+
+VokTarnSearch::~VokTarnSearch() {
+  while (!fChoices.empty()) {
+    LeaveLevel();
+  }
+  if (fStarted) {
+    fNetwork.PopLevel();
+  }
+}
+
+VokTarnSearch::Status VokTarnSearch::Next() {
+  if (!fStarted) {
+    const VokTarnNetwork::Outcome root = fNetwork.Propagate();
+    if (root == VokTarnNetwork::Outcome::Interrupted) {
+      return Status::Stopped;
+    }
+    fExhausted = root == VokTarnNetwork::Outcome::Failed;
+    if (fExhausted) {
+      ++fStatistics.fFailures;
+    }
+    fNetwork.PushLevel();  // what the search does to the values ends with the search
+    fStarted = true;
+  }
+  if (fAtSolution) {
+    fAtSolution = false;
+    SkipAuxiliaryChoices();
+    fExhausted = !Backtrack();
+  }
+  while (!fExhausted) {
+    const VokTarnNetwork::Outcome outcome = TightenBound() ? fNetwork.Propagate() : VokTarnNetwork::Outcome::Failed;
+    if (outcome == VokTarnNetwork::Outcome::Interrupted) {
+      return Status::Stopped;
+    }
+    if (outcome == VokTarnNetwork::Outcome::Failed) {
+      ++fStatistics.fFailures;
+      fExhausted = !Backtrack();
+      continue;
+    }
+    if (const VokTarnValueId variable = ChooseVariable(); variable != vokNoValue) {
+      Split(variable, false);
+      continue;
+    }
+    const VokTarnValueId open = FindUndecided();
+    if (open == vokNoValue) {
+      fAtSolution = true;
+      ++fStatistics.fSolutions;
+      if (fObjective) {
+        fBest = AsInteger(fNetwork.GetValue(fObjective->fValue)).GetLowerBound();
+      }
+      return Status::Solution;
+    }
+    if (CanSplit(fNetwork.GetValue(open))) {
+      Split(open, true);
+      continue;
+    }
+    fUndecided = open;
+    fExhausted = !Backtrack();
+  }
+  return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
+}
+
+VokTarnValueId VokTarnSearch::ChooseVariable() const {
+  VokTarnValueId best = vokNoValue;
+  int fewest = std::numeric_limits<int>::max();
+  for (const VokTarnValueId variable : fVariables) {
+    const int cardinality = fNetwork.GetValue(variable).GetCardinality();
+    if (cardinality > 1 && (cardinality < fewest || best == vokNoValue)) {
+      fewest = cardinality;
+      best = variable;
+    }
+  }
+  return best;
+}
+
+// A value that is not single: a variable that cannot be split, else an intermediate value, one that can be
+// split before one that cannot.
+VokTarnValueId VokTarnSearch::FindUndecided() const {
+  for (const VokTarnValueId variable : fVariables) {
+    if (fNetwork.GetValue(variable).GetCardinality() != 1) {
+      return variable;
+    }
+  }
+  VokTarnValueId open = vokNoValue;
+  for (VokTarnValueId id = 0; id < fNetwork.GetValueCount(); ++id) {
+    const VokTarnAny& value = fNetwork.GetValue(id);
+    if (CanSplit(value)) {
+      return id;
+    }
+    if (value.GetCardinality() != 1 && fNetwork.GetDegree(id) != 0 && !IsBound(id)) {
+      open = id;
+    }
+  }
+  return open;
+}
+
+// The bound of an objective is undefined until the first solution; what it bounds needs no check by then.
+bool VokTarnSearch::IsBound(VokTarnValueId id) const {
+  return fObjective && fObjective->fBound == id;
+}
+
+void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
+  const VokTarnObjectDescriptor* type = fNetwork.GetType(variable);
+  VokTarnAny* rest = fNetwork.TakeSpare(type);
+  VokTarnAny* part = fNetwork.TakeSpare(type);
+  if (rest == nullptr || part == nullptr) {
+    fNetwork.ReleaseSpare(type, rest);
+    fNetwork.ReleaseSpare(type, part);
+    throw std::bad_alloc();
+  }
+  fNetwork.Copy(*rest, fNetwork.GetValue(variable));
+  rest->Bisect(*part, VokTarnAny::LowerHalf);
+  fChoices.push_back({variable, rest, auxiliary});
+  fNetwork.PushLevel();
+  ++fStatistics.fDecisions;
+  fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
+  fNetwork.Copy(fNetwork.Touch(variable), *part);
+  fNetwork.NoteChange(variable);
+  fNetwork.ReleaseSpare(type, part);
+}
+
+void VokTarnSearch::LeaveLevel() {
+  fNetwork.ReleaseSpare(fNetwork.GetType(fChoices.back().fVariable), fChoices.back().fRest);
+  fChoices.pop_back();
+  fNetwork.PopLevel();
+}
+
+// Goes back to the last choice and takes what remains of it. False when there is none: the search is over.
+// The rest is taken on the level below, which already holds what the choice was made on.
+bool VokTarnSearch::Backtrack() {
+  if (fChoices.empty()) {
+    return false;
+  }
+  const Choice choice = fChoices.back();
+  fChoices.pop_back();
+  fNetwork.PopLevel();
+  fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
+  fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
+  fNetwork.NoteChange(choice.fVariable);
+  return true;
+}
+
+// One completion of the variables' values is enough: the choices among intermediate values are dropped.
+void VokTarnSearch::SkipAuxiliaryChoices() {
+  while (!fChoices.empty() && fChoices.back().fAuxiliary) {
+    LeaveLevel();
+  }
+}
+
+// Brings the bound up to the best solution, which backtracking has undone. False when nothing can be better.
+bool VokTarnSearch::TightenBound() {
+  if (!fBest || fNetwork.IsFailed()) {
+    return !fNetwork.IsFailed();
+  }
+  const VokTarnInteger& bound = AsInteger(fNetwork.GetValue(fObjective->fBound));
+  const VokLong wanted = fObjective->fSense == Sense::Minimize ? *fBest - 1 : *fBest + 1;
+  if (bound.GetCardinality() != 1 || bound.GetLowerBound() != wanted) {
+    static_cast<VokTarnInteger&>(fNetwork.Touch(fObjective->fBound)).SetExactValue(wanted);
+    fNetwork.NoteChange(fObjective->fBound);
+  }
+  return true;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "framework/VokStreamable.h"
+
+// A persistent object stream to read from; see Vokopstream for the form. The bytes are not trusted.
+//
+// Errors     Throws nothing. After the first failure (short input, wrong header, unknown class, bad reference, nesting
+// deeper than
+//            sMaxDepth) the stream is failed, and every field read from then on is 0, every object null.
+// Ownership  An object made by ReadObjectPointer belongs to the caller; the stream keeps only its address
+//            for later references. When the stream fails while it reads an object, that object is destroyed.
+class VOKTARN_EXPORT Vokipstream {
+ public:
+  static constexpr int sMaxDepth = 1000;
+
+  // Reads and checks the header. `is` must outlive this object and be opened in binary mode.
+  explicit Vokipstream(std::istream& is);
+  Vokipstream(const Vokipstream&) = delete;
+  Vokipstream& operator=(const Vokipstream&) = delete;
+  ~Vokipstream();
+
+  Vokipstream& operator>>(int& v);
+  Vokipstream& operator>>(unsigned int& v);
+  Vokipstream& operator>>(long& v);
+  Vokipstream& ReadText(std::string& text);
+
+  // Reads an object into the existing one that `object` points at; refuses a record of another class. With
+  // a null `object` a new object is made, as by ReadObjectPointer.
+  Vokipstream& ReadObject(VokStreamable*& object);
+  // Reads an object or a reference to one read before; null for the null pointer and after a failure.
+  VokStreamable* ReadObjectPointer();
+
+  bool IsFailed() const noexcept { return fFailed; }
+  void SetFailed() noexcept { fFailed = true; }
+
+ private:
+  VokULong ReadWord();
+  VokStreamable* ReadRecord(VokStreamable* existing);
+
+  std::istream& fStream;
+  std::vector<VokStreamable*> fRead;
+  int fDepth = 0;
+  bool fFailed = false;
+};

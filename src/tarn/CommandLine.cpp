@@ -1,0 +1,76 @@
+#include "tarn/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+
+namespace tarn {
+namespace {
+
+void DefineOptions(CLI::App& app, CommandLine& line) {
+  app.name("tarn");
+  app.set_version_flag("--version", "tarn " TARN_VERSION);
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.add_option("-m,--module", line.fModules, "Open this module too (may be repeated)")
+      ->allow_extra_args(false)
+      ->type_name("NAME");
+  app.add_option("-M,--module-path", line.fDirectories, "Look for modules here first (may be repeated)")
+      ->allow_extra_args(false)
+      ->type_name("DIR");
+}
+
+void DefineNarrow(CLI::App& app, CommandLine& line) {
+  CLI::App* narrow = app.add_subcommand("narrow", "Print the domains that propagation leaves");
+  narrow->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  narrow->callback([&line] { line.fCommand = CommandLine::Command::Narrow; });
+}
+
+void DefineSolve(CLI::App& app, CommandLine& line) {
+  CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
+  solve->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  CLI::Option* all = solve->add_flag("-a,--all", line.fSolve.fAll, "Find all solutions");
+  solve->add_option("-n", line.fSolve.fCount, "Stop after N solutions")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber)
+      ->excludes(all);
+  solve->add_flag("-s,--stats", line.fSolve.fStatistics, "Print figures of the search to the standard error");
+  const CLI::Validator isDuration(
+      [](const std::string& text) {
+        double seconds = 0;
+        const bool isRight = CLI::detail::lexical_cast(text, seconds) && std::isfinite(seconds) && seconds >= 0;
+        return isRight ? std::string() : "not a number of seconds: " + text;
+      },
+      "");
+  solve->add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time")
+      ->type_name("SECONDS")
+      ->check(isDuration);
+  solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
+}
+
+void DefineModules(CLI::App& app, CommandLine& line) {
+  CLI::App* modules = app.add_subcommand("modules", "List the types and operators of the modules");
+  modules->add_option("NAME", line.fModule, "Only this module")->type_name("");
+  modules->callback([&line] { line.fCommand = CommandLine::Command::Modules; });
+}
+
+}  // namespace
+
+std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
+                                              int& exitCode) {
+  CommandLine line;
+  CLI::App app("Solves constraint models over the domain types that modules publish.");
+  DefineOptions(app, line);
+  DefineNarrow(app, line);
+  DefineSolve(app, line);
+  DefineModules(app, line);
+  app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    exitCode = app.exit(error, out, err) == 0 ? Solved : BadInput;
+    return std::nullopt;
+  }
+  return line;
+}
+
+}  // namespace tarn

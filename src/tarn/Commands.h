@@ -1,0 +1,32 @@
+// The commands of the program. Each prints its answer to `out`, everything else to `err`, and returns the exit code.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "tarn/Session.h"
+
+namespace tarn {
+
+enum ExitCode : int {
+  Solved = 0,
+  NoSolution = 1,
+  BadInput = 2,
+  Undecided = 3  // stopped by a limit, or not decidable by search
+};
+
+struct SolveOptions {
+  bool fAll = false;
+  std::optional<std::uint64_t> fCount;
+  bool fStatistics = false;
+  std::optional<double> fTimeLimit;  // seconds
+};
+
+int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
+int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
+// Lists one module, or all that are loaded.
+int RunModules(Session& session, const std::optional<std::string>& name, std::ostream& out);
+
+}  // namespace tarn

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "framework/VokTarnNetwork.h"
+#include "framework/VokTarnOperatorTable.h"
+#include "framework/VokTarnSearch.h"
+#include "tarn/Model.h"
+
+namespace tarn {
+
+// Builds the network of a model: a value for each variable, literal and operation, a constraint for each operation and
+// relation. All that it knows of types and operators comes from the operator table.
+//
+// Sharing  Equal literals are one value; the same operator over the same operands is one operation, and one operand
+//          is converted to one type once. Propagation through a shared value is stronger than through copies, and
+//          sharing is right everywhere because every operation must have a value, also inside a truth value.
+// Errors   Throws ModelError. The network is then incomplete and only good to be thrown away.
+class Compiler {
+ public:
+  Compiler(const VokTarnOperatorTable& table, VokTarnNetwork& network, const Model& model)
+      : fTable(table), fNetwork(network), fModel(model) {}
+
+  // Adds the variables of a declaration, which the model has not yet taken in.
+  void Declare(const Declaration& declaration);
+  void Post(const Formula& formula);
+
+  // The values of the declared variables, in order of declaration.
+  const std::vector<VokTarnValueId>& GetVariables() const noexcept { return fVariables; }
+  const std::optional<VokTarnSearch::Objective>& GetObjective() const noexcept { return fObjective; }
+
+ private:
+  // An operation by its operator (an interned spelling, or the type of a conversion) and operands.
+  struct Operation {
+    const void* fOperator;
+    VokTarnValueId fLeft;
+    VokTarnValueId fRight;
+    bool operator==(const Operation&) const = default;
+  };
+  struct OperationHash {
+    std::size_t operator()(const Operation& operation) const noexcept;
+  };
+
+  // The value of each node. The operation at node `target` gives its result to the value `result` where its type
+  // allows.
+  std::vector<VokTarnValueId> CompileNodes(const Formula& formula, std::optional<NodeIndex> target = std::nullopt,
+                                           VokTarnValueId result = vokNoValue);
+  VokTarnValueId CompileOperation(const Node& node, std::span<const VokTarnValueId> operands, VokTarnValueId result);
+  VokTarnValueId CompileLiteral(const Node& node);
+  VokTarnValueId CompileCast(const Node& node, VokTarnValueId operand);
+  void PostRelations(const Formula& formula);
+  void PostTruth(const Formula& formula);
+  void PostList(const Formula& formula);
+  void PostObjective(const Formula& formula);
+  void PostRelation(const Word& name, VokTarnValueId left, VokTarnValueId right);
+
+  VokTarnOperatorTable::Choice Choose(const Word& name, std::span<const VokTarnValueId> operands) const;
+  VokTarnValueId Apply(const VokTarnOperatorTable::Choice& choice, std::span<const VokTarnValueId> operands,
+                       VokTarnValueId result, bool wantResult);
+  VokTarnValueId Convert(VokTarnValueId from, VokTarnType to);
+  VokTarnType FindLiteralType(const std::string& text) const;
+  std::vector<VokTarnType> GetTypes(std::span<const VokTarnValueId> values) const;
+  bool IsDerivedFrom(VokTarnValueId value, const char* ident) const;
+
+  const VokTarnOperatorTable& fTable;
+  VokTarnNetwork& fNetwork;
+  const Model& fModel;
+  std::vector<VokTarnValueId> fVariables;
+  std::unordered_map<std::string_view, VokTarnValueId> fLiterals;
+  std::unordered_map<Operation, VokTarnValueId, OperationHash> fOperations;
+  std::optional<VokTarnSearch::Objective> fObjective;
+};
+
+}  // namespace tarn

@@ -1,0 +1,28 @@
+#include "tarn/Model.h"
+
+#include <utility>
+
+namespace tarn {
+
+void Model::AddVariable(std::string_view name, std::string_view type) {
+  fNames.emplace(name, static_cast<VariableIndex>(fVariables.size()));
+  fVariables.push_back({std::string(name), std::string(type)});
+}
+
+void Model::AddStatement(Statement statement) {
+  const Formula* formula = std::get_if<Formula>(&statement.fBody);
+  if (formula != nullptr && formula->IsObjective()) {
+    fObjective = fStatements.size();
+  }
+  fStatements.push_back(std::move(statement));
+}
+
+std::optional<VariableIndex> Model::FindVariable(std::string_view name) const noexcept {
+  const auto found = fNames.find(name);
+  if (found == fNames.end()) {
+    return std::nullopt;
+  }
+  return found->second;
+}
+
+}  // namespace tarn

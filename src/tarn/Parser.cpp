@@ -1,0 +1,217 @@
+#include "tarn/Parser.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tarn/Diagnostic.h"
+
+namespace tarn {
+
+Parser::Parser(const Source& source, const Vocabulary& vocabulary, Model& model)
+    : fVocabulary(vocabulary), fModel(model), fText(source.GetText()), fLexer(source, vocabulary), fBefore(fLexer) {}
+
+void Parser::Advance() {
+  fLastEnd = fToken.fOffset + fToken.fText.size();
+  fBefore = fLexer;
+  fToken = fLexer.Next();
+}
+
+bool Parser::Accept(std::string_view text) {
+  if (!fToken.Is(text)) {
+    return false;
+  }
+  Advance();
+  return true;
+}
+
+void Parser::FailUnexpected(const std::string& expected) const {
+  if (fToken.fKind == Token::Kind::End) {
+    throw ModelError(fLastEnd, "expected " + expected + ", found the end of the text");
+  }
+  throw ModelError(fToken.fOffset, "expected " + expected + ", found " + Quote(fToken.fText));
+}
+
+void Parser::FailUnfinished() const {
+  // What comes on a later line is most often right, and the statement before it lacks its end.
+  const std::string_view between = fText.substr(fLastEnd, fToken.fOffset - fLastEnd);
+  if (fToken.fKind == Token::Kind::End || between.find('\n') != std::string_view::npos) {
+    throw ModelError(fLastEnd, "missing ';' at the end of the statement");
+  }
+  FailUnexpected("an operator or ';'");
+}
+
+Word Parser::MakeWord(std::string_view text, std::size_t offset) {
+  return {fModel.Intern(text), static_cast<std::uint32_t>(offset)};
+}
+
+std::string Parser::TakeName(Lexer& lexer, const Names& names, std::string& words) const {
+  std::string name;
+  Lexer ahead = lexer;
+  for (std::size_t count = 0; count < fVocabulary.GetLongestName() && ahead.IsWordAhead(); ++count) {
+    words += count == 0 ? "" : " ";
+    words += ahead.Next().fText;
+    if (names.contains(words)) {
+      name = words;
+      lexer = ahead;
+    }
+  }
+  return name;
+}
+
+std::optional<Statement> Parser::Next() {
+  fToken = {Token::Kind::End, {}, fLexer.GetOffset()};
+  do {
+    Advance();
+  } while (fToken.Is(";"));
+  if (fToken.fKind == Token::Kind::End) {
+    return std::nullopt;
+  }
+  const std::string_view skipped = fText.substr(fCounted, fToken.fOffset - fCounted);
+  fLine += static_cast<std::size_t>(std::ranges::count(skipped, '\n'));
+  fCounted = fToken.fOffset;
+
+  Statement statement{fLine, fToken.fOffset, Use{}};
+  if (IsDeclarationAhead()) {
+    statement.fBody = ParseDeclaration();
+  } else if (fToken.Is("use")) {
+    statement.fBody = ParseUse();
+  } else {
+    statement.fBody = ParseFormula();
+  }
+  // The current token, the last one read, is now the ";".
+  if (!fToken.Is(";")) {
+    FailUnfinished();
+  }
+  return statement;
+}
+
+bool Parser::IsDeclarationAhead() {
+  if (fToken.fKind != Token::Kind::Word) {
+    return false;
+  }
+  Lexer ahead = fLexer;
+  const Token next = ahead.Next();
+  return next.Is(",") || next.Is(":");
+}
+
+void Parser::ParseDeclaredName(Declaration& declaration) {
+  if (fToken.fKind != Token::Kind::Word) {
+    FailUnexpected("the name of a variable");
+  }
+  if (fVocabulary.IsReserved(fToken.fText)) {
+    throw ModelError(fToken.fOffset,
+                     Quote(fToken.fText) + " has a meaning of its own and cannot be the name of a variable");
+  }
+  if (IsVariable()) {
+    throw ModelError(fToken.fOffset, Quote(fToken.fText) + " is declared already");
+  }
+  declaration.fNames.push_back(MakeWord(fToken.fText, fToken.fOffset));
+  Advance();
+}
+
+Declaration Parser::ParseDeclaration() {
+  Declaration declaration;
+  ParseDeclaredName(declaration);
+  while (Accept(",")) {
+    ParseDeclaredName(declaration);
+  }
+  std::vector<Word> names = declaration.fNames;
+  std::ranges::sort(names, {}, [](const Word& word) { return std::pair(word.fText, word.fOffset); });
+  const auto twins = std::ranges::adjacent_find(names, {}, &Word::fText);
+  if (twins != names.end()) {
+    throw ModelError(std::next(twins)->fOffset, Quote(twins->fText) + " is declared already");
+  }
+  if (!fToken.Is(":")) {
+    FailUnexpected("',' or ':'");
+  }
+  // From here to the ";" the text belongs to the type and need not consist of tokens.
+  declaration.fType = ParseType();
+  declaration.fDomainOffset = fLexer.GetOffset();
+  declaration.fDomain = fLexer.ReadRaw();
+  Advance();
+  return declaration;
+}
+
+Word Parser::ParseType() {
+  const bool isWord = fLexer.IsWordAhead();
+  const std::size_t offset = fLexer.GetOffset();
+  std::string words;
+  const std::string name = TakeName(fLexer, fVocabulary.GetTypes(), words);
+  if (name.empty()) {
+    std::vector<std::string> notes{"the types are:"};
+    for (const std::string& type : fVocabulary.GetTypes()) {
+      notes.push_back("  " + type);
+    }
+    throw ModelError(offset, isWord ? "unknown type " + Quote(words) : "expected a type", std::move(notes));
+  }
+  return MakeWord(name, offset);
+}
+
+Use Parser::ParseUse() {
+  Advance();
+  if (fToken.fKind != Token::Kind::Word) {
+    FailUnexpected("the name of a module");
+  }
+  const Use use{MakeWord(fToken.fText, fToken.fOffset)};
+  Advance();
+  return use;
+}
+
+Formula Parser::ParseFormula() {
+  Formula formula{};
+  fFormula = &formula;
+  fDepth = 0;
+  if (!ParseObjective(formula) && !ParseList(formula)) {
+    ParseRelations(formula);
+  }
+  return formula;
+}
+
+bool Parser::ParseObjective(Formula& formula) {
+  if (!fToken.Is("minimize") && !fToken.Is("maximize")) {
+    return false;
+  }
+  if (fModel.GetObjective()) {
+    throw ModelError(fToken.fOffset, "the model has an objective already");
+  }
+  formula.fKind = fToken.Is("minimize") ? Formula::Kind::Minimize : Formula::Kind::Maximize;
+  Advance();
+  formula.fRoots.push_back(ParseExpression());
+  return true;
+}
+
+bool Parser::ParseList(Formula& formula) {
+  const std::size_t offset = fToken.fOffset;
+  Lexer ahead = fBefore;
+  std::string words;
+  const std::string name = IsVariable() ? "" : TakeName(ahead, fVocabulary.GetListOperators(), words);
+  if (name.empty()) {
+    return false;
+  }
+  formula.fKind = Formula::Kind::List;
+  formula.fOperators.push_back(MakeWord(name, offset));
+  fLexer = ahead;
+  fToken = {Token::Kind::Word, fText.substr(offset, ahead.GetOffset() - offset), offset};
+  Advance();
+  const std::size_t open = fToken.fOffset;
+  if (!Accept("(")) {
+    FailUnexpected("'('");
+  }
+  do {
+    formula.fRoots.push_back(ParseExpression());
+  } while (Accept(","));
+  ExpectClosing(open);
+  return true;
+}
+
+void Parser::ParseRelations(Formula& formula) {
+  formula.fRoots.push_back(ParseExpression());
+  while (fToken.fKind == Token::Kind::Symbol && Vocabulary::IsRelation(fToken.fText)) {
+    formula.fOperators.push_back(MakeWord(fToken.fText, fToken.fOffset));
+    Advance();
+    formula.fRoots.push_back(ParseExpression());
+  }
+  formula.fKind = formula.fOperators.empty() ? Formula::Kind::Truth : Formula::Kind::Relations;
+}
+
+}  // namespace tarn

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+
+#include "tarn/Lexer.h"
+#include "tarn/Model.h"
+
+namespace tarn {
+
+// Reads the statements of a model text, one at a time.
+//
+// Between two statements nothing has been read ahead, so the model and the vocabulary may grow by what the last
+// statement declared or opened. The parser itself changes neither, except that it keeps texts in the model.
+//
+// Cost    Linear in the text. Operators of one level are read in a loop; nesting is limited to sMaxDepth.
+// Errors  Throws ModelError at the first mistake.
+class Parser {
+ public:
+  static constexpr int sMaxDepth = 1000;
+
+  Parser(const Source& source, const Vocabulary& vocabulary, Model& model);
+
+  // The next statement, or nothing at the end of the text.
+  std::optional<Statement> Next();
+
+ private:
+  using Names = std::set<std::string, std::less<>>;
+  class DepthGuard;
+
+  void Advance();
+  bool Accept(std::string_view text);
+  void ExpectClosing(std::size_t open);  // of the "(" at that place
+  [[noreturn]] void FailUnexpected(const std::string& expected) const;
+  [[noreturn]] void FailUnfinished() const;
+  Word MakeWord(std::string_view text, std::size_t offset);
+  // The longest of `names` that the words ahead of `lexer` spell, the empty text when there is none; the lexer
+  // is left behind it. `words` becomes what was read in search of it.
+  std::string TakeName(Lexer& lexer, const Names& names, std::string& words) const;
+
+  bool IsDeclarationAhead();
+  Declaration ParseDeclaration();
+  void ParseDeclaredName(Declaration& declaration);
+  Word ParseType();
+  Use ParseUse();
+  Formula ParseFormula();
+  bool ParseObjective(Formula& formula);
+  bool ParseList(Formula& formula);
+  void ParseRelations(Formula& formula);
+
+  NodeIndex ParseExpression() { return ParseInfix(Vocabulary::Implication); }
+  NodeIndex ParseInfix(int precedence);
+  NodeIndex ParsePrefix();
+  NodeIndex ParsePower();
+  NodeIndex ParsePrimary();
+  NodeIndex ParseName();
+  NodeIndex ParseParenthesis();
+  // A declared name stands for its variable, also when a module opened later has an operator of that name.
+  bool IsVariable() const noexcept;
+  bool IsPrefix() const noexcept { return !IsVariable() && fVocabulary.IsPrefix(fToken.fText); }
+  const Vocabulary::Infix* FindInfix() const noexcept;
+  NodeIndex AddNode(Node::Kind kind, std::string_view text, std::size_t offset, NodeIndex left, NodeIndex right = 0);
+
+  const Vocabulary& fVocabulary;
+  Model& fModel;
+  std::string_view fText;
+  Lexer fLexer;
+  Lexer fBefore;  // before the current token
+  Token fToken{Token::Kind::End, {}, 0};
+  std::size_t fLastEnd = 0;  // behind the token before the current one
+  std::size_t fLine = 1;     // the line of fCounted
+  std::size_t fCounted = 0;
+  int fDepth = 0;
+  Formula* fFormula = nullptr;  // the statement that is being read
+};
+
+}  // namespace tarn

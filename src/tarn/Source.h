@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+// A model text and where it came from. Must outlive every token and position taken from it.
+//
+// Places in it are byte offsets; lines and columns are worked out only when a message needs them.
+class Source {
+ public:
+  struct Place {
+    std::size_t fLine;        // from 1
+    std::size_t fColumn;      // from 1, in characters: a UTF-8 sequence and a tab count one each
+    std::size_t fLineOffset;  // where the line starts
+  };
+
+  Source(std::string name, std::string text) : fName(std::move(name)), fText(std::move(text)) {}
+
+  // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read, and ModelError's text
+  // form as a ProgramError when it is not a text.
+  static Source ReadFile(const std::string& path);
+
+  const std::string& GetName() const noexcept { return fName; }
+  std::string_view GetText() const noexcept { return fText; }
+  Place Locate(std::size_t offset) const noexcept;
+
+ private:
+  std::string fName;
+  std::string fText;
+};
+
+}  // namespace tarn

@@ -1,0 +1,60 @@
+#include <iostream>
+#include <new>
+
+#include "tarn/CommandLine.h"
+#include "tarn/Diagnostic.h"
+#include "tarn/Interrupt.h"
+
+namespace tarn {
+namespace {
+
+int Run(const CommandLine& line) {
+  Session session;
+  for (const std::string& directory : line.fDirectories) {
+    session.AddDirectory(directory);
+  }
+  session.Open(Session::sDefaultModule);
+  for (const std::string& module : line.fModules) {
+    session.Open(module);
+  }
+  if (line.fCommand == CommandLine::Command::Modules) {
+    return RunModules(session, line.fModule, std::cout);
+  }
+  const Source source = Source::ReadFile(line.fFile);
+  CatchInterrupts();
+  try {
+    session.Read(source);
+  } catch (const ModelError& error) {
+    throw ProgramError(FormatDiagnostic(source, error));
+  }
+  return line.fCommand == CommandLine::Command::Narrow ? RunNarrow(session, std::cout, std::cerr)
+                                                       : RunSolve(session, line.fSolve, std::cout, std::cerr);
+}
+
+}  // namespace
+}  // namespace tarn
+
+int main(int argc, char** argv) {
+  std::ios::sync_with_stdio(false);
+  int exitCode = tarn::Solved;
+  try {
+    const std::optional<tarn::CommandLine> line = tarn::CommandLine::Parse(argc, argv, std::cout, std::cerr, exitCode);
+    if (line) {
+      exitCode = tarn::Run(*line);
+    }
+  } catch (const tarn::ProgramError& error) {
+    std::cerr << error.what() << '\n';
+    return tarn::BadInput;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "tarn: error: out of memory\n";
+    return tarn::Undecided;
+  } catch (const std::exception& error) {
+    std::cerr << "tarn: internal error: " << error.what() << '\n';
+    return tarn::Undecided;
+  }
+  if (!std::cout.flush()) {
+    std::cerr << "tarn: error: cannot write the output\n";
+    return tarn::BadInput;
+  }
+  return exitCode;
+}

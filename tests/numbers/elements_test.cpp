@@ -1,0 +1,77 @@
+// Element arithmetic beside 64-bit arithmetic, and the intervals that carry the error flag.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+
+#include "numbers/SubdefInt.h"
+
+namespace {
+
+using Wide = std::int64_t;
+
+constexpr VokLong kMax = 2147483645;
+constexpr VokLong kNil = -2147483647 - 1;
+constexpr VokLong kAny = 2147483647;
+constexpr VokLong kGrid[] = {kNil, -kMax - 1, -kMax, -kMax + 1, -1073741823, -46341, -46340, -3,       -2,   -1,  0,
+                             1,    2,         3,     46340,     46341,       65536,  7,      kMax - 1, kMax, kAny};
+
+// Numbers far beyond the range stand for the infinities. Opposite ones cancel out by themselves.
+Wide Extended(VokLong v) {
+  return v >= kMax ? Wide{1} << 40 : v <= -kMax ? -(Wide{1} << 40) : v;
+}
+
+VokLong Clamped(Wide v) {
+  return static_cast<VokLong>(std::clamp<Wide>(v, -kMax, kMax));
+}
+
+TEST(ElementArithmetic, AgreesWithWideArithmeticOnAGridOfExtremes) {
+  SDClearError();
+  for (const VokLong a : kGrid) {
+    for (const VokLong b : kGrid) {
+      SCOPED_TRACE(testing::Message() << a << ", " << b);
+      const Wide x = Extended(a);
+      const Wide y = Extended(b);
+      EXPECT_EQ(SubIntBase::base_plus(a, b), Clamped(x + y));
+      EXPECT_EQ(SubIntBase::base_minus(a, b), Clamped(x - y));
+      // Two infinities are reduced so that their product fits.
+      EXPECT_EQ(SubIntBase::base_mult(a, b), Clamped(std::clamp<Wide>(x, -(Wide{1} << 31), Wide{1} << 31) *
+                                                     std::clamp<Wide>(y, -(Wide{1} << 31), Wide{1} << 31)));
+      if (b != 0 && std::abs(y) < kMax) {
+        EXPECT_EQ(SubIntBase::base_div(a, b), std::abs(x) < kMax ? Clamped(x / y) : Clamped(y > 0 ? x : -x));
+      } else if (b != 0) {
+        EXPECT_EQ(SubIntBase::base_div(a, b), x / y);  // 0, or 1 and -1 for two infinities
+      }
+    }
+  }
+  EXPECT_EQ(SDCheckError(), 0);
+}
+
+TEST(ElementArithmetic, OnlyDivisionByZeroRaisesTheErrorFlag) {
+  SDClearError();
+  EXPECT_EQ(SubIntBase::base_div(5, 0), 0);
+  EXPECT_NE(SDCheckError(), 0);
+  EXPECT_NE(SDCheckError(), 0) << "polling keeps the flag";
+  SDClearError();
+  EXPECT_EQ(SDCheckError(), 0);
+}
+
+TEST(SubdefInt, IntersectionTellsChangeAndRaisesTheFlagWhenEmpty) {
+  struct Row {
+    VokLong lower, upper, otherLower, otherUpper, expectedLower, expectedUpper;
+    int changed, error;
+  };
+  for (const Row& row : {Row{0, 9, 3, 20, 3, 9, 1, 0}, Row{3, 5, 0, 9, 3, 5, 0, 0}, Row{0, 5, 5, 9, 5, 5, 1, 0},
+                         Row{-kMax, kMax, -kMax, kMax, -kMax, kMax, 0, 0}, Row{0, 4, 5, 9, 5, 4, 1, 1}}) {
+    SDClearError();
+    SubdefInt x(row.lower, row.upper);
+    SubdefInt y(row.otherLower, row.otherUpper);
+    EXPECT_EQ(x.SDIntersect(y) != 0, row.changed != 0);
+    EXPECT_EQ(VokLong{x.fLower}, row.expectedLower);
+    EXPECT_EQ(VokLong{x.fUpper}, row.expectedUpper);
+    EXPECT_EQ(SDCheckError() != 0, row.error != 0);
+  }
+  SDClearError();
+}
+
+}  // namespace

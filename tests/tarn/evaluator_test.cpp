@@ -1,0 +1,96 @@
+#include "tarn/Evaluator.h"
+
+#include <gtest/gtest.h>
+
+#include "tarn/parsing.h"
+
+namespace {
+
+// Whether the statement holds for x = 7, y = -3, z = 0, p = 1, q = 0 and an unknown u.
+bool Holds(const std::string& text) {
+  const tarn::Vocabulary vocabulary = MakeVocabulary();
+  const tarn::Source source("test", text);
+  tarn::Model model;
+  for (const char* name : {"x", "y", "z", "p", "q", "u"}) {
+    model.AddVariable(name, "int");
+  }
+  tarn::Parser parser(source, vocabulary, model);
+  model.AddStatement(*parser.Next());
+  const std::vector<std::optional<std::int64_t>> values{7, -3, 0, 1, 0, std::nullopt};
+  return !tarn::Evaluator(model).FindContradiction(values);
+}
+
+TEST(Evaluator, AcceptsWhatHolds) {
+  for (const char* text : {"x + y = 4;",
+                           "x - y = 10;",
+                           "x * y = -21;",
+                           "21 / y = -x;",
+                           "x mod 3 = 1;",
+                           "-7 mod 3 = -1;",
+                           "7 mod y = 1;",
+                           "x ^ 2 = 49;",
+                           "y ^ 3 = -27;",
+                           "0 ^ 0 = 1;",
+                           "0 ^ 5 = 0;",
+                           "1 ^ -9 = 1;",
+                           "(-1) ^ -3 = -1;",
+                           "x /\\ y = y;",
+                           "x \\/ y = x;",
+                           "abs y = 3;",
+                           "sign y = -1;",
+                           "sign z = 0;",
+                           "sign x = 1;",
+                           "next x = 8;",
+                           "prev y = -4;",
+                           "-y = 3;",
+                           "(enum int) x = 7;",
+                           "y < z <= z < x;",
+                           "x > z >= z <> x;",
+                           "x <> y;",
+                           "p;",
+                           "!q;",
+                           "x == 7;",
+                           "!(x == y);",
+                           "y << z;",
+                           "z <== z;",
+                           "x >> y;",
+                           "x >== x;",
+                           "p && !q;",
+                           "q || p;",
+                           "q -> p;",
+                           "q -> q;",
+                           "!(p -> q);",
+                           "q <-> !p;",
+                           "p == true;",
+                           "q == false;",
+                           "all different (x, y, z, p);",
+                           "minimize x;",
+                           "2147483645 = 2147483644 + 1;",
+                           "x = 7 + 0 * y;"}) {
+    EXPECT_TRUE(Holds(text)) << text;
+  }
+}
+
+TEST(Evaluator, RejectsWhatDoesNotHold) {
+  for (const char* text : {"x + y = 5;", "y < z < z;", "x = y;", "q;", "!p;", "x << y;", "z >> z;", "p -> q;",
+                           "p && q;", "q || q;", "p <-> q;", "all different (x, z, 7);", "all different (q, z);"}) {
+    EXPECT_FALSE(Holds(text)) << text;
+  }
+}
+
+TEST(Evaluator, RejectsWhateverHoldsAnOperationWithoutValue) {
+  for (const char* text :
+       {"x / 2 = 3;", "x / 2 <> 3;", "x / z = x;", "0 / z = 0;", "x mod z = x;", "2 ^ -1 = 0;", "0 ^ -1 = 0;",
+        "p || (x / 2 == 3);", "q -> (x mod z == 1);", "!(2 ^ y == 1);", "2147483645 + 1 > 0;", "7 ^ 12 > 0;",
+        "-2147483645 - x < 0;", "100000 * 100000 > 0;", "maximize 1 / x;", "all different (x, y / 2);"}) {
+    EXPECT_FALSE(Holds(text)) << text;
+  }
+}
+
+TEST(Evaluator, PassesOverWhatItDoesNotKnow) {
+  for (const char* text : {"x gcd y = 100;", "u = 3;", "parity x = 5;", "sorted (x, y);", "Max = 3;", "x / 2 = u;"}) {
+    EXPECT_TRUE(Holds(text)) << text;
+  }
+}
+
+}  // namespace

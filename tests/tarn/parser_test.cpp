@@ -1,0 +1,158 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tarn/parsing.h"
+
+namespace {
+
+struct Case {
+  const char* fText;
+  const char* fExpected;
+};
+
+void CheckAll(std::initializer_list<Case> cases) {
+  for (const Case& c : cases) {
+    EXPECT_EQ(Reader().Render(c.fText), c.fExpected) << c.fText;
+  }
+}
+
+TEST(Expressions, BindFromPowerDownToImplication) {
+  CheckAll({
+      {"x = 1 + 2 * 3 ^ 2 ^ y;", "x = (1 + (2 * (3 ^ (2 ^ y))));"},
+      {"x = 1 - 2 - 3 + 4;", "x = (((1 - 2) - 3) + 4);"},
+      {"x = 12 / 2 mod 5 * 3;", "x = (((12 / 2) mod 5) * 3);"},
+      {"x = x + y /\\ y \\/ z - 1;", "x = (((x + y) /\\ y) \\/ (z - 1));"},
+      {"p -> q && x << y + 1 || p -> q;", "(p -> (((q && (x << (y + 1))) || p) -> q));"},
+      {"p <-> q -> p;", "(p <-> (q -> p));"},
+      {"p == (x << y);", "(p == (x << y));"},
+      {"1 <= x < y + 1 <> z;", "1 <= x < (y + 1) <> z;"},
+  });
+}
+
+TEST(Expressions, PrefixesStandBetweenPowerAndProduct) {
+  CheckAll({
+      {"x = -x ^ 2;", "x = (- (x ^ 2));"},
+      {"x = -2 ^ 2;", "x = (- (2 ^ 2));"},
+      {"x = 2 ^ -1;", "x = (2 ^ -1);"},
+      {"x = 2 ^ -x ^ 2;", "x = (2 ^ (- (x ^ 2)));"},
+      {"x = -x * y;", "x = ((- x) * y);"},
+      {"x = abs next -x + 1;", "x = ((abs (next (- x))) + 1);"},
+      {"!p && q;", "((! p) && q);"},
+      {"x = - - 3;", "x = (- -3);"},
+      {"x = y - -2147483645;", "x = (y - -2147483645);"},
+      {"x = y-3;", "x = (y - 3);"},
+  });
+}
+
+TEST(Expressions, CastsAreTypesInParentheses) {
+  CheckAll({
+      {"x = (enum   int) y + 1;", "x = (<enum int>y + 1);"},
+      {"x = (int) -y ^ 2;", "x = <int>(- (y ^ 2));"},
+      {"x = (y) + 1;", "x = (y + 1);"},
+  });
+}
+
+TEST(Expressions, PublishedOperatorsBindByTheirKind) {
+  CheckAll({
+      {"x = 1 + y gcd 2 * z;", "x = (1 + ((y gcd 2) * z));"},
+      {"x = y <=> 2 * z;", "x = (y <=> (2 * z));"},
+      {"x = y**2;", "x = (y ** 2);"},
+      {"x = parity ~y + 1;", "x = ((parity (~ y)) + 1);"},
+  });
+}
+
+TEST(Statements, AreReadInEveryForm) {
+  CheckAll({
+      {"a, b : enum int [1, 9] ; x = y;", "a b : <enum int> [1, 9] ; x = y;"},
+      {"a : bool;", "a : <bool>;"},
+      {"a:int 3;", "a : <int> 3;"},
+      {"all different (x, y + 1);", "all different x, (y + 1);"},
+      {"all (x);", "all x;"},
+      {"all_x = 3;", "all_x = 3;"},
+      {"minimize x * y;", "minimize (x * y);"},
+      {"maximize x;", "maximize x;"},
+      {"use Extra_1;;", "use Extra_1;"},
+      {"true;", "true;"},
+      {"// only a comment", ""},
+      {"\xEF\xBB\xBFx = y; // and a mark", "x = y;"},
+  });
+}
+
+TEST(Statements, CommentsInDomainsKeepPlaces) {
+  EXPECT_EQ(Reader().Render("a : int {1, // ;\n2};"), "a : <int> {1,     \n2};");
+}
+
+TEST(Mistakes, AreReportedAtTheirPlace) {
+  CheckAll({
+      {"x = y\nz = 3;", "1:6: missing ';' at the end of the statement"},
+      {"x = y", "1:6: missing ';' at the end of the statement"},
+      {"a : int [1, 2]\n\n", "1:15: missing ';' at the end of the statement"},
+      {"x = ;", "1:5: expected an expression, found ';'"},
+      {"x + mod;", "1:5: expected an expression, found 'mod'"},
+      {"x y;", "1:3: expected an operator or ';', found 'y'"},
+      {"x = (y + 1;", "1:5: this '(' is never closed"},
+      {"x = y);", "1:6: expected an operator or ';', found ')'"},
+      {"all different (x, y;", "1:15: this '(' is never closed"},
+      {"all different x;", "1:15: expected '(', found 'x'"},
+      {"foo (x);", "1:1: unknown operator 'foo'"},
+      {"x = 3y;", "1:5: '3y' is neither a number nor a name"},
+      {"x = y @ z;", "1:7: unexpected character '@'"},
+      {"x = \xC3\xA4;", "1:5: unexpected byte 0xC3"},
+      {"p == q == p;", "1:8: '==' and '==' cannot follow each other without parentheses"},
+      {"a : enum integer;", "1:5: unknown type 'enum integer'"},
+      {"a : [1, 2];", "1:5: expected a type"},
+      {"a, 3 : int;", "1:4: expected the name of a variable, found '3'"},
+      {"a, b int;", "1:6: expected ',' or ':', found 'int'"},
+      {"x : int;", "1:1: 'x' is declared already"},
+      {"a, b, a : int;", "1:7: 'a' is declared already"},
+      {"abs : int;", "1:1: 'abs' has a meaning of its own and cannot be the name of a variable"},
+      {"bool : int;", "1:1: 'bool' has a meaning of its own and cannot be the name of a variable"},
+      {"use 3;", "1:5: expected the name of a module, found '3'"},
+  });
+  EXPECT_THAT(Reader().Render("p || (x = 3);"), testing::StartsWith("1:9: the relation '='"));
+}
+
+std::string Repeat(const std::string& text, int times) {
+  std::string result;
+  for (int i = 0; i < times; ++i) {
+    result += text;
+  }
+  return result;
+}
+
+TEST(Limits, NestingIsBoundedHoweverItIsWritten) {
+  for (const char* opening : {"(", "- ", "2 ^ ", "p -> ", "(int) ", "(- "}) {
+    EXPECT_THAT(Reader().Render("x = " + Repeat(opening, 100000)), testing::HasSubstr("nested too deeply")) << opening;
+  }
+  const int most = tarn::Parser::sMaxDepth;
+  EXPECT_EQ(Reader().Render("x = " + Repeat("(", most) + "y" + Repeat(")", most) + ";"), "x = y;");
+}
+
+TEST(Limits, LongSumsAreNoNesting) {
+  const tarn::Source source("test", "x = 1" + Repeat(" + y", 100000) + ";");
+  const tarn::Vocabulary vocabulary = MakeVocabulary();
+  tarn::Model model;
+  model.AddVariable("x", "int");
+  model.AddVariable("y", "int");
+  const std::optional<tarn::Statement> statement = tarn::Parser(source, vocabulary, model).Next();
+  EXPECT_EQ(std::get<tarn::Formula>(statement->fBody).fNodes.size(), 200002U);
+}
+
+TEST(Diagnostics, ShowTheLineAndACaret) {
+  const auto format = [](const std::string& text, std::size_t offset) {
+    return tarn::FormatDiagnostic(tarn::Source("f", text), tarn::ModelError(offset, "wrong", {"note"}));
+  };
+  EXPECT_EQ(format("a\n\tb c\r\nd", 5), "f:2:4: error: wrong\n\tb c\n\t  ^\n  note");
+  EXPECT_EQ(format("\xC3\xA4 b", 3), "f:1:3: error: wrong\n\xC3\xA4 b\n  ^\n  note");
+  EXPECT_EQ(format("\x1B[2J\xFF\xC2\x9B b", 8), "f:1:8: error: wrong\n?[2J??? b\n        ^\n  note");
+  EXPECT_EQ(format("", 0), "f:1:1: error: wrong\n\n^\n  note");
+}
+
+TEST(Diagnostics, CutLongLinesAroundThePlace) {
+  const std::string text = std::string(5000, 'a') + "@" + std::string(5000, 'b');
+  const std::string message = tarn::FormatDiagnostic(tarn::Source("f", text), tarn::ModelError(5000, "wrong"));
+  EXPECT_EQ(message, "f:1:5001: error: wrong\n..." + std::string(60, 'a') + "@" + std::string(59, 'b') + "...\n" +
+                         std::string(63, ' ') + "^");
+}
+
+}  // namespace
