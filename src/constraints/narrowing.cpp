@@ -71,6 +71,9 @@ int KeepTruth(const VokTarnObjectEnvironment& environment, unsigned i, bool trut
 }
 
 int KeepEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  if (environment.AreSame(i, j)) {
+    return 0;
+  }
   if (IsA(environment.Value(i), VokTarnBoolean::sIdent)) {
     int changed = 0;
     for (const bool truth : {false, true}) {
@@ -87,6 +90,9 @@ int KeepEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned 
 }
 
 int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  if (environment.AreSame(i, j)) {
+    return environment.Fail();
+  }
   int changed = 0;
   for (const auto& [known, other] : {std::pair(i, j), std::pair(j, i)}) {
     if (environment.IsFailed() || !IsSingleValued(environment.Value(known))) {
@@ -101,6 +107,10 @@ int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
 }
 
 int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j, int gap) {
+  if (environment.AreSame(i, j)) {
+    // Bounds alone would take one value after the other from a value that is to be below itself.
+    return gap > 0 ? environment.Fail() : 0;
+  }
   const int changed = KeepAtMost(environment, i, std::int64_t{environment.Integer(j).GetUpperBound()} - gap);
   if (environment.IsFailed()) {
     return changed;

@@ -26,6 +26,9 @@ Verdict KnownTruth(const VokTarnObjectEnvironment& environment) {
 
 // Undefined values have the ends of the integer range as bounds, so they never decide an order.
 Verdict DecideOrder(const VokTarnObjectEnvironment& environment, int gap) {
+  if (environment.AreSame(kLeft, kRight)) {
+    return gap == 0 ? Verdict::True : Verdict::False;
+  }
   const VokTarnInteger& a = environment.Integer(kLeft);
   const VokTarnInteger& b = environment.Integer(kRight);
   if (a.IsUndefined() != 0 || b.IsUndefined() != 0) {
@@ -75,6 +78,9 @@ int VokTarnBooleanEqualConstraint::Propagate(const VokTarnObjectEnvironment& env
   }
   const VokTarnAny& a = environment.Value(kLeft);
   const VokTarnAny& b = environment.Value(kRight);
+  if (environment.AreSame(kLeft, kRight)) {
+    return KeepTruth(environment, kTruth, true);
+  }
   if (a.GetCardinality() == 1 && b.GetCardinality() == 1) {
     return KeepTruth(environment, kTruth, ExactValue(environment, kLeft) == ExactValue(environment, kRight));
   }

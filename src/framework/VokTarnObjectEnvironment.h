@@ -18,6 +18,9 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   unsigned Size() const noexcept { return static_cast<unsigned>(fArguments.size()); }
   bool Has(unsigned i) const noexcept { return i < fArguments.size() && fArguments[i] != vokNoValue; }
 
+  // Whether both arguments are one value of the network.
+  bool AreSame(unsigned i, unsigned j) const noexcept { return fArguments[i] == fArguments[j]; }
+
   const VokTarnAny& Value(unsigned i) const noexcept;
   // Requires: the argument is an integer (a truth value).
   const VokTarnInteger& Integer(unsigned i) const noexcept { return static_cast<const VokTarnInteger&>(Value(i)); }

@@ -1,5 +1,4 @@
 // The persistent record of the enumerated set: its flag, the number of members, the members in ascending order.
-// docs/formats.md describes the bytes.
 #include <algorithm>
 
 #include "domain/VokFenEnumInteger.h"

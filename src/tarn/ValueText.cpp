@@ -34,12 +34,11 @@ struct Range {
 };
 
 // What an integer type can hold: the ends of its undefined value. Nothing for other types.
-std::optional<Range> GetRange(VokTarnType type) {
-  const ScratchValue undefined(type);
-  if (undefined.Get().IsDerivedFrom(VokTarnInteger::sIdent) == 0) {
+std::optional<Range> GetRange(const VokTarnAny& undefined) {
+  if (undefined.IsDerivedFrom(VokTarnInteger::sIdent) == 0) {
     return std::nullopt;
   }
-  const auto& integer = static_cast<const VokTarnInteger&>(undefined.Get());
+  const auto& integer = static_cast<const VokTarnInteger&>(undefined);
   return Range{integer.GetLowerBound(), integer.GetUpperBound()};
 }
 
@@ -121,7 +120,7 @@ void ReadDomain(ScratchValue& value, VokTarnType type, const std::string& text, 
     return;
   }
   const std::string undefined = Print(value.Get());
-  if (const std::optional<Range> range = GetRange(type)) {
+  if (const std::optional<Range> range = GetRange(value.Get())) {
     CheckNumbers(*range, text, offset);
   }
   const std::size_t start = offset + text.find_first_not_of(sBlanks);
@@ -136,22 +135,25 @@ void ReadDomain(ScratchValue& value, VokTarnType type, const std::string& text, 
                                 std::string(Trim(undefined)) + "' for a domain without limits");
   }
   if (*read < text.size()) {
+    CheckBrackets(text, offset);
     throw ModelError(offset + *read, "unexpected text behind the domain (is a ';' missing?)");
   }
 }
 
 bool ReadLiteral(ScratchValue& value, const std::string& text) {
+  const std::optional<Range> range = GetRange(value.Get());
   const std::optional<std::size_t> read = value.Read(text);
   if (!read || *read < text.size() || value.Get().GetCardinality() != 1) {
     return false;
   }
   std::int64_t number = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (result.ptr != text.data() + text.size() || value.Get().IsDerivedFrom(VokTarnInteger::sIdent) == 0) {
+  const bool isNumber = result.ptr == text.data() + text.size();
+  if (!isNumber || !range) {
     return true;
   }
-  const auto& integer = static_cast<const VokTarnInteger&>(value.Get());
-  return result.ec == std::errc() && integer.GetLowerBound() == number && integer.GetUpperBound() == number;
+  const VokLong taken = static_cast<const VokTarnInteger&>(value.Get()).GetLowerBound();
+  return result.ec == std::errc() && number == taken && number >= range->fLower && number <= range->fUpper;
 }
 
 }  // namespace tarn

@@ -34,12 +34,12 @@ class ScratchValue {
   VokTarnAny* fValue;
 };
 
-// Reads a domain as it stands in a declaration: nothing but blanks leaves the value undefined. `offset` is the
-// place of the text. Throws ModelError, also for a domain that the type cannot hold: taken as undefined it would
-// admit values that the model excludes.
+// Reads a domain as it stands in a declaration into an undefined value: nothing but blanks leaves the value undefined.
+// `offset` is the place of the text. Throws ModelError, also for a domain that the type cannot hold: taken as undefined
+// it would admit values that the model excludes.
 void ReadDomain(ScratchValue& value, VokTarnType type, const std::string& text, std::size_t offset);
 
-// Whether `value` reads `text` wholly and as one value. A number must be the number that it spells.
+// Whether the undefined `value` reads `text` wholly and as one value. A number must be the number that it spells.
 bool ReadLiteral(ScratchValue& value, const std::string& text);
 
 }  // namespace tarn

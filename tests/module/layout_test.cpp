@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstring>
 #include <numeric>
-#include <type_traits>
 #include <vector>
 
 #include "module/VokFenEnumInteger_Descriptor.h"
@@ -60,36 +59,12 @@ TEST(EnumLayout, VirtualOperationsOfTheSetStandInTheirSlots) {
       &E::GetUpperBound, &E::GetNextExactValue, &E::GetPrevExactValue);
 }
 
-TEST(EnumLayout, UnequalityAndTruthValuesAreInherited) {
-  EXPECT_TRUE(
-      (std::is_same_v<decltype(&VokFenEnumInteger::CalcUnequalValue), decltype(&VokTarnInteger::CalcUnequalValue)>));
-  EXPECT_TRUE((std::is_same_v<decltype(&VokFenEnumInteger::CalcInverseUnequalValue),
-                              decltype(&VokTarnInteger::CalcInverseUnequalValue)>));
-  EXPECT_TRUE((std::is_same_v<decltype(&VokFenEnumInteger::CalcIsEqual), decltype(&VokTarnInteger::CalcIsEqual)>));
-  EXPECT_TRUE(
-      (std::is_same_v<decltype(&VokFenEnumInteger::CalcIsLessOrEqual), decltype(&VokTarnInteger::CalcIsLessOrEqual)>));
-  EXPECT_TRUE((std::is_same_v<decltype(&VokFenEnumInteger::CalcIsLess), decltype(&VokTarnInteger::CalcIsLess)>));
-}
-
 TEST(EnumLayout, VirtualOperationsOfTheDescriptorStandInTheirSlots) {
   using D = VokFenEnumInteger::Descriptor;
   ExpectSlotsFromTwoOn(&D::CastableID, &D::Write, &D::Read, &D::IsDerivedFrom,
                        static_cast<void* (D::*)(void*) const>(&D::InitObject),
                        static_cast<void* (D::*)(void*, const void*) const>(&D::InitObject), &D::DestroyObject,
                        &D::GetObjectSize, &D::GetNumberOfArguments, &D::GetArgumentsSize, &D::IsMatched, &D::PrintOn);
-}
-
-TEST(EnumLayout, VirtualOperationsOfTheVectorStandInTheirSlots) {
-  using V = VokSVectorImp_SubIntBase;
-  using Found = const SubIntBase*;
-  ExpectSlotsFromTwoOn(&V::IsValid, &V::IsAllocated, &V::Add, &V::AddUnique, &V::AddAt, &V::Detach, &V::DetachAt,
-                       &V::IsEmpty, &V::Flush, &V::Find, &V::ClusteredFind, &V::FindLowerBound, &V::FindUpperBound,
-                       &V::Count, &V::Size, &V::Delta, static_cast<void (V::*)(V::Action, void*)>(&V::ForEach),
-                       static_cast<void (V::*)(V::Action, void*, unsigned, unsigned)>(&V::ForEach),
-                       static_cast<Found (V::*)(V::Predicate, void*, unsigned, unsigned) const>(&V::FirstThat),
-                       static_cast<Found (V::*)(V::Predicate, void*) const>(&V::FirstThat),
-                       static_cast<Found (V::*)(V::Predicate, void*, unsigned, unsigned) const>(&V::LastThat),
-                       static_cast<Found (V::*)(V::Predicate, void*) const>(&V::LastThat));
 }
 
 }  // namespace

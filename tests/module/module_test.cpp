@@ -2,9 +2,9 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <regex>
 #include <set>
@@ -40,13 +40,15 @@ EntryPoint FindEntryPoint() {
 
 // The letter that stands for a type in the expected rows.
 std::string Letter(VokTarnType type) {
-  return type == nullptr                              ? ""
-         : type == VokFenEnumInteger::sDescriptor     ? "E"
-         : type == VokFenSingleInteger::sDescriptor   ? "S"
-         : type == VokFenIntervalInteger::sDescriptor ? "V"
-         : type == VokFenSingleBoolean::sDescriptor   ? "B"
-         : type == VokTarnInteger::sDescriptor        ? "I"
-                                                      : "?";
+  const std::pair<VokTarnType, const char*> letters[] = {{nullptr, ""},
+                                                         {VokFenEnumInteger::sDescriptor, "E"},
+                                                         {VokFenSingleInteger::sDescriptor, "S"},
+                                                         {VokFenIntervalInteger::sDescriptor, "V"},
+                                                         {VokFenSingleBoolean::sDescriptor, "B"},
+                                                         {VokTarnInteger::sDescriptor, "I"}};
+  const auto* const found =
+      std::find_if(std::begin(letters), std::end(letters), [type](const auto& l) { return l.first == type; });
+  return found == std::end(letters) ? "?" : found->second;
 }
 
 std::string Describe(const VokTarnOperatorDescriptor& row) {
@@ -160,8 +162,6 @@ TEST(EnumModule, ExportsOnlyItsEntryPointsAndItsClasses) {
 
 TEST(EnumIdentity, TypeTestsComparePointers) {
   const VokFenEnumInteger set;
-  EXPECT_NE(static_cast<const void*>(VokFenEnumInteger::sIdent),
-            static_cast<const void*>(VokFenEnumInteger::CastableIdent));
   EXPECT_STREQ(VokFenEnumInteger::sIdent, "VokFenEnumInteger");
   EXPECT_STREQ(VokFenEnumInteger::CastableIdent, "VokFenEnumInteger");
   EXPECT_EQ(set.CastableID(), VokFenEnumInteger::CastableIdent);
@@ -213,25 +213,22 @@ TEST(EnumDescriptor, BuildsSetsInPlace) {
 }
 
 TEST(EnumDescriptor, StreamsByNameAndRefusesOtherClasses) {
-  const VokFenEnumInteger::Descriptor descriptor;
-  const VokFenEnumInteger set;
+  using Descriptor = VokFenEnumInteger::Descriptor;
+  const Descriptor descriptor;
+  VokFenEnumInteger set;
   std::stringstream bytes;
   Vokopstream os(bytes);
-  VokFenEnumInteger::Descriptor::writeRef(os, descriptor);
-  VokFenEnumInteger::writePtr(os, &set);
-  VokFenEnumInteger::Descriptor::writePtr(os, &descriptor);
+  VokFenEnumInteger::writeRef(Descriptor::writePtr(Descriptor::writeRef(os, descriptor), &descriptor), set);
   VokFenEnumInteger::writePtr(os, &set);
 
   Vokipstream is(bytes);
-  VokFenEnumInteger::Descriptor read(vokStreamableInit);
-  VokFenEnumInteger::Descriptor::readRef(is, read);
+  Descriptor read(vokStreamableInit);
+  Descriptor* pointer = nullptr;
+  VokFenEnumInteger::readRef(Descriptor::readPtr(Descriptor::readRef(is, read), pointer), set);
   EXPECT_EQ(read.GetName().View(), "enum int");
-  const std::unique_ptr<VokStreamable> owner(is.ReadObjectPointer());
-  VokFenEnumInteger::Descriptor* pointer = nullptr;
-  VokFenEnumInteger::Descriptor::readPtr(is, pointer);
   EXPECT_EQ(pointer, &read);
   EXPECT_FALSE(is.IsFailed());
-  VokFenEnumInteger::Descriptor::readPtr(is, pointer);
+  Descriptor::readPtr(is, pointer);
   EXPECT_EQ(pointer, nullptr);
   EXPECT_TRUE(is.IsFailed());
 }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdlib>
 #include <optional>
+#include <set>
 
 #include "support/operands.h"
 
@@ -31,46 +32,26 @@ struct Operation {
   bool seesAny = false;
 };
 
-// Any, as far as the small universes of the tests reach.
-inline const Values& Everything() {
-  static const Values values = [] {
-    Values v;
-    for (VokLong k = -12; k <= 12; ++k) {
-      v.push_back(k);
-    }
-    return v;
-  }();
-  return values;
-}
-
+// Any stands for as much as the small universes of the tests reach.
 inline const Values& ValuesOf(const Model& m) {
-  return m.any ? Everything() : m.values;
+  static const Values everything = support::Parse("-12..12").values;
+  return m.any ? everything : m.values;
 }
 
 // The values of the narrowed operand that have a partner in every other operand.
 inline Values Supported(const Operation& op, const Case& c) {
   static const Values unused = {0};
-  Values supported;
-  std::array<VokLong, 3> t{};
-  const unsigned n = op.narrowed;
-  const unsigned p = n == 0 ? 1 : 0;
-  const unsigned q = n == 2 ? 1 : 2;
-  const Values& others = q < op.operands ? ValuesOf(c[q]) : unused;
-  for (const VokLong v : ValuesOf(c[n])) {
-    t[n] = v;
-    bool found = false;
-    for (std::size_t i = 0; !found && i < ValuesOf(c[p]).size(); ++i) {
-      t[p] = ValuesOf(c[p])[i];
-      for (std::size_t j = 0; !found && j < others.size(); ++j) {
-        t[q] = others[j];
-        found = op.holds(t[0], t[1], t[2]);
+  std::set<VokLong> supported;
+  for (const VokLong x : ValuesOf(c[0])) {
+    for (const VokLong y : ValuesOf(c[1])) {
+      for (const VokLong z : op.operands == 3 ? ValuesOf(c[2]) : unused) {
+        if (op.holds(x, y, z)) {
+          supported.insert(std::array{x, y, z}[op.narrowed]);
+        }
       }
     }
-    if (found) {
-      supported.push_back(v);
-    }
   }
-  return supported;
+  return {supported.begin(), supported.end()};
 }
 
 template <class Keep>
@@ -171,12 +152,18 @@ inline std::optional<Values> OuterBases(const Case& c) {
   });
 }
 
-using E = VokFenEnumInteger;
-using I = VokTarnInteger;
-
 inline std::optional<Values> AllWhereNoneFits(const Case& c);
 
-// clang-format off
+template <auto Cut, unsigned X, unsigned Y>
+std::optional<Values> At(const Case& c) {
+  return Cut(c[X], c[Y]);
+}
+
+#define NARROW(call)                                                                                           \
+  [](VokFenEnumInteger& self, [[maybe_unused]] VokTarnInteger& p, [[maybe_unused]] VokTarnInteger& q) -> int { \
+    return self.call;                                                                                          \
+  }
+
 inline const std::vector<Operation>& Operations() {
   static constexpr Holds equal = [](VokLong x, VokLong y, VokLong) { return x == y; };
   static constexpr Holds notAbove = [](VokLong x, VokLong y, VokLong) { return x <= y; };
@@ -192,46 +179,41 @@ inline const std::vector<Operation>& Operations() {
   static constexpr Holds sum = [](VokLong z, VokLong a, VokLong b) { return z == a + b; };
   static constexpr Holds product = [](VokLong z, VokLong a, VokLong b) { return z == a * b; };
   static const std::vector<Operation> table = {
-      {"x = y", equal, 2, 0, [](E& x, I& y, I&) { return x.CalcEqualValue(y); }},
-      {"inverse x = y", equal, 2, 1, [](E& x, I& y, I&) { return x.CalcInverseEqualValue(y); }},
-      {"x <= y", notAbove, 2, 0, [](E& x, I& y, I&) { return x.CalcLessOrEqualValue(y); }},
-      {"inverse x <= y", notAbove, 2, 1, [](E& x, I& y, I&) { return x.CalcInverseLessOrEqualValue(y); }},
-      {"x < y", below, 2, 0, [](E& x, I& y, I&) { return x.CalcLessValue(y); },
-       [](const Case& c) { return CutLess(c[0], c[1]); }},
-      {"inverse x < y", below, 2, 1, [](E& x, I& y, I&) { return x.CalcInverseLessValue(y); },
-       [](const Case& c) { return CutGreater(c[1], c[0]); }},
-      {"x >= y", notBelow, 2, 0, [](E& x, I& y, I&) { return x.CalcNotLessValue(y); }},
-      {"inverse x >= y", notBelow, 2, 1, [](E& x, I& y, I&) { return x.CalcInverseNotLessValue(y); }},
-      {"x > y", above, 2, 0, [](E& x, I& y, I&) { return x.CalcNotLessAndUnequalValue(y); },
-       [](const Case& c) { return CutGreater(c[0], c[1]); }},
-      {"inverse x > y", above, 2, 1, [](E& x, I& y, I&) { return x.CalcInverseNotLessAndUnequalValue(y); },
-       [](const Case& c) { return CutLess(c[1], c[0]); }},
-      {"y = next x", next, 2, 0, [](E& y, I& x, I&) { return y.CalcNextValue(x); }},
-      {"inverse y = next x", next, 2, 1, [](E& y, I& x, I&) { return y.CalcInverseNextValue(x); }},
-      {"z = -a", negative, 2, 0, [](E& z, I& a, I&) { return z.CalcNegativeValue(a); }},
-      {"inverse z = -a", negative, 2, 1, [](E& z, I& a, I&) { return z.CalcInverseNegativeValue(a); }},
-      {"z = abs a", absolute, 2, 0, [](E& z, I& a, I&) { return z.CalcAbsoluteValue(a); }, AbsoluteOfFlagged, true, true},
-      {"inverse z = abs a", absolute, 2, 1, [](E& z, I& a, I&) { return z.CalcInverseAbsoluteValue(a); }},
-      {"s = sign a", sign, 2, 1, [](E& a, I& s, I&) { return a.CalcSignumValue(s); }},
-      {"inverse s = sign a", sign, 2, 0, [](E& a, I& s, I&) { return a.CalcInverseSignumValue(s); }, SignCut},
-      {"z = min", minimum, 3, 0, [](E& z, I& a, I& b) { return z.CalcMinValue(a, b); }, nullptr, true, true},
-      {"inverse z = min", minimum, 3, 1, [](E& z, I& a, I& b) { return z.CalcFirstInverseMinValue(a, b); }, NotBelowMinimum},
-      {"z = max", maximum, 3, 0, [](E& z, I& a, I& b) { return z.CalcMaxValue(a, b); }, nullptr, true, true},
-      {"inverse z = max", maximum, 3, 1, [](E& z, I& a, I& b) { return z.CalcFirstInverseMaxValue(a, b); }, NotAboveMaximum},
-      {"z = a + b", sum, 3, 0, [](E& z, I& a, I& b) { return z.CalcSumValue(a, b); }},
-      {"inverse z = a + b", sum, 3, 1, [](E& z, I& a, I& b) { return z.CalcFirstInverseSumValue(a, b); }},
-      {"z = a * b", product, 3, 0, [](E& z, I& a, I& b) { return z.CalcProdValue(a, b); }},
-      {"inverse z = a * b", product, 3, 1, [](E& z, I& a, I& b) { return z.CalcFirstInverseProdValue(a, b); }, nullptr, false},
-      {"z = a mod b", IsRemainder, 3, 0, [](E& z, I& a, I& b) { return z.CalcModValue(a, b); }, NothingByZero<0>},
-      {"inverse z = a mod b", IsRemainder, 3, 1, [](E& z, I& a, I& b) { return z.CalcFirstInverseModValue(a, b); }, NothingByZero<1>},
-      {"second inverse z = a mod b", IsRemainder, 3, 2, [](E& z, I& a, I& b) { return z.CalcSecondInverseModValue(a, b); }, DivisorsOfRemainder},
-      {"z = a ^ b", IsPower, 3, 0, [](E& z, I& a, I& b) { return z.CalcPowerValue(a, b); }},
-      {"inverse z = a ^ b", IsPower, 3, 1, [](E& z, I& a, I& b) { return z.CalcFirstInversePowerValue(a, b); }, OuterBases},
-      {"second inverse z = a ^ b", IsPower, 3, 2, [](E& z, I& a, I& b) { return z.CalcSecondInversePowerValue(a, b); }, AllWhereNoneFits},
+      {"x = y", equal, 2, 0, NARROW(CalcEqualValue(p))},
+      {"inv x = y", equal, 2, 1, NARROW(CalcInverseEqualValue(p))},
+      {"x <= y", notAbove, 2, 0, NARROW(CalcLessOrEqualValue(p))},
+      {"inv x <= y", notAbove, 2, 1, NARROW(CalcInverseLessOrEqualValue(p))},
+      {"x < y", below, 2, 0, NARROW(CalcLessValue(p)), At<CutLess, 0, 1>},
+      {"inv x < y", below, 2, 1, NARROW(CalcInverseLessValue(p)), At<CutGreater, 1, 0>},
+      {"x >= y", notBelow, 2, 0, NARROW(CalcNotLessValue(p))},
+      {"inv x >= y", notBelow, 2, 1, NARROW(CalcInverseNotLessValue(p))},
+      {"x > y", above, 2, 0, NARROW(CalcNotLessAndUnequalValue(p)), At<CutGreater, 0, 1>},
+      {"inv x > y", above, 2, 1, NARROW(CalcInverseNotLessAndUnequalValue(p)), At<CutLess, 1, 0>},
+      {"next", next, 2, 0, NARROW(CalcNextValue(p))},
+      {"inv next", next, 2, 1, NARROW(CalcInverseNextValue(p))},
+      {"neg", negative, 2, 0, NARROW(CalcNegativeValue(p))},
+      {"inv neg", negative, 2, 1, NARROW(CalcInverseNegativeValue(p))},
+      {"abs", absolute, 2, 0, NARROW(CalcAbsoluteValue(p)), AbsoluteOfFlagged, true, true},
+      {"inv abs", absolute, 2, 1, NARROW(CalcInverseAbsoluteValue(p))},
+      {"sign", sign, 2, 1, NARROW(CalcSignumValue(p))},
+      {"inv sign", sign, 2, 0, NARROW(CalcInverseSignumValue(p)), SignCut},
+      {"min", minimum, 3, 0, NARROW(CalcMinValue(p, q)), nullptr, true, true},
+      {"inv min", minimum, 3, 1, NARROW(CalcFirstInverseMinValue(p, q)), NotBelowMinimum},
+      {"max", maximum, 3, 0, NARROW(CalcMaxValue(p, q)), nullptr, true, true},
+      {"inv max", maximum, 3, 1, NARROW(CalcFirstInverseMaxValue(p, q)), NotAboveMaximum},
+      {"sum", sum, 3, 0, NARROW(CalcSumValue(p, q))},
+      {"inv sum", sum, 3, 1, NARROW(CalcFirstInverseSumValue(p, q))},
+      {"prod", product, 3, 0, NARROW(CalcProdValue(p, q))},
+      {"inv prod", product, 3, 1, NARROW(CalcFirstInverseProdValue(p, q)), nullptr, false},
+      {"mod", IsRemainder, 3, 0, NARROW(CalcModValue(p, q)), NothingByZero<0>},
+      {"inv mod", IsRemainder, 3, 1, NARROW(CalcFirstInverseModValue(p, q)), NothingByZero<1>},
+      {"inv2 mod", IsRemainder, 3, 2, NARROW(CalcSecondInverseModValue(p, q)), DivisorsOfRemainder},
+      {"power", IsPower, 3, 0, NARROW(CalcPowerValue(p, q))},
+      {"inv power", IsPower, 3, 1, NARROW(CalcFirstInversePowerValue(p, q)), OuterBases},
+      {"inv2 power", IsPower, 3, 2, NARROW(CalcSecondInversePowerValue(p, q)), AllWhereNoneFits},
   };
   return table;
 }
-// clang-format on
 
 // When no exponent fits, all stay.
 inline std::optional<Values> AllWhereNoneFits(const Case& c) {

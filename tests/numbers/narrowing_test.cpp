@@ -19,7 +19,7 @@ using support::ForeignInteger;
 using Wide = std::int64_t;
 using Values = std::set<VokLong>;
 
-constexpr VokLong kWindow = 15;  // unknown operands are searched for partners up to here
+constexpr VokLong kWindow = 30;  // unknown operands are looked at up to here
 
 std::optional<Wide> Power(Wide a, Wide e) {
   if (e < 0) {
@@ -35,11 +35,13 @@ std::optional<Wide> Power(Wide a, Wide e) {
   return power;
 }
 
+enum Strength { Weak, TightBesideKnown, Tight };
+
 // x is the narrowed operand, p and q are the others; a unary operation has no use for q.
 struct Operation {
   const char* name;
   int owner;  // whose method it is: 0 x, 1 p
-  enum { Weak, TightBesideKnown, Tight } strength;
+  Strength strength;
   std::function<int(VokTarnInteger& x, VokTarnInteger& p, VokTarnInteger& q)> narrow;
   std::function<bool(Wide x, Wide p, Wide q)> holds;
 
@@ -50,39 +52,38 @@ struct Operation {
 #define HOLDS(condition) [](Wide x, Wide p, [[maybe_unused]] Wide q) { return condition; }
 
 const Operation kOperations[] = {
-    {"x = p", 0, Operation::Tight, NARROW(x.CalcEqualValue(p)), HOLDS(x == p)},
-    {"p = x", 1, Operation::Tight, NARROW(p.CalcInverseEqualValue(x)), HOLDS(x == p)},
-    {"x <= p", 0, Operation::Tight, NARROW(x.CalcLessOrEqualValue(p)), HOLDS(x <= p)},
-    {"p <= x", 1, Operation::Tight, NARROW(p.CalcInverseLessOrEqualValue(x)), HOLDS(p <= x)},
-    {"x < p", 0, Operation::Tight, NARROW(x.CalcLessValue(p)), HOLDS(x < p)},
-    {"p < x", 1, Operation::Tight, NARROW(p.CalcInverseLessValue(x)), HOLDS(p < x)},
-    {"x >= p", 0, Operation::Tight, NARROW(x.CalcNotLessValue(p)), HOLDS(x >= p)},
-    {"p >= x", 1, Operation::Tight, NARROW(p.CalcInverseNotLessValue(x)), HOLDS(p >= x)},
-    {"x > p", 0, Operation::Tight, NARROW(x.CalcNotLessAndUnequalValue(p)), HOLDS(x > p)},
-    {"p > x", 1, Operation::Tight, NARROW(p.CalcInverseNotLessAndUnequalValue(x)), HOLDS(p > x)},
-    {"x = next(p)", 0, Operation::Tight, NARROW(x.CalcNextValue(p)), HOLDS(x == p + 1)},
-    {"p = next(x)", 1, Operation::Tight, NARROW(p.CalcInverseNextValue(x)), HOLDS(p == x + 1)},
-    {"x = -p", 0, Operation::Tight, NARROW(x.CalcNegativeValue(p)), HOLDS(x == -p)},
-    {"p = -x", 1, Operation::Tight, NARROW(p.CalcInverseNegativeValue(x)), HOLDS(p == -x)},
-    {"x = |p|", 0, Operation::Tight, NARROW(x.CalcAbsoluteValue(p)), HOLDS(x == std::abs(p))},
-    {"p = |x|", 1, Operation::Tight, NARROW(p.CalcInverseAbsoluteValue(x)), HOLDS(p == std::abs(x))},
-    {"x = sign(p)", 1, Operation::Tight, NARROW(p.CalcSignumValue(x)), HOLDS(x == (p > 0) - (p < 0))},
-    {"p = sign(x)", 0, Operation::Tight, NARROW(x.CalcInverseSignumValue(p)), HOLDS(p == (x > 0) - (x < 0))},
-    {"x = min(p, q)", 0, Operation::Tight, NARROW(x.CalcMinValue(p, q)), HOLDS(x == std::min(p, q))},
-    {"p = min(x, q)", 1, Operation::Tight, NARROW(p.CalcFirstInverseMinValue(x, q)), HOLDS(p == std::min(x, q))},
-    {"x = max(p, q)", 0, Operation::Tight, NARROW(x.CalcMaxValue(p, q)), HOLDS(x == std::max(p, q))},
-    {"p = max(x, q)", 1, Operation::Tight, NARROW(p.CalcFirstInverseMaxValue(x, q)), HOLDS(p == std::max(x, q))},
-    {"x = p + q", 0, Operation::Tight, NARROW(x.CalcSumValue(p, q)), HOLDS(x == p + q)},
-    {"p = x + q", 1, Operation::Tight, NARROW(p.CalcFirstInverseSumValue(x, q)), HOLDS(p == x + q)},
-    {"x = p * q", 0, Operation::TightBesideKnown, NARROW(x.CalcProdValue(p, q)), HOLDS(x == p * q)},
-    {"p = x * q", 1, Operation::TightBesideKnown, NARROW(p.CalcFirstInverseProdValue(x, q)), HOLDS(p == x * q)},
-    {"x = p mod q", 0, Operation::TightBesideKnown, NARROW(x.CalcModValue(p, q)), HOLDS(q != 0 && x == p % q)},
-    {"p = x mod q", 1, Operation::TightBesideKnown, NARROW(p.CalcFirstInverseModValue(x, q)),
-     HOLDS(q != 0 && p == x % q)},
-    {"p = q mod x", 1, Operation::Weak, NARROW(p.CalcSecondInverseModValue(q, x)), HOLDS(x != 0 && p == q % x)},
-    {"x = p ^ q", 0, Operation::TightBesideKnown, NARROW(x.CalcPowerValue(p, q)), HOLDS(Power(p, q) == x)},
-    {"p = x ^ q", 1, Operation::TightBesideKnown, NARROW(p.CalcFirstInversePowerValue(x, q)), HOLDS(Power(x, q) == p)},
-    {"p = q ^ x", 1, Operation::TightBesideKnown, NARROW(p.CalcSecondInversePowerValue(q, x)), HOLDS(Power(q, x) == p)},
+    {"x = p", 0, Tight, NARROW(x.CalcEqualValue(p)), HOLDS(x == p)},
+    {"p = x", 1, Tight, NARROW(p.CalcInverseEqualValue(x)), HOLDS(x == p)},
+    {"x <= p", 0, Tight, NARROW(x.CalcLessOrEqualValue(p)), HOLDS(x <= p)},
+    {"p <= x", 1, Tight, NARROW(p.CalcInverseLessOrEqualValue(x)), HOLDS(p <= x)},
+    {"x < p", 0, Tight, NARROW(x.CalcLessValue(p)), HOLDS(x < p)},
+    {"p < x", 1, Tight, NARROW(p.CalcInverseLessValue(x)), HOLDS(p < x)},
+    {"x >= p", 0, Tight, NARROW(x.CalcNotLessValue(p)), HOLDS(x >= p)},
+    {"p >= x", 1, Tight, NARROW(p.CalcInverseNotLessValue(x)), HOLDS(p >= x)},
+    {"x > p", 0, Tight, NARROW(x.CalcNotLessAndUnequalValue(p)), HOLDS(x > p)},
+    {"p > x", 1, Tight, NARROW(p.CalcInverseNotLessAndUnequalValue(x)), HOLDS(p > x)},
+    {"x = next(p)", 0, Tight, NARROW(x.CalcNextValue(p)), HOLDS(x == p + 1)},
+    {"p = next(x)", 1, Tight, NARROW(p.CalcInverseNextValue(x)), HOLDS(p == x + 1)},
+    {"x = -p", 0, Tight, NARROW(x.CalcNegativeValue(p)), HOLDS(x == -p)},
+    {"p = -x", 1, Tight, NARROW(p.CalcInverseNegativeValue(x)), HOLDS(p == -x)},
+    {"x = |p|", 0, Tight, NARROW(x.CalcAbsoluteValue(p)), HOLDS(x == std::abs(p))},
+    {"p = |x|", 1, Tight, NARROW(p.CalcInverseAbsoluteValue(x)), HOLDS(p == std::abs(x))},
+    {"x = sign(p)", 1, Tight, NARROW(p.CalcSignumValue(x)), HOLDS(x == (p > 0) - (p < 0))},
+    {"p = sign(x)", 0, Tight, NARROW(x.CalcInverseSignumValue(p)), HOLDS(p == (x > 0) - (x < 0))},
+    {"x = min(p, q)", 0, Tight, NARROW(x.CalcMinValue(p, q)), HOLDS(x == std::min(p, q))},
+    {"p = min(x, q)", 1, Tight, NARROW(p.CalcFirstInverseMinValue(x, q)), HOLDS(p == std::min(x, q))},
+    {"x = max(p, q)", 0, Tight, NARROW(x.CalcMaxValue(p, q)), HOLDS(x == std::max(p, q))},
+    {"p = max(x, q)", 1, Tight, NARROW(p.CalcFirstInverseMaxValue(x, q)), HOLDS(p == std::max(x, q))},
+    {"x = p + q", 0, Tight, NARROW(x.CalcSumValue(p, q)), HOLDS(x == p + q)},
+    {"p = x + q", 1, Tight, NARROW(p.CalcFirstInverseSumValue(x, q)), HOLDS(p == x + q)},
+    {"x = p * q", 0, TightBesideKnown, NARROW(x.CalcProdValue(p, q)), HOLDS(x == p * q)},
+    {"p = x * q", 1, TightBesideKnown, NARROW(p.CalcFirstInverseProdValue(x, q)), HOLDS(p == x * q)},
+    {"x = p mod q", 0, TightBesideKnown, NARROW(x.CalcModValue(p, q)), HOLDS(q != 0 && x == p % q)},
+    {"p = x mod q", 1, TightBesideKnown, NARROW(p.CalcFirstInverseModValue(x, q)), HOLDS(q != 0 && p == x % q)},
+    {"p = q mod x", 1, Weak, NARROW(p.CalcSecondInverseModValue(q, x)), HOLDS(x != 0 && p == q % x)},
+    {"x = p ^ q", 0, TightBesideKnown, NARROW(x.CalcPowerValue(p, q)), HOLDS(Power(p, q) == x)},
+    {"p = x ^ q", 1, TightBesideKnown, NARROW(p.CalcFirstInversePowerValue(x, q)), HOLDS(Power(x, q) == p)},
+    {"p = q ^ x", 1, TightBesideKnown, NARROW(p.CalcSecondInversePowerValue(q, x)), HOLDS(Power(q, x) == p)},
 };
 
 #undef NARROW
@@ -108,21 +109,15 @@ struct Domain {
 };
 
 std::unique_ptr<VokTarnInteger> Make(const Domain& domain) {
-  std::unique_ptr<VokTarnInteger> made;
+  const ForeignInteger source = domain.any ? ForeignInteger() : ForeignInteger(domain.values);
   if (domain.kind == Kind::Foreign) {
-    return domain.any ? std::make_unique<ForeignInteger>() : std::make_unique<ForeignInteger>(domain.values);
+    return std::make_unique<ForeignInteger>(source);
   }
+  std::unique_ptr<VokTarnInteger> made = std::make_unique<VokFenIntervalInteger>();
   if (domain.kind == Kind::Single) {
     made = std::make_unique<VokFenSingleInteger>();
-  } else {
-    made = std::make_unique<VokFenIntervalInteger>();
   }
-  if (!domain.any) {
-    made->SetNilValue();
-    for (const VokLong v : domain.values) {
-      made->AddExactValue(v);
-    }
-  }
+  made->Assign(source);
   return made;
 }
 
@@ -141,21 +136,15 @@ Domain Interval(VokLong lower, VokLong upper) {
 
 Domain Random(std::mt19937& random, Kind kind) {
   const auto draw = [&random](int below) { return static_cast<VokLong>(random() % static_cast<unsigned>(below)); };
-  Domain domain;
   const VokLong lower = draw(13) - 6;
-  if (kind == Kind::Interval) {
-    domain = Interval(lower, lower + draw(2) * draw(9));
-  }
+  Domain domain = Interval(lower, kind == Kind::Single ? lower : lower + draw(2) * draw(9));
   domain.kind = kind;
-  domain.any = draw(12) == 0;
-  if (kind == Kind::Single) {
-    domain.values = {lower};
+  if (kind == Kind::Foreign) {
+    std::erase_if(domain.values, [&](VokLong) { return draw(3) == 0; });
   }
-  for (int i = draw(5); kind == Kind::Foreign && i >= 0; --i) {
-    domain.values.insert(draw(13) - 6);
-  }
-  if (domain.any || draw(30) == 0) {
+  if (draw(10) == 0) {
     domain.values.clear();
+    domain.any = draw(4) != 0;
   }
   return domain;
 }
@@ -202,18 +191,22 @@ std::string FaultOf(const Operation& operation, const Domain& x, const Domain& p
   if (status != (changed ? 1 : 0)) {
     return fault("the status is wrong");
   }
-  if (x.any || p.any || q.any) {
-    return "";
-  }
   const bool known = p.IsKnown() && q.IsKnown();
-  if (x.IsKnown() && known && supported.empty() && narrowed->IsNil() == 0) {
+  if (known && x.IsKnown() && supported.empty() && narrowed->IsNil() == 0) {
     return fault("known operands that contradict are not noticed");
   }
-  const bool intervals = x.kind == Kind::Interval && p.kind != Kind::Foreign && q.kind != Kind::Foreign;
-  if (intervals && (operation.strength == Operation::Tight || (operation.strength != Operation::Weak && known)) &&
-      (supported.empty()
-           ? narrowed->IsNil() == 0
-           : narrowed->GetLowerBound() != *supported.begin() || narrowed->GetUpperBound() != *supported.rbegin())) {
+  const bool tight = operation.strength == Tight || (operation.strength == TightBesideKnown && known);
+  if (tight && known && x.any && x.kind == Kind::Single && supported.size() == 1 && narrowed->IsUndefined() != 0) {
+    return fault("the one value is not found");
+  }
+  const bool foreign = p.kind == Kind::Foreign || q.kind == Kind::Foreign;
+  // A periodic outcome has no bounds inside the window.
+  if (!tight || (x.any && operation.strength != Tight) || x.kind != Kind::Interval || foreign || p.any || q.any) {
+    return "";
+  }
+  if (supported.empty() ? narrowed->IsNil() == 0
+                        : std::max(narrowed->GetLowerBound(), -kWindow) != *supported.begin() ||
+                              std::min(narrowed->GetUpperBound(), kWindow) != *supported.rbegin()) {
     return fault("a bound is too weak");
   }
   return "";
@@ -224,7 +217,7 @@ class Narrowing : public testing::TestWithParam<Operation> {};
 TEST_P(Narrowing, OfSmallIntervalsLosesNoPartner) {
   std::vector<Domain> domains{Domain(), Interval(0, -1)};
   domains.front().any = true;
-  for (VokLong lower = -3; lower <= 3; ++lower) {
+  for (VokLong lower = -2; lower <= 3; ++lower) {
     for (VokLong upper = lower; upper <= 3; ++upper) {
       domains.push_back(Interval(lower, upper));
     }
@@ -243,7 +236,7 @@ TEST_P(Narrowing, OfSmallIntervalsLosesNoPartner) {
 TEST_P(Narrowing, BesideOtherKindsLosesNoPartner) {
   constexpr unsigned seed = 20240611;
   std::mt19937 random(seed);
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 8000; ++i) {
     Domain operands[3];
     for (int k = 0; k < 3; ++k) {
       const unsigned kinds = k == GetParam().owner ? 2 : 3;
@@ -261,28 +254,6 @@ TEST_P(Narrowing, OfOneObjectGivesWhatCopiesGive) {
     const auto q = Make(domain);
     EXPECT_EQ(GetParam().narrow(*same, *same, *same), GetParam().narrow(*x, *p, *q));
     EXPECT_EQ(Show(*same), Show(*x));
-  }
-}
-
-TEST_P(Narrowing, OfAnUnknownSingleFindsTheOneValue) {
-  for (VokLong a = -3; a <= 3; ++a) {
-    for (VokLong b = -3; b <= 3; ++b) {
-      Values partners;
-      for (VokLong v = -2 * kWindow; v <= 2 * kWindow; ++v) {
-        if (GetParam().holds(v, a, b)) {
-          partners.insert(v);
-        }
-      }
-      VokFenSingleInteger x;
-      VokFenSingleInteger p(a);
-      VokFenSingleInteger q(b);
-      GetParam().narrow(x, p, q);
-      EXPECT_TRUE(x.IsUndefined() != 0 || partners == Values{x.GetExactValue()} || (x.IsNil() != 0 && partners.empty()))
-          << GetParam().name << " with " << a << ", " << b;
-      if (partners.size() == 1 && GetParam().strength != Operation::Weak) {
-        EXPECT_EQ(x.GetExactValue(), *partners.begin()) << GetParam().name << " with " << a << ", " << b;
-      }
-    }
   }
 }
 
@@ -312,6 +283,18 @@ TEST(Narrowing, OfAnUnknownProductGivesTheHullOfAllProducts) {
   }
 }
 
+TEST(Narrowing, OfADivisorKeepsItAboveTheRemainder) {
+  VokFenIntervalInteger divisor(0, 50);
+  VokFenIntervalInteger(3, 4).CalcSecondInverseModValue(VokFenIntervalInteger(10, 20), divisor);
+  EXPECT_EQ(Show(divisor), Show(VokFenIntervalInteger(4, 17)));
+}
+
+TEST(Narrowing, OfAForeignOperandThatIsUnknownFindsTheOneValue) {
+  ForeignInteger x;
+  EXPECT_EQ(VokFenSingleInteger(3).CalcInverseNegativeValue(x), 1);
+  EXPECT_EQ(x.GetValues(), Values{-3});
+}
+
 TEST(Narrowing, TreatsTheEndsOfTheRangeAsInfinite) {
   constexpr VokLong kMax = SubIntBase::sMax;
   VokFenIntervalInteger z(5, kMax);
@@ -319,6 +302,9 @@ TEST(Narrowing, TreatsTheEndsOfTheRangeAsInfinite) {
   EXPECT_EQ(z.CalcFirstInverseSumValue(x, VokFenIntervalInteger(0, 3)), 1);
   EXPECT_EQ(Show(x), Show(VokFenIntervalInteger(2, kMax)));
   EXPECT_EQ(x.CalcLessValue(z), 0) << "z has no upper bound";
+  VokFenIntervalInteger open;
+  open.CalcSumValue(VokFenIntervalInteger(-kMax, 0), VokFenIntervalInteger(100, 200));
+  EXPECT_EQ(Show(open), Show(VokFenIntervalInteger(-kMax, 200)));
   VokFenIntervalInteger y(3, 7);
   EXPECT_EQ(y.CalcProdValue(VokFenIntervalInteger(2, kMax), VokFenIntervalInteger(2, 3)), 1);
   EXPECT_EQ(Show(y), Show(VokFenIntervalInteger(4, 7)));

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
@@ -76,22 +75,22 @@ inline std::string Show(const VokFenEnumInteger& set) {
   return text.str();
 }
 
-// A set as mathematics sees it: no value stands for "every integer".
-using Model = std::optional<std::set<VokLong>>;
+// A set as mathematics sees it: these values, or every integer.
+struct Model {
+  bool every = false;
+  std::set<VokLong> values = {};
+};
 
 inline Model ModelOf(const VokFenEnumInteger& set) {
-  if (set.IsUndefined() != 0) {
-    return std::nullopt;
-  }
-  std::set<VokLong> members;
+  Model model{set.IsUndefined() != 0};
   for (unsigned i = 0; i < set.GetCount(); ++i) {
-    members.insert(set.GetValue(i));
+    model.values.insert(set.GetValue(i));
   }
-  return members;
+  return model;
 }
 
 inline std::string Show(const Model& model) {
-  return model ? Show(SetFrom(*model)) : "Any";
+  return model.every ? "Any" : Show(SetFrom(model.values));
 }
 
 // Nil, Any and every other subset of lowest..highest, each with both flags.

@@ -79,6 +79,7 @@ inline Model Parse(const std::string& text) {
 class Operand {
  public:
   explicit Operand(const Model& m) : fValue(Make(m)) {}
+  explicit Operand(const VokFenEnumInteger& set) : fValue(set) {}
 
   VokTarnInteger& Get() {
     return std::visit([](auto& value) -> VokTarnInteger& { return value; }, fValue);
