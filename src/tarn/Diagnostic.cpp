@@ -41,8 +41,10 @@ std::size_t PrintableLength(std::string_view text) noexcept {
 }  // namespace
 
 std::string Quote(std::string_view text) {
-  return text.size() <= sShownBytes ? "'" + std::string(text) + "'"
-                                    : "'" + std::string(text.substr(0, sShownBytes)) + "...'";
+  std::string quoted(1, '\'');
+  quoted += text.substr(0, sShownBytes);
+  quoted += text.size() <= sShownBytes ? "'" : "...'";
+  return quoted;
 }
 
 std::string MakePrintable(std::string_view text) {

@@ -78,7 +78,8 @@ NodeIndex Parser::ParsePrefix() {
     // A negative number is a literal: the least value has no positive counterpart to negate.
     Lexer ahead = fLexer;
     if (!ahead.Next().Is("^")) {
-      const std::string number = "-" + std::string(fToken.fText);
+      std::string number(1, '-');
+      number += fToken.fText;
       Advance();
       return AddNode(Node::Kind::Literal, number, token.fOffset, 0);
     }

@@ -18,7 +18,8 @@ std::string GetName(const VokTarnObjectDescriptor* descriptor) {
 }
 
 Row MakeRow(std::size_t number, const VokTarnOperatorDescriptor& op) {
-  std::string arguments = "(" + GetName(op.GetOperandType(0));
+  std::string arguments(1, '(');
+  arguments += GetName(op.GetOperandType(0));
   if (op.GetOperandCount() == 2) {
     arguments += ", " + GetName(op.GetOperandType(1));
   }

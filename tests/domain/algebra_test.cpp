@@ -1,7 +1,6 @@
 // Intersections and unions against plain set theory, over all small operands.
 #include <gtest/gtest.h>
 
-
 #include "domain/elementPredicates.h"
 #include "numbers/SDError.h"
 #include "support/enumSets.h"
