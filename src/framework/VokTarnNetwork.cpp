@@ -8,8 +8,8 @@
 
 namespace {
 
-// The interrupt is asked once for this many filtered constraints: often enough for limits in milliseconds.
-constexpr std::uint64_t kInterruptInterval = 64;
+// The interrupt is asked once for this many steps: often enough for limits in milliseconds.
+constexpr unsigned kInterruptInterval = 64;
 
 // The only event so far: the value lost possible values.
 constexpr int kChanged = 1;
@@ -122,6 +122,22 @@ void VokTarnNetwork::Schedule(VokULong constraint) {
   }
 }
 
+bool VokTarnNetwork::PollInterrupt() {
+  if (!fInterrupt) {
+    return false;
+  }
+  if (fStepsToPoll != 0) {
+    --fStepsToPoll;
+    return false;
+  }
+  // A stop is asked for again at the next step, until the caller takes the interrupt away.
+  if (fInterrupt()) {
+    return true;
+  }
+  fStepsToPoll = kInterruptInterval;
+  return false;
+}
+
 VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
   while (!fFailed) {
     const auto queue =
@@ -129,7 +145,7 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
     if (queue == fAgenda.end()) {
       return Outcome::Fixpoint;
     }
-    if (fInterrupt && fPropagations % kInterruptInterval == 0 && fInterrupt()) {
+    if (PollInterrupt()) {
       return Outcome::Interrupted;
     }
     ++fPropagations;

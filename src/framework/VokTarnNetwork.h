@@ -57,6 +57,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   bool IsFailed() const noexcept { return fFailed; }
   // Asked now and then during propagation; true ends it with Interrupted, the rest of the agenda kept.
   void SetInterrupt(std::function<bool()> interrupt) { fInterrupt = std::move(interrupt); }
+  // One step of work that may be interrupted: asks now and then, true when the work is to stop. For those who
+  // drive the network, so that they stop even where nothing propagates.
+  bool PollInterrupt();
 
   // Write access for search and constraints: saves the value on the trail; NoteChange after each change.
   VokTarnAny& Touch(VokTarnValueId id);
@@ -112,6 +115,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
   std::function<bool()> fInterrupt;
   std::uint64_t fPropagations = 0;
+  unsigned fStepsToPoll = 0;
   VokULong fStampCounter = 0;
   VokULong fAllocationFailures;
   bool fFailed = false;

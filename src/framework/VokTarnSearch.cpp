@@ -56,6 +56,9 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     fExhausted = !Backtrack();
   }
   while (!fExhausted) {
+    if (fNetwork.PollInterrupt()) {
+      return Status::Stopped;
+    }
     const VokTarnNetwork::Outcome outcome = TightenBound() ? fNetwork.Propagate() : VokTarnNetwork::Outcome::Failed;
     if (outcome == VokTarnNetwork::Outcome::Interrupted) {
       return Status::Stopped;

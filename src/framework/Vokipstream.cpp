@@ -83,7 +83,7 @@ Vokipstream& Vokipstream::ReadText(std::string& text) {
 
 Vokipstream& Vokipstream::ReadObject(VokStreamable*& object) {
   VokStreamable* const target = object;
-  VokStreamable* const read = ReadRecord(target);
+  VokStreamable* const read = ReadRecord(target, target == nullptr ? nullptr : target->CastableID());
   if (target == nullptr) {
     object = read;
   } else if (read != target) {
@@ -92,18 +92,19 @@ Vokipstream& Vokipstream::ReadObject(VokStreamable*& object) {
   return *this;
 }
 
-VokStreamable* Vokipstream::ReadObjectPointer() {
-  return ReadRecord(nullptr);
+VokStreamable* Vokipstream::ReadObjectPointer(const char* className) {
+  return ReadRecord(nullptr, className);
 }
 
-VokStreamable* Vokipstream::ReadRecord(VokStreamable* existing) {
+VokStreamable* Vokipstream::ReadRecord(VokStreamable* existing, const char* className) {
   const VokULong tag = ReadWord();
   if (fFailed || tag == vokNullObject) {
     return nullptr;
   }
   if (tag == vokObjectReference) {
     const VokULong number = ReadWord();
-    if (!fFailed && number < fRead.size()) {
+    if (!fFailed && number < fRead.size() &&
+        (className == nullptr || std::string_view(fRead[number]->CastableID()) == className)) {
       return fRead[number];
     }
     fFailed = true;
@@ -114,7 +115,7 @@ VokStreamable* Vokipstream::ReadRecord(VokStreamable* existing) {
   const VokULong version = ReadWord();
   const VokStreamableClass* known = fFailed ? nullptr : VokStreamableClass::Find(name);
   if (tag != vokNewObject || known == nullptr || version != static_cast<VokULong>(known->GetVersion()) ||
-      fDepth >= sMaxDepth || (existing != nullptr && name != existing->CastableID())) {
+      fDepth >= sMaxDepth || (className != nullptr && name != className)) {
     fFailed = true;
     return nullptr;
   }

@@ -31,15 +31,19 @@ class VOKTARN_EXPORT Vokipstream {
   // Reads an object into the existing one that `object` points at; refuses a record of another class. With
   // a null `object` a new object is made, as by ReadObjectPointer.
   Vokipstream& ReadObject(VokStreamable*& object);
-  // Reads an object or a reference to one read before; null for the null pointer and after a failure.
-  VokStreamable* ReadObjectPointer();
+  // Reads an object or a reference to one read before; null for the null pointer and after a failure. With a
+  // class name, an object of another class fails the stream.
+  VokStreamable* ReadObjectPointer(const char* className = nullptr);
+
+  // How many objects have been read so far, references not counted: it grows when ReadObjectPointer makes a new object.
+  std::size_t GetObjectCount() const noexcept { return fRead.size(); }
 
   bool IsFailed() const noexcept { return fFailed; }
   void SetFailed() noexcept { fFailed = true; }
 
  private:
   VokULong ReadWord();
-  VokStreamable* ReadRecord(VokStreamable* existing);
+  VokStreamable* ReadRecord(VokStreamable* existing, const char* className);
 
   std::istream& fStream;
   std::vector<VokStreamable*> fRead;

@@ -37,17 +37,7 @@ Vokipstream& VokFenEnumInteger::Descriptor::readRef(Vokipstream& is, Descriptor&
 }
 
 Vokipstream& VokFenEnumInteger::Descriptor::readPtr(Vokipstream& is, Descriptor*& descriptor) {
-  VokStreamable* const object = is.ReadObjectPointer();
-  descriptor = nullptr;
-  if (object == nullptr) {
-    return is;
-  }
-  // Descriptors have no identity pointer of their own; the address of the class name tells them apart.
-  if (object->CastableID() == CastableIdent) {
-    descriptor = static_cast<Descriptor*>(object);
-  } else {
-    is.SetFailed();
-  }
+  descriptor = static_cast<Descriptor*>(is.ReadObjectPointer(CastableIdent));
   return is;
 }
 

@@ -56,17 +56,8 @@ Vokipstream& VokFenEnumInteger::readRef(Vokipstream& is, VokFenEnumInteger& valu
 }
 
 Vokipstream& VokFenEnumInteger::readPtr(Vokipstream& is, VokFenEnumInteger*& value) {
-  VokStreamable* const object = is.ReadObjectPointer();
-  value = nullptr;
-  if (object == nullptr) {
-    return is;
-  }
   // The stream names the class of what it holds, so it may be another one than the caller expects.
-  if (object->IsDerivedFrom(sIdent) != 0) {
-    value = static_cast<VokFenEnumInteger*>(object);
-  } else {
-    is.SetFailed();
-  }
+  value = static_cast<VokFenEnumInteger*>(is.ReadObjectPointer(CastableIdent));
   return is;
 }
 

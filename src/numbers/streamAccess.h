@@ -9,16 +9,9 @@ Vokipstream& ReadObjectInto(Vokipstream& is, Value& value) {
   return is.ReadObject(target);
 }
 
-// An object of another class fails the stream and gives null. It is left alone: it may be one that the stream has
-// handed out before.
+// An object of another class fails the stream and gives null.
 template <class Value>
 Vokipstream& ReadObjectPointerOf(Vokipstream& is, Value*& value) {
-  VokStreamable* const object = is.ReadObjectPointer();
-  value = nullptr;
-  if (object != nullptr && object->IsDerivedFrom(Value::sIdent) != 0) {
-    value = static_cast<Value*>(object);
-  } else if (object != nullptr) {
-    is.SetFailed();
-  }
+  value = static_cast<Value*>(is.ReadObjectPointer(Value::CastableIdent));
   return is;
 }

@@ -19,10 +19,17 @@ constexpr Result sNone{Result::State::None};
 constexpr Result sUnknown{Result::State::Unknown};
 
 Result Known(std::int64_t value) noexcept {
-  return value < -Evaluator::sLimit || value > Evaluator::sLimit ? sNone : Result{Result::State::Known, value};
+  return {Result::State::Known, value};
 }
 
-// The limits stand for everything beyond them as well, so no power is one of them.
+// The limits stand for everything beyond them as well, so arithmetic neither takes them nor gives them.
+bool IsInside(std::int64_t value) noexcept {
+  return -Evaluator::sLimit < value && value < Evaluator::sLimit;
+}
+Result Inside(const Result& result) noexcept {
+  return result.fState == Result::State::Known && !IsInside(result.fValue) ? sNone : result;
+}
+
 Result Power(std::int64_t base, std::int64_t exponent) noexcept {
   if (base == 1 || exponent == 0) {
     return Known(1);
@@ -39,7 +46,7 @@ Result Power(std::int64_t base, std::int64_t exponent) noexcept {
   std::int64_t power = 1;
   for (; exponent > 0; --exponent) {
     power *= base;
-    if (power <= -Evaluator::sLimit || power >= Evaluator::sLimit) {
+    if (!IsInside(power)) {
       return sNone;
     }
   }
@@ -84,7 +91,8 @@ std::optional<bool> Connect(std::string_view connective, bool a, bool b) noexcep
   return std::nullopt;
 }
 
-Result Binary(std::string_view operation, std::int64_t a, std::int64_t b) noexcept {
+// Nothing for an operation that is none of arithmetic.
+std::optional<Result> Arithmetic(std::string_view operation, std::int64_t a, std::int64_t b) noexcept {
   if (operation == "+") {
     return Known(a + b);
   }
@@ -103,6 +111,32 @@ Result Binary(std::string_view operation, std::int64_t a, std::int64_t b) noexce
   if (operation == "^") {
     return Power(a, b);
   }
+  return std::nullopt;
+}
+
+std::optional<Result> Arithmetic(std::string_view operation, std::int64_t a) noexcept {
+  if (operation == "-") {
+    return Known(-a);
+  }
+  if (operation == "abs") {
+    return Known(a < 0 ? -a : a);
+  }
+  if (operation == "sign") {
+    return Known(a < 0 ? -1 : a > 0 ? 1 : 0);
+  }
+  if (operation == "next") {
+    return Known(a + 1);
+  }
+  if (operation == "prev") {
+    return Known(a - 1);
+  }
+  return std::nullopt;
+}
+
+Result Binary(std::string_view operation, std::int64_t a, std::int64_t b) noexcept {
+  if (const std::optional<Result> result = Arithmetic(operation, a, b)) {
+    return IsInside(a) && IsInside(b) ? Inside(*result) : sNone;
+  }
   if (operation == "/\\") {
     return Known(std::min(a, b));
   }
@@ -119,25 +153,10 @@ Result Binary(std::string_view operation, std::int64_t a, std::int64_t b) noexce
 }
 
 Result Unary(std::string_view operation, std::int64_t a) noexcept {
-  if (operation == "-") {
-    return Known(-a);
+  if (const std::optional<Result> result = Arithmetic(operation, a)) {
+    return IsInside(a) ? Inside(*result) : sNone;
   }
-  if (operation == "!") {
-    return Known(a == 0 ? 1 : 0);
-  }
-  if (operation == "abs") {
-    return Known(a < 0 ? -a : a);
-  }
-  if (operation == "sign") {
-    return Known(a < 0 ? -1 : a > 0 ? 1 : 0);
-  }
-  if (operation == "next") {
-    return Known(a + 1);
-  }
-  if (operation == "prev") {
-    return Known(a - 1);
-  }
-  return sUnknown;
+  return operation == "!" ? Known(a == 0 ? 1 : 0) : sUnknown;
 }
 
 Result Literal(std::string_view text) noexcept {

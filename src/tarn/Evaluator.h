@@ -13,12 +13,12 @@ namespace tarn {
 //
 // It shares nothing with the network: not its constraints, its types or its choice of operators. A solution that
 // propagation and search let through by mistake is found here. Truth values are 0 and 1.
-// Meaning  An operation that has no value (7 / 2, x mod 0, 2 ^ -1, a result beyond sLimit) fails its statement,
+// Meaning  An operation that has no value (7 / 2, x mod 0, 2 ^ -1, arithmetic that reaches sLimit) fails its statement,
 //          wherever in the statement it stands.
 // Limits   A statement with an operator, a literal or a variable that the evaluator does not know is passed over.
 class Evaluator {
  public:
-  // Integers go from -sLimit to sLimit.
+  // Integers go from -sLimit to sLimit; the two ends stand for everything beyond them.
   static constexpr std::int64_t sLimit = 2147483645;
 
   // Refers to the model, which must not change while this object is used.

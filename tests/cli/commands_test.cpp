@@ -16,12 +16,12 @@ constexpr const char* sThree = "x : enum int [1, 3];";
 const std::string sPigeons = [] {
   std::string names;
   for (int i = 0; i < 13; ++i) {
-    names += (i == 0 ? "p" : ", p") + std::to_string(i);
+    names += std::string(i == 0 ? "p" : ", p") + std::to_string(i);
   }
   std::string model = names + " : enum int [1, 12];";
   for (int i = 0; i < 13; ++i) {
     for (int j = 0; j < i; ++j) {
-      model += "p" + std::to_string(i) + " <> p" + std::to_string(j) + ";";
+      model += std::string("p") + std::to_string(i) + " <> p" + std::to_string(j) + ";";
     }
   }
   return model;
@@ -88,10 +88,11 @@ TEST(Solve, StopsAtATimeLimitOrASignal) {
     EXPECT_EQ(stopped.fExitCode, 3);
     EXPECT_EQ(stopped.fOut, "=====UNKNOWN=====\n");
   }
-  // What was found before stays printed and is not taken back.
-  const ProgramResult some = RunModel("solve", "a : enum int [1, 2];" + sPigeons + "q : bool; q || a == 2;",
-                                      {"--time-limit", "0.1", "-n", "1"});
+  // What was found before stays printed.
+  const ProgramResult some =
+      RunModel("solve", "a, b, c, d, e, f, g : enum int [1, 99];", {"-a", "--time-limit", "0.1"});
   EXPECT_EQ(some.fExitCode, 3);
+  EXPECT_THAT(some.fOut, AllOf(StartsWith("a = 1\n"), EndsWith("----------\n")));
 }
 
 TEST(Narrow, PrintsTheDomainsThatPropagationLeaves) {
@@ -143,6 +144,19 @@ TEST(Modules, ListAllThatAreLoaded) {
   EXPECT_EQ(result.fExitCode, 0);
   EXPECT_THAT(result.fOut, AllOf(StartsWith("module VokFenAbstractTypes\n"), HasSubstr("\n\nmodule VokFenNumbers\n"),
                                  HasSubstr("\n\nmodule VokFenEnumIntegers\n"), HasSubstr("all different")));
+}
+
+TEST(Modules, MayBringATypeThatTheProgramDoesNotKnow) {
+  const std::string model =
+      "use VokFenEvenIntegers; x, y : even int up to 4; z : enum int [0, 9];"
+      "x + y = z; x < y; all different (x, y, z);";
+  const ProgramResult result = RunModel("solve", model, {"-a", "-M", VOKTARN_BIN_DIR "/test-modules"});
+  EXPECT_EQ(result.fExitCode, 0) << result.fErr;
+  EXPECT_EQ(result.fOut, "x = even {2}\ny = even {4}\nz = 6\n----------\n==========\n");
+  const std::string trailing = "x : even int up to 4 or so;";
+  EXPECT_THAT(RunModel("solve", "use VokFenEvenIntegers;" + trailing, {"-M", VOKTARN_BIN_DIR "/test-modules"}).fErr,
+              HasSubstr(":1:45: error: unexpected text behind the domain"));
+  EXPECT_THAT(RunModel("solve", trailing).fErr, HasSubstr("unknown type 'even int'"));
 }
 
 TEST(CommandLine, AnswersHelpAndVersion) {

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-
 #include "cli/runTarn.h"
 
 namespace {
@@ -17,7 +16,7 @@ struct Case {
 TEST(Diagnostics, NamePlaceAndCause) {
   std::string members = "0";
   for (int i = 1; i <= 1024; ++i) {
-    members += ", " + std::to_string(i);
+    members += std::string(", ") + std::to_string(i);
   }
   const Case sCases[] = {
       {"x : integer;", "1:5: error: unknown type 'integer'"},

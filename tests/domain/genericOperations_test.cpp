@@ -51,14 +51,7 @@ TEST(EnumGeneric, OverlapAgreesWithSetTheoryAndIntervalsNeverOverlap) {
   }
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VOK_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#define VOK_TEST_SANITIZED __has_feature(address_sanitizer)
-#else
-#define VOK_TEST_SANITIZED 0
-#endif
-#if !VOK_TEST_SANITIZED
+#ifndef VOKTARN_SANITIZED
 // The sanitizers rightly refuse the call itself, so this runs in ordinary builds only.
 TEST(EnumGeneric, AnOperandThroughANullPointerIsOfNoType) {
   VokTarnAny* volatile nothing = nullptr;

@@ -59,8 +59,7 @@ TEST_F(ModuleManager, RefusesWhatIsNoModuleAndSaysWhy) {
   WriteGarbage("Garbage");
   ASSERT_EQ(mkfifo(File("Pipe").c_str(), 0600), 0);
   std::filesystem::create_directory(File("Directory"));
-  // The framework library is a shared library without an entry point.
-  std::filesystem::copy(VOKTARN_BIN_DIR "/libVokTarn.so", File("NoEntry"));
+  std::filesystem::copy(VOKTARN_BIN_DIR "/test-modules/libNoEntry.so", File("NoEntry"));
   const std::pair<std::string, const char*> rows[] = {
       {"Garbage", "cannot be loaded"},      {"Pipe", "not a regular file"},
       {"Directory", "not a regular file"},  {"NoEntry", "no function InitModule"},

@@ -139,7 +139,7 @@ TEST(EnumModule, PublishesItsTypeAndNinetyThreeOperatorsInOrder) {
 }
 
 TEST(EnumModule, ExportsOnlyItsEntryPointsAndItsClasses) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef VOKTARN_SANITIZED
   GTEST_SKIP() << "sanitizers export symbols of their own";
 #endif
   const std::unique_ptr<FILE, int (*)(FILE*)> listing(popen(("nm -D --defined-only '" + kLibrary + "'").c_str(), "r"),

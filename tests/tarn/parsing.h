@@ -51,7 +51,7 @@ class Reader {
  private:
   static std::string Text(const tarn::Word& word) { return std::string(word.fText); }
 
-  std::string Show(const tarn::Use& use) const { return "use " + Text(use.fModule); }
+  std::string Show(const tarn::Use& use) const { return std::string("use ") + Text(use.fModule); }
   std::string Show(const tarn::Declaration& declaration) const {
     std::string result;
     for (const tarn::Word& name : declaration.fNames) {
@@ -69,7 +69,7 @@ class Reader {
     }
     for (std::size_t i = 0; i < formula.fRoots.size(); ++i) {
       if (i > 0) {
-        result += formula.fKind == Kind::List ? ", " : " " + Text(formula.fOperators[i - 1]) + " ";
+        result += formula.fKind == Kind::List ? ", " : std::string(" ") + Text(formula.fOperators[i - 1]) + " ";
       }
       result += Show(formula, formula.fRoots[i]);
     }
@@ -80,11 +80,11 @@ class Reader {
     const std::string text(node.fText);
     switch (node.fKind) {
       case tarn::Node::Kind::Unary:
-        return "(" + text + " " + Show(formula, node.fLeft) + ")";
+        return std::string("(") + text + " " + Show(formula, node.fLeft) + ")";
       case tarn::Node::Kind::Binary:
-        return "(" + Show(formula, node.fLeft) + " " + text + " " + Show(formula, node.fRight) + ")";
+        return std::string("(") + Show(formula, node.fLeft) + " " + text + " " + Show(formula, node.fRight) + ")";
       case tarn::Node::Kind::Cast:
-        return "<" + text + ">" + Show(formula, node.fLeft);
+        return std::string("<") + text + ">" + Show(formula, node.fLeft);
       default:
         return text;
     }

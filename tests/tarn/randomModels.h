@@ -99,10 +99,14 @@ class RandomModel {
   }
 
   RandomExpression Constant() {
-    const int v = Pick(-4, 6);
+    const int v = Pick(0, 19) == 0 ? PickOf({46341, 65536, 1 << 30, 2147483644, -2147483644}) : Pick(-4, 6);
     // As the base of a power, a number without parentheses would lose its sign to the power.
-    return {v < 0 ? "(" + std::to_string(v) + ")" : std::to_string(v), [v](const Assignment&) { return v; }};
+    return {v < 0 ? std::string("(") + std::to_string(v) + ")" : std::to_string(v),
+            [v](const Assignment&) { return v; }};
   }
+
+  // The ends of the integer range stand for everything beyond them: arithmetic does not reach them.
+  static Value Limit(long long x) { return std::llabs(x) >= 2147483645 ? Value() : x; }
 
   template <class Function>
   static RandomExpression Combine(const std::string& op, const RandomExpression& a, const RandomExpression& b,
@@ -111,7 +115,8 @@ class RandomModel {
             [a = a.fValue, b = b.fValue, f](const Assignment& assignment) -> Value {
               const Value x = a(assignment);
               const Value y = b(assignment);
-              return x && y ? f(*x, *y) : Value();
+              const Value result = x && y ? f(*x, *y) : Value();
+              return result ? Limit(*result) : result;
             }};
   }
 
@@ -167,11 +172,11 @@ class RandomModel {
                 if (!x) {
                   return x;
                 }
-                return op == "-"      ? -*x
-                       : op == "abs"  ? std::llabs(*x)
-                       : op == "sign" ? (*x > 0) - (*x < 0)
-                       : op == "next" ? *x + 1
-                                      : *x - 1;
+                return Limit(op == "-"      ? -*x
+                             : op == "abs"  ? std::llabs(*x)
+                             : op == "sign" ? (*x > 0) - (*x < 0)
+                             : op == "next" ? *x + 1
+                                            : *x - 1);
               }};
     }
     const auto op = PickOf<std::string>({"+", "+", "-", "*", "*", "/", "mod", "mod", "^", "/\\", "\\/"});

@@ -42,6 +42,8 @@ std::vector<Assignment> Solve(const std::string& text) {
 
 TEST(RandomModels, HaveTheSolutionsOfPlainEnumeration) {
   constexpr unsigned sModels = 3000;
+  tarn::Session keepsModulesLoaded;
+  keepsModulesLoaded.Open(tarn::Session::sDefaultModule);
   for (unsigned seed = 1; seed <= sModels; ++seed) {
     const RandomModel model(seed);
     EXPECT_EQ(Solve(model.GetText()), model.Enumerate()) << "seed " << seed << "\n" << model.GetText();

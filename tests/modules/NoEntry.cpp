@@ -1,0 +1,2 @@
+// No entry point: loading this as a module must fail.
+namespace {}
