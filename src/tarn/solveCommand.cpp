@@ -1,4 +1,5 @@
 #include <chrono>
+#include <functional>
 #include <ostream>
 
 #include "framework/VokTarnBoolean.h"
@@ -71,15 +72,14 @@ std::optional<std::uint64_t> GetLimit(const SolveOptions& options, bool hasObjec
   return options.fAll || hasObjective ? std::nullopt : std::optional<std::uint64_t>(1);
 }
 
-void SetStopCondition(VokTarnNetwork& network, const SolveOptions& options, Clock::time_point start) {
+std::function<bool()> MakeStopCondition(const SolveOptions& options, Clock::time_point start) {
   // A longer limit than this is none, and would not fit the clock.
   constexpr double sLongest = 1e9;
-  if (options.fTimeLimit && *options.fTimeLimit < sLongest) {
-    const auto limit = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*options.fTimeLimit));
-    network.SetInterrupt([end = start + limit] { return IsInterrupted() || Clock::now() >= end; });
-  } else {
-    network.SetInterrupt(IsInterrupted);
+  if (!options.fTimeLimit || *options.fTimeLimit > sLongest) {
+    return IsInterrupted;
   }
+  const auto limit = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*options.fTimeLimit));
+  return [end = start + limit] { return IsInterrupted() || Clock::now() >= end; };
 }
 
 int Conclude(VokTarnSearch::Status status, std::uint64_t found, const VokTarnSearch& search, std::ostream& out) {
@@ -106,7 +106,8 @@ int Conclude(VokTarnSearch::Status status, std::uint64_t found, const VokTarnSea
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err) {
   const Clock::time_point start = Clock::now();
   VokTarnNetwork& network = session.GetNetwork();
-  SetStopCondition(network, options, start);
+  const std::function<bool()> isStopped = MakeStopCondition(options, start);
+  network.SetInterrupt(isStopped);
   const std::optional<VokTarnSearch::Objective>& objective = session.GetCompiler().GetObjective();
   const std::optional<std::uint64_t> limit = GetLimit(options, objective.has_value());
   VokTarnSearch search(network, session.GetCompiler().GetVariables(), objective);
@@ -115,14 +116,16 @@ int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, s
   VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
   bool isRight = true;
   while (status == VokTarnSearch::Status::Solution && isRight && (!limit || found < *limit)) {
-    status = search.Next();
-    if (status == VokTarnSearch::Status::Solution) {
-      isRight = IsSolution(session, err);
-      if (isRight) {
-        PrintVariables(session, out);
-        out << sSolutionEnd << std::flush;
-        ++found;
-      }
+    // Propagation asks too, but where nothing is left to propagate a search goes from solution to solution.
+    status = isStopped() ? VokTarnSearch::Status::Stopped : search.Next();
+    if (status != VokTarnSearch::Status::Solution) {
+      break;
+    }
+    isRight = IsSolution(session, err);
+    if (isRight) {
+      PrintVariables(session, out);
+      out << sSolutionEnd << std::flush;
+      ++found;
     }
   }
   if (status == VokTarnSearch::Status::Undecided) {

@@ -179,7 +179,7 @@ TEST_F(ObjectStream, HostileBytesFail) {
 }
 
 TEST_F(ObjectStream, NestingEndsAtItsLimit) {
-  for (const auto& [depth, fails] : {std::pair(1000, false), std::pair(1001, true), std::pair(100000, true)}) {
+  for (const auto& [depth, fails] : {std::pair(1000, false), std::pair(1001, true), std::pair(5000, true)}) {
     StreamItems items;
     for (int i = 0; i < depth; ++i) {
       items.insert(items.end(), {1U, "Node", 7U, 1U});
