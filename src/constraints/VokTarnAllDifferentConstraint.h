@@ -4,9 +4,10 @@
 
 // All arguments, integers of any types, have different values.
 //
-// Strength  Value elimination to its fixpoint, and failure when fewer values than arguments lie between the least and
-//           the greatest bound.
-// Cost      n arguments: O(n) per filtering plus O(n) removals for each value that has become known.
+// Strength  Domain consistent while at most 256 arguments with 16384 possible values in all are open: a value stays
+//           when some assignment with all values different has it. Beyond that, and beside undefined
+//           arguments, values that have become known leave the others.
+// Cost      n arguments with e possible values in all: O(n e) per filtering at worst, see valueMatching.h.
 class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstraintOf<VokTarnAllDifferentConstraint> {
  public:
   static const char* const sIdent;

@@ -1,7 +1,6 @@
 #include "tarn/Compiler.h"
 
 #include <array>
-#include <sstream>
 
 #include "framework/VokTarnBoolean.h"
 #include "tarn/CompileErrors.h"

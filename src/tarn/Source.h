@@ -19,8 +19,7 @@ class Source {
 
   Source(std::string name, std::string text) : fName(std::move(name)), fText(std::move(text)) {}
 
-  // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read, and ModelError's text
-  // form as a ProgramError when it is not a text.
+  // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read or is not a text.
   static Source ReadFile(const std::string& path);
 
   const std::string& GetName() const noexcept { return fName; }

@@ -1,10 +1,12 @@
 #include "tarn/ValueText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <locale>
 #include <new>
 #include <sstream>
 #include <string_view>
+#include <vector>
 
 #include "framework/VokTarnInteger.h"
 #include "tarn/Diagnostic.h"

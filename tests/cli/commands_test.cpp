@@ -146,19 +146,6 @@ TEST(Modules, ListAllThatAreLoaded) {
                                  HasSubstr("\n\nmodule VokFenEnumIntegers\n"), HasSubstr("all different")));
 }
 
-TEST(Modules, MayBringATypeThatTheProgramDoesNotKnow) {
-  const std::string model =
-      "use VokFenEvenIntegers; x, y : even int up to 4; z : enum int [0, 9];"
-      "x + y = z; x < y; all different (x, y, z);";
-  const ProgramResult result = RunModel("solve", model, {"-a", "-M", VOKTARN_BIN_DIR "/test-modules"});
-  EXPECT_EQ(result.fExitCode, 0) << result.fErr;
-  EXPECT_EQ(result.fOut, "x = even {2}\ny = even {4}\nz = 6\n----------\n==========\n");
-  const std::string trailing = "x : even int up to 4 or so;";
-  EXPECT_THAT(RunModel("solve", "use VokFenEvenIntegers;" + trailing, {"-M", VOKTARN_BIN_DIR "/test-modules"}).fErr,
-              HasSubstr(":1:45: error: unexpected text behind the domain"));
-  EXPECT_THAT(RunModel("solve", trailing).fErr, HasSubstr("unknown type 'even int'"));
-}
-
 TEST(CommandLine, AnswersHelpAndVersion) {
   const ProgramResult help = RunTarn({"--help"});
   EXPECT_EQ(help.fExitCode, 0);

@@ -43,6 +43,8 @@ class RandomModel {
   }
 
   const std::string& GetText() const { return fText; }
+  // Another expression over the variables on each call.
+  RandomExpression MakeObjective() { return Integer(2); }
 
   // Every assignment that satisfies the model, by plain enumeration in ascending order.
   std::vector<Assignment> Enumerate() const {
