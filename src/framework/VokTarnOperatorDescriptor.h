@@ -20,16 +20,7 @@
 //   List                    op (a1, .., an)  C(a1, .., an), no result
 class VOKTARN_EXPORT VokTarnOperatorDescriptor : public VokTarnObjectDescriptor {
  public:
-  enum class Kind {
-    Unary,
-    InverseUnary,
-    Binary,
-    SymmetricBinary,
-    FirstInverseBinary,
-    SecondInverseBinary,
-    SecondInverseSymmetric,
-    List
-  };
+  using Kind = VokTarnOperatorKind;
 
   static const char* const sIdent;
 

@@ -2,7 +2,7 @@
 
 #include "framework/VokTarnOperatorDescriptor.h"
 
-using Kind = VokTarnOperatorDescriptor::Kind;
+using Kind = VokTarnOperatorKind;
 
 VokTarnObjectDescriptor* VokTarnCreateUnaryOperator(const VokString& name, VokTarnType a, VokTarnType r,
                                                     VokTarnConstraintType c) {
@@ -46,4 +46,31 @@ VokTarnObjectDescriptor* VokTarnCreateSecondInverseSymmetricBinaryOperator(const
 VokTarnObjectDescriptor* VokTarnCreateListOperator(const VokString& name, VokTarnType element,
                                                    VokTarnConstraintType c) {
   return new VokTarnOperatorDescriptor(name, Kind::List, element, nullptr, nullptr, nullptr, c);
+}
+
+VokTarnObjectDescriptor* VokTarnCreateOperator(VokTarnOperatorKind kind, const VokString& name,
+                                               std::span<const VokTarnType> types, VokTarnConstraintType c) {
+  constexpr unsigned kTypes[] = {2, 3, 3, 3, 4, 4, 4, 1};  // by kind
+  if (types.size() < kTypes[static_cast<unsigned>(kind)]) {
+    return nullptr;
+  }
+  switch (kind) {
+    case Kind::Unary:
+      return VokTarnCreateUnaryOperator(name, types[0], types[1], c);
+    case Kind::InverseUnary:
+      return VokTarnCreateInverseUnaryOperator(name, types[0], types[1], types[2], c);
+    case Kind::Binary:
+      return VokTarnCreateBinaryOperator(name, types[0], types[1], types[2], c);
+    case Kind::SymmetricBinary:
+      return VokTarnCreateSymmetricBinaryOperator(name, types[0], types[1], types[2], c);
+    case Kind::FirstInverseBinary:
+      return VokTarnCreateFirstInverseBinaryOperator(name, types[0], types[1], types[2], types[3], c);
+    case Kind::SecondInverseBinary:
+      return VokTarnCreateSecondInverseBinaryOperator(name, types[0], types[1], types[2], types[3], c);
+    case Kind::SecondInverseSymmetric:
+      return VokTarnCreateSecondInverseSymmetricBinaryOperator(name, types[0], types[1], types[2], types[3], c);
+    case Kind::List:
+      break;
+  }
+  return VokTarnCreateListOperator(name, types[0], c);
 }

@@ -2,6 +2,8 @@
 // handed to VokTarnModule::AddObjectDescriptor; null when memory is short. The name is copied.
 #pragma once
 
+#include <span>
+
 #include "framework/VokString.h"
 #include "framework/VokTarnConstraintDescriptor.h"
 #include "framework/VokTarnExport.h"
@@ -9,6 +11,18 @@
 
 using VokTarnType = const VokTarnObjectDescriptor*;
 using VokTarnConstraintType = const VokTarnConstraintDescriptor*;
+
+// One kind for each factory.
+enum class VokTarnOperatorKind {
+  Unary,
+  InverseUnary,
+  Binary,
+  SymmetricBinary,
+  FirstInverseBinary,
+  SecondInverseBinary,
+  SecondInverseSymmetric,
+  List
+};
 
 // op a is r with C(a, r).
 VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateUnaryOperator(const VokString& name, VokTarnType a, VokTarnType r,
@@ -40,3 +54,9 @@ VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateSecondInverseSymmetricBinar
 // op (a1, .., an) is a statement with C(a1, .., an), any number of operands that match `element`.
 VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateListOperator(const VokString& name, VokTarnType element,
                                                                   VokTarnConstraintType c);
+
+// The factory of that kind, for tables of operators. `types` stand in the order of the factory's parameters; null when
+// they are too few.
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateOperator(VokTarnOperatorKind kind, const VokString& name,
+                                                              std::span<const VokTarnType> types,
+                                                              VokTarnConstraintType c);

@@ -1,6 +1,7 @@
 #include "module/operatorTable.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "constraints/VokTarnAbsoluteConstraint.h"
@@ -28,19 +29,11 @@
 
 namespace {
 
-enum class Creator {
-  Unary,
-  InverseUnary,
-  Binary,
-  SymmetricBinary,
-  FirstInverseBinary,
-  SecondInverseBinary,
-  SecondInverseSymmetric
-};
+using Kind = VokTarnOperatorKind;
 
 struct Line {
   const char* name;
-  Creator creator;
+  Kind kind;
   const char* rows;
   const VokTarnConstraintDescriptor* const* constraint;
 };
@@ -50,7 +43,7 @@ constexpr char kEveryOperand[] = "SEE ESE EEE EIE IEE";
 constexpr char kTruthValue[] = "SEBE ESBE VEBE EVBE EEBE";
 
 // name        the operator
-// creator     the factory of the framework that makes it
+// kind        names the factory of the framework that makes it
 // rows        one registration per word. The letters are the descriptors that the factory takes, in its order:
 //             operands, result and, for an inverse operator, the working type.
 //             E enumerated set, S single, V interval, B boolean, I any integer type.
@@ -59,32 +52,32 @@ constexpr char kTruthValue[] = "SEBE ESBE VEBE EVBE EEBE";
 // The order of the rows is part of the module's interface, the split of "=" into two runs included. The
 // orders ">=" and ">" share the constraints of "<=" and "<", whose operands are exchanged by the symmetric factory.
 constexpr Line kLines[] = {
-    {"+", Creator::Binary, kEveryOperand, &VokTarnAdditionConstraint::sDescriptor},
-    {"*", Creator::Binary, kEveryOperand, &VokTarnMultiplicationConstraint::sDescriptor},
-    {"^", Creator::Binary, "SEE ESE EEE", &VokTarnPowerConstraint::sDescriptor},
-    {"=", Creator::Binary, kEveryOperand, &VokTarnEqualTernaryConstraint::sDescriptor},
-    {"<>", Creator::Binary, kEveryOperand, &VokTarnUnequalTernaryConstraint::sDescriptor},
-    {">=", Creator::Binary, kEveryOperand, &VokTarnLessOrEqualTernaryConstraint::sDescriptor},
-    {"/\\", Creator::Binary, kEveryOperand, &VokTarnMinimumConstraint::sDescriptor},
-    {"\\/", Creator::Binary, kEveryOperand, &VokTarnMaximumConstraint::sDescriptor},
-    {">", Creator::Binary, kEveryOperand, &VokTarnLessTernaryConstraint::sDescriptor},
-    {"=", Creator::Binary, "VEE EVE", &VokTarnEqualTernaryConstraint::sDescriptor},
-    {"<=", Creator::SymmetricBinary, "SEE ESE EEE", &VokTarnLessOrEqualTernaryConstraint::sDescriptor},
-    {"<", Creator::SymmetricBinary, "SEE ESE EEE", &VokTarnLessTernaryConstraint::sDescriptor},
-    {"-", Creator::FirstInverseBinary, "SEEE ESEE EEEE", &VokTarnAdditionConstraint::sDescriptor},
-    {"/", Creator::FirstInverseBinary, "SEEE ESEE EEEE", &VokTarnMultiplicationConstraint::sDescriptor},
-    {"-", Creator::Unary, "EE", &VokTarnNumberNegationConstraint::sDescriptor},
-    {"sign", Creator::InverseUnary, "EEE", &VokTarnSignumConstraint::sDescriptor},
-    {"abs", Creator::Unary, "EE", &VokTarnAbsoluteConstraint::sDescriptor},
-    {"next", Creator::Unary, "EE", &VokTarnNextConstraint::sDescriptor},
-    {"(interval int)", Creator::Unary, "VE", &VokTarnEqualConstraint::sDescriptor},
-    {"prev", Creator::InverseUnary, "EEE", &VokTarnNextConstraint::sDescriptor},
-    {"==", Creator::SecondInverseBinary, kTruthValue, &VokTarnBooleanEqualConstraint::sDescriptor},
-    {">>", Creator::SecondInverseBinary, kTruthValue, &VokTarnBooleanLessConstraint::sDescriptor},
-    {">==", Creator::SecondInverseBinary, kTruthValue, &VokTarnBooleanLessOrEqualConstraint::sDescriptor},
-    {"<<", Creator::SecondInverseSymmetric, kTruthValue, &VokTarnBooleanLessConstraint::sDescriptor},
-    {"<==", Creator::SecondInverseSymmetric, kTruthValue, &VokTarnBooleanLessOrEqualConstraint::sDescriptor},
-    {"mod", Creator::Binary, kEveryOperand, &VokTarnRemainderConstraint::sDescriptor},
+    {"+", Kind::Binary, kEveryOperand, &VokTarnAdditionConstraint::sDescriptor},
+    {"*", Kind::Binary, kEveryOperand, &VokTarnMultiplicationConstraint::sDescriptor},
+    {"^", Kind::Binary, "SEE ESE EEE", &VokTarnPowerConstraint::sDescriptor},
+    {"=", Kind::Binary, kEveryOperand, &VokTarnEqualTernaryConstraint::sDescriptor},
+    {"<>", Kind::Binary, kEveryOperand, &VokTarnUnequalTernaryConstraint::sDescriptor},
+    {">=", Kind::Binary, kEveryOperand, &VokTarnLessOrEqualTernaryConstraint::sDescriptor},
+    {"/\\", Kind::Binary, kEveryOperand, &VokTarnMinimumConstraint::sDescriptor},
+    {"\\/", Kind::Binary, kEveryOperand, &VokTarnMaximumConstraint::sDescriptor},
+    {">", Kind::Binary, kEveryOperand, &VokTarnLessTernaryConstraint::sDescriptor},
+    {"=", Kind::Binary, "VEE EVE", &VokTarnEqualTernaryConstraint::sDescriptor},
+    {"<=", Kind::SymmetricBinary, "SEE ESE EEE", &VokTarnLessOrEqualTernaryConstraint::sDescriptor},
+    {"<", Kind::SymmetricBinary, "SEE ESE EEE", &VokTarnLessTernaryConstraint::sDescriptor},
+    {"-", Kind::FirstInverseBinary, "SEEE ESEE EEEE", &VokTarnAdditionConstraint::sDescriptor},
+    {"/", Kind::FirstInverseBinary, "SEEE ESEE EEEE", &VokTarnMultiplicationConstraint::sDescriptor},
+    {"-", Kind::Unary, "EE", &VokTarnNumberNegationConstraint::sDescriptor},
+    {"sign", Kind::InverseUnary, "EEE", &VokTarnSignumConstraint::sDescriptor},
+    {"abs", Kind::Unary, "EE", &VokTarnAbsoluteConstraint::sDescriptor},
+    {"next", Kind::Unary, "EE", &VokTarnNextConstraint::sDescriptor},
+    {"(interval int)", Kind::Unary, "VE", &VokTarnEqualConstraint::sDescriptor},
+    {"prev", Kind::InverseUnary, "EEE", &VokTarnNextConstraint::sDescriptor},
+    {"==", Kind::SecondInverseBinary, kTruthValue, &VokTarnBooleanEqualConstraint::sDescriptor},
+    {">>", Kind::SecondInverseBinary, kTruthValue, &VokTarnBooleanLessConstraint::sDescriptor},
+    {">==", Kind::SecondInverseBinary, kTruthValue, &VokTarnBooleanLessOrEqualConstraint::sDescriptor},
+    {"<<", Kind::SecondInverseSymmetric, kTruthValue, &VokTarnBooleanLessConstraint::sDescriptor},
+    {"<==", Kind::SecondInverseSymmetric, kTruthValue, &VokTarnBooleanLessOrEqualConstraint::sDescriptor},
+    {"mod", Kind::Binary, kEveryOperand, &VokTarnRemainderConstraint::sDescriptor},
 };
 
 // Read at registration, because the descriptors are made when the modules are opened.
@@ -103,27 +96,10 @@ VokTarnType TypeOf(char letter) noexcept {
   }
 }
 
-VokTarnObjectDescriptor* Create(const Line& line, const char* row) {
-  const VokString name(line.name);
-  const VokTarnConstraintType c = *line.constraint;
-  const auto type = [row](int i) { return TypeOf(row[i]); };
-  switch (line.creator) {
-    case Creator::Unary:
-      return VokTarnCreateUnaryOperator(name, type(0), type(1), c);
-    case Creator::InverseUnary:
-      return VokTarnCreateInverseUnaryOperator(name, type(0), type(1), type(2), c);
-    case Creator::Binary:
-      return VokTarnCreateBinaryOperator(name, type(0), type(1), type(2), c);
-    case Creator::SymmetricBinary:
-      return VokTarnCreateSymmetricBinaryOperator(name, type(0), type(1), type(2), c);
-    case Creator::FirstInverseBinary:
-      return VokTarnCreateFirstInverseBinaryOperator(name, type(0), type(1), type(2), type(3), c);
-    case Creator::SecondInverseBinary:
-      return VokTarnCreateSecondInverseBinaryOperator(name, type(0), type(1), type(2), type(3), c);
-    case Creator::SecondInverseSymmetric:
-      return VokTarnCreateSecondInverseSymmetricBinaryOperator(name, type(0), type(1), type(2), type(3), c);
-  }
-  return nullptr;
+VokTarnObjectDescriptor* Create(const Line& line, std::string_view row) {
+  std::array<VokTarnType, 4> types{};
+  std::transform(row.begin(), row.end(), types.begin(), TypeOf);
+  return VokTarnCreateOperator(line.kind, line.name, {types.data(), row.size()}, *line.constraint);
 }
 
 }  // namespace
@@ -132,7 +108,7 @@ void RegisterOperators(VokTarnModule& module) noexcept {
   for (const Line& line : kLines) {
     for (std::string_view rows = line.rows; !rows.empty();) {
       const std::size_t length = std::min(rows.find(' '), rows.size());
-      module.AddObjectDescriptor(Create(line, rows.data()));
+      module.AddObjectDescriptor(Create(line, rows.substr(0, length)));
       rows.remove_prefix(std::min(length + 1, rows.size()));
     }
   }

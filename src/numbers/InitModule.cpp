@@ -1,4 +1,6 @@
 // The entry point of the numbers module: publishes its three types and the operators over them.
+#include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "framework/VokTarnModule.h"
@@ -10,15 +12,7 @@
 
 namespace {
 
-enum class Kind {
-  Unary,
-  InverseUnary,
-  Binary,
-  SymmetricBinary,
-  FirstInverseBinary,
-  SecondInverseBinary,
-  SecondInverseSymmetricBinary
-};
+using Kind = VokTarnOperatorKind;
 
 // Operands and result in the order of the creators. S is "int", V "interval int", B "bool"; a row with a
 // working type has it last.
@@ -54,8 +48,8 @@ constexpr Row sRows[] = {
     {"==", Kind::SecondInverseBinary, "VokTarnBooleanEqualConstraint", "SSBS SVBV VSBV VVBV BBBB"},
     {">>", Kind::SecondInverseBinary, "VokTarnBooleanLessConstraint", "SSBS SVBV VSBV VVBV"},
     {">==", Kind::SecondInverseBinary, "VokTarnBooleanLessOrEqualConstraint", "SSBS SVBV VSBV VVBV"},
-    {"<<", Kind::SecondInverseSymmetricBinary, "VokTarnBooleanLessConstraint", "SSBS SVBV VSBV VVBV"},
-    {"<==", Kind::SecondInverseSymmetricBinary, "VokTarnBooleanLessOrEqualConstraint", "SSBS SVBV VSBV VVBV"},
+    {"<<", Kind::SecondInverseSymmetric, "VokTarnBooleanLessConstraint", "SSBS SVBV VSBV VVBV"},
+    {"<==", Kind::SecondInverseSymmetric, "VokTarnBooleanLessOrEqualConstraint", "SSBS SVBV VSBV VVBV"},
     {"!", Kind::Unary, "VokTarnBooleanNotConstraint", "BB"},
     {"&&", Kind::Binary, "VokTarnBooleanAndConstraint", "BBB"},
     {"||", Kind::Binary, "VokTarnBooleanOrConstraint", "BBB"},
@@ -74,26 +68,10 @@ VokTarnType TypeOf(char letter) {
   }
 }
 
-VokTarnObjectDescriptor* CreateOperator(const Row& row, std::string_view types, VokTarnConstraintType constraint) {
-  const VokString name(row.name);
-  const auto type = [types](std::size_t i) { return TypeOf(types[i]); };
-  switch (row.kind) {
-    case Kind::Unary:
-      return VokTarnCreateUnaryOperator(name, type(0), type(1), constraint);
-    case Kind::InverseUnary:
-      return VokTarnCreateInverseUnaryOperator(name, type(0), type(1), type(2), constraint);
-    case Kind::Binary:
-      return VokTarnCreateBinaryOperator(name, type(0), type(1), type(2), constraint);
-    case Kind::SymmetricBinary:
-      return VokTarnCreateSymmetricBinaryOperator(name, type(0), type(1), type(2), constraint);
-    case Kind::FirstInverseBinary:
-      return VokTarnCreateFirstInverseBinaryOperator(name, type(0), type(1), type(2), type(3), constraint);
-    case Kind::SecondInverseBinary:
-      return VokTarnCreateSecondInverseBinaryOperator(name, type(0), type(1), type(2), type(3), constraint);
-    case Kind::SecondInverseSymmetricBinary:
-      return VokTarnCreateSecondInverseSymmetricBinaryOperator(name, type(0), type(1), type(2), type(3), constraint);
-  }
-  return nullptr;
+VokTarnObjectDescriptor* CreateOperator(const Row& row, std::string_view letters, VokTarnConstraintType constraint) {
+  std::array<VokTarnType, 4> types{};
+  std::transform(letters.begin(), letters.end(), types.begin(), TypeOf);
+  return VokTarnCreateOperator(row.kind, row.name, {types.data(), letters.size()}, constraint);
 }
 
 // The constraint classes stand in a library above this one, so they are found by name.
