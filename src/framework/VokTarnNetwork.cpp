@@ -174,6 +174,9 @@ VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
 }
 
 void VokTarnNetwork::NoteChange(VokTarnValueId id) {
+  if (fChangeLog != nullptr) {
+    fChangeLog->push_back(id);
+  }
   const Slot& slot = fValues[id];
   if (slot.fObject->IsNil() != 0) {
     fFailed = true;
@@ -203,6 +206,9 @@ void VokTarnNetwork::PopLevel() {
     Slot& slot = fValues[saved.fValue];
     Copy(*slot.fObject, *saved.fCopy);
     slot.fStamp = saved.fStamp;
+    if (fChangeLog != nullptr) {
+      fChangeLog->push_back(saved.fValue);
+    }
     ReleaseSpare(slot.fType, saved.fCopy);
     fTrail.pop_back();
   }

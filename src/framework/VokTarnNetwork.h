@@ -65,6 +65,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }
+  // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer).
+  // A number may be appended more than once.
+  void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept { fChangeLog = log; }
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
@@ -114,6 +117,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<Level> fLevels;
   std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
   std::function<bool()> fInterrupt;
+  std::vector<VokTarnValueId>* fChangeLog = nullptr;
   std::uint64_t fPropagations = 0;
   unsigned fStepsToPoll = 0;
   VokULong fStampCounter = 0;

@@ -1,6 +1,7 @@
 #include "framework/VokTarnSearch.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <new>
 
@@ -9,6 +10,8 @@ namespace {
 const VokTarnInteger& AsInteger(const VokTarnAny& value) {
   return static_cast<const VokTarnInteger&>(value);
 }
+
+constexpr unsigned kNoPlace = std::numeric_limits<unsigned>::max();
 
 // More than one value, and they can be counted: the domain can be split.
 bool CanSplit(const VokTarnAny& value) {
@@ -21,14 +24,17 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId
                              std::optional<Objective> objective)
     : fNetwork(network),
       fVariables(std::move(variables)),
-      fIsVariable(network.GetValueCount(), false),
+      fPlaces(network.GetValueCount(), kNoPlace),
       fObjective(objective) {
-  for (const VokTarnValueId variable : fVariables) {
-    fIsVariable[variable] = true;
+  for (unsigned place = 0; place < fVariables.size(); ++place) {
+    fPlaces[fVariables[place]] = place;
+    Enter(place);
   }
+  network.SetChangeLog(&fChanged);
 }
 
 VokTarnSearch::~VokTarnSearch() {
+  fNetwork.SetChangeLog(nullptr);
   while (!fChoices.empty()) {
     LeaveLevel();
   }
@@ -91,17 +97,37 @@ VokTarnSearch::Status VokTarnSearch::Next() {
   return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
 }
 
-VokTarnValueId VokTarnSearch::ChooseVariable() const {
-  VokTarnValueId best = vokNoValue;
-  int fewest = std::numeric_limits<int>::max();
-  for (const VokTarnValueId variable : fVariables) {
-    const int cardinality = fNetwork.GetValue(variable).GetCardinality();
-    if (cardinality > 1 && (cardinality < fewest || best == vokNoValue)) {
-      fewest = cardinality;
-      best = variable;
+void VokTarnSearch::Enter(unsigned place) {
+  const int cardinality = fNetwork.GetValue(fVariables[place]).GetCardinality();
+  if (cardinality > 1) {
+    fCandidates.push_back({cardinality, place});
+    std::push_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
+  }
+}
+
+VokTarnValueId VokTarnSearch::ChooseVariable() {
+  for (const VokTarnValueId id : fChanged) {
+    if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
+      Enter(fPlaces[id]);
     }
   }
-  return best;
+  fChanged.clear();
+  if (fCandidates.size() > 4 * fVariables.size() + 64) {  // mostly stale by now
+    fCandidates.clear();
+    for (unsigned place = 0; place < fVariables.size(); ++place) {
+      Enter(place);
+    }
+  }
+  while (!fCandidates.empty()) {
+    const Candidate best = fCandidates.front();
+    const VokTarnValueId variable = fVariables[best.fPlace];
+    if (fNetwork.GetValue(variable).GetCardinality() == best.fCardinality) {
+      return variable;
+    }
+    std::pop_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
+    fCandidates.pop_back();
+  }
+  return vokNoValue;
 }
 
 // A value that is not single: a variable that cannot be split, else an intermediate value, one that can be

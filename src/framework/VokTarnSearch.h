@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -7,6 +8,8 @@
 #include "framework/VokTarnNetwork.h"
 
 // Depth-first search for the assignments of some values of a network that satisfy all its constraints.
+//
+// Cost  A choice is O(log n) in the number of variables for each value that has changed since the last one.
 //
 // Each step chooses an undecided variable (fewest possible values first, declaration order among equals) and splits its
 // domain with Bisect: first the part that holds the smaller values, then the rest. Every assignment of the variables is
@@ -61,9 +64,18 @@ class VOKTARN_EXPORT VokTarnSearch {
     bool fAuxiliary;    // an intermediate value: one completion is enough
   };
 
+  // A variable by its place among the variables, with the number of possible values that it had when it was
+  // entered; the order is that of choice.
+  struct Candidate {
+    int fCardinality;
+    unsigned fPlace;
+    friend auto operator<=>(const Candidate&, const Candidate&) = default;
+  };
+
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
-  VokTarnValueId ChooseVariable() const;
+  VokTarnValueId ChooseVariable();
+  void Enter(unsigned place);
   VokTarnValueId FindUndecided() const;
   bool IsBound(VokTarnValueId id) const;
   bool TightenBound();
@@ -72,7 +84,11 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   VokTarnNetwork& fNetwork;
   std::vector<VokTarnValueId> fVariables;
-  std::vector<bool> fIsVariable;
+  std::vector<unsigned> fPlaces;  // per value of the network, its place among the variables
+  // Open variables, best first on top. Every open variable has an entry with its present cardinality; entries that a
+  // change has made stale are dropped when they come up.
+  std::vector<Candidate> fCandidates;
+  std::vector<VokTarnValueId> fChanged;
   std::optional<Objective> fObjective;
   std::vector<Choice> fChoices;
   Statistics fStatistics;

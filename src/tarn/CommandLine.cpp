@@ -6,6 +6,8 @@
 namespace tarn {
 namespace {
 
+constexpr const char* sFile = "The model, or a saved network; - is the standard input";
+
 void DefineOptions(CLI::App& app, CommandLine& line) {
   app.name("tarn");
   app.set_version_flag("--version", "tarn " TARN_VERSION);
@@ -21,13 +23,13 @@ void DefineOptions(CLI::App& app, CommandLine& line) {
 
 void DefineNarrow(CLI::App& app, CommandLine& line) {
   CLI::App* narrow = app.add_subcommand("narrow", "Print the domains that propagation leaves");
-  narrow->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  narrow->add_option("FILE", line.fFile, sFile)->required()->type_name("");
   narrow->callback([&line] { line.fCommand = CommandLine::Command::Narrow; });
 }
 
 void DefineSolve(CLI::App& app, CommandLine& line) {
   CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
-  solve->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  solve->add_option("FILE", line.fFile, sFile)->required()->type_name("");
   CLI::Option* all = solve->add_flag("-a,--all", line.fSolve.fAll, "Find all solutions");
   solve->add_option("-n", line.fSolve.fCount, "Stop after N solutions")
       ->type_name("N")
@@ -47,6 +49,13 @@ void DefineSolve(CLI::App& app, CommandLine& line) {
   solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
 }
 
+void DefineSave(CLI::App& app, CommandLine& line) {
+  CLI::App* save = app.add_subcommand("save", "Write the narrowed network to a file that narrow and solve read");
+  save->add_option("FILE", line.fFile, sFile)->required()->type_name("");
+  save->add_option("-o,--output", line.fOutput, "The file to write")->required()->type_name("FILE");
+  save->callback([&line] { line.fCommand = CommandLine::Command::Save; });
+}
+
 void DefineModules(CLI::App& app, CommandLine& line) {
   CLI::App* modules = app.add_subcommand("modules", "List the types and operators of the modules");
   modules->add_option("NAME", line.fModule, "Only this module")->type_name("");
@@ -62,6 +71,7 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineOptions(app, line);
   DefineNarrow(app, line);
   DefineSolve(app, line);
+  DefineSave(app, line);
   DefineModules(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
   try {

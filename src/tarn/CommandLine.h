@@ -11,10 +11,11 @@ namespace tarn {
 
 // What the arguments of the program ask for.
 struct CommandLine {
-  enum class Command { Narrow, Solve, Modules };
+  enum class Command { Narrow, Solve, Save, Modules };
 
   Command fCommand = Command::Solve;
   std::string fFile;
+  std::string fOutput;
   std::optional<std::string> fModule;  // the one to list
   std::vector<std::string> fModules;
   std::vector<std::string> fDirectories;

@@ -1,6 +1,7 @@
 #include "tarn/Session.h"
 
 #include <filesystem>
+#include <sstream>
 
 #include "tarn/Diagnostic.h"
 #include "tarn/Parser.h"
@@ -45,6 +46,14 @@ VokTarnModule* Session::TryOpen(std::string_view module) {
 }
 
 void Session::Read(const Source& source) {
+  if (VokTarnNetworkFile::IsNetworkFile(source.GetText())) {
+    Restore(source);
+    return;
+  }
+  if (fContents.fModelName.empty()) {
+    fContents.fModelName = source.GetName();
+  }
+  fContents.fModelText += source.GetText();
   Parser parser(source, fVocabulary, fModel);
   while (std::optional<Statement> statement = parser.Next()) {
     Execute(*std::move(statement));
@@ -60,14 +69,70 @@ void Session::Execute(Statement statement) {
     }
   } else if (const auto* declaration = std::get_if<Declaration>(&statement.fBody)) {
     fCompiler.Declare(*declaration);
-    for (const Word& name : declaration->fNames) {
-      fModel.AddVariable(name.fText, declaration->fType.fText);
-    }
+    AddVariables(*declaration);
   } else {
     fCompiler.Post(std::get<Formula>(statement.fBody));
   }
   fConstraints.push_back({first, fNetwork.GetConstraintCount()});
   fModel.AddStatement(std::move(statement));
+}
+
+void Session::AddVariables(const Declaration& declaration) {
+  for (const Word& name : declaration.fNames) {
+    fModel.AddVariable(name.fText, declaration.fType.fText);
+  }
+}
+
+void Session::Restore(const Source& source) {
+  std::istringstream bytes{std::string(source.GetText())};
+  std::string error;
+  fRestored = VokTarnNetworkFile::Read(bytes, fManager, fContents, error);
+  if (fRestored == nullptr) {
+    throw ProgramError(source.GetName() + ": error: " + MakePrintable(error));
+  }
+  for (const std::string& module : fContents.fModules) {
+    Open(module);
+  }
+  const Source text(MakePrintable(fContents.fModelName), fContents.fModelText);
+  try {
+    Parser parser(text, fVocabulary, fModel);
+    while (std::optional<Statement> statement = parser.Next()) {
+      if (const auto* declaration = std::get_if<Declaration>(&statement->fBody)) {
+        AddVariables(*declaration);
+      }
+      fModel.AddStatement(*std::move(statement));
+    }
+  } catch (const ModelError& mistake) {
+    throw ProgramError(source.GetName() + ": error: the model text in it is wrong\n" + FormatDiagnostic(text, mistake));
+  }
+  CheckVariables(source);
+}
+
+// Solutions are printed under the names of the model and checked against its statements, so its variables must be those
+// of the network.
+void Session::CheckVariables(const Source& source) const {
+  const std::vector<Model::Variable>& variables = fModel.GetVariables();
+  bool areSame = variables.size() == fContents.fVariables.size();
+  for (std::size_t i = 0; areSame && i < variables.size(); ++i) {
+    const VokTarnValueId id = fContents.fVariables[i];
+    areSame =
+        fRestored->GetName(id) == variables[i].fName && fRestored->GetType(id)->GetName().View() == variables[i].fType;
+  }
+  if (!areSame) {
+    throw ProgramError(source.GetName() +
+                       ": error: the model text in it does not declare the variables of its network");
+  }
+}
+
+VokTarnNetworkFile::Contents Session::GetContents() const {
+  VokTarnNetworkFile::Contents contents = fContents;
+  contents.fModules.clear();
+  for (const VokTarnModule* module : fManager.GetModules()) {
+    contents.fModules.emplace_back(module->GetName().View());
+  }
+  contents.fVariables = GetVariables();
+  contents.fObjective = GetObjective();
+  return contents;
 }
 
 }  // namespace tarn

@@ -8,6 +8,7 @@
 #include <limits>
 #include <memory>
 
+#include "framework/VokTarnNetworkFile.h"
 #include "tarn/Diagnostic.h"
 
 namespace tarn {
@@ -39,7 +40,7 @@ Source Source::ReadFile(const std::string& path) {
     // Looked for chunk by chunk, so that an endless stream of zero bytes ends here.
     const char* zero = static_cast<const char*>(std::memchr(buffer, 0, got));
     text.append(buffer, got);
-    if (zero != nullptr) {
+    if (zero != nullptr && !VokTarnNetworkFile::IsNetworkFile(text)) {
       const std::size_t offset = text.size() - got + static_cast<std::size_t>(zero - buffer);
       const Source source(name, std::move(text));
       throw ProgramError(FormatDiagnostic(source, ModelError(offset, "a zero byte: this is not a model text")));

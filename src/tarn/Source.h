@@ -6,7 +6,8 @@
 
 namespace tarn {
 
-// A model text and where it came from. Must outlive every token and position taken from it.
+// A model text, or the bytes of a saved network, and where they came from. Must outlive every token and position taken
+// from it.
 //
 // Places in it are byte offsets; lines and columns are worked out only when a message needs them.
 class Source {
@@ -19,7 +20,8 @@ class Source {
 
   Source(std::string name, std::string text) : fName(std::move(name)), fText(std::move(text)) {}
 
-  // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read or is not a text.
+  // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read or is
+  // neither a text nor begins as a saved network does.
   static Source ReadFile(const std::string& path);
 
   const std::string& GetName() const noexcept { return fName; }

@@ -27,8 +27,14 @@ int Run(const CommandLine& line) {
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
-  return line.fCommand == CommandLine::Command::Narrow ? RunNarrow(session, std::cout, std::cerr)
-                                                       : RunSolve(session, line.fSolve, std::cout, std::cerr);
+  switch (line.fCommand) {
+    case CommandLine::Command::Narrow:
+      return RunNarrow(session, std::cout, std::cerr);
+    case CommandLine::Command::Save:
+      return RunSave(session, line.fOutput, std::cerr);
+    default:
+      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+  }
 }
 
 }  // namespace

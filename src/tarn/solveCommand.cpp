@@ -16,7 +16,7 @@ using Clock = std::chrono::steady_clock;
 
 std::vector<std::optional<std::int64_t>> GetSolution(Session& session) {
   std::vector<std::optional<std::int64_t>> solution;
-  for (const VokTarnValueId id : session.GetCompiler().GetVariables()) {
+  for (const VokTarnValueId id : session.GetVariables()) {
     const VokTarnAny& value = session.GetNetwork().GetValue(id);
     if (value.IsDerivedFrom(VokTarnInteger::sIdent) != 0) {
       solution.emplace_back(static_cast<const VokTarnInteger&>(value).GetLowerBound());
@@ -31,7 +31,7 @@ std::vector<std::optional<std::int64_t>> GetSolution(Session& session) {
 
 // Whether every variable has one value and no statement contradicts them.
 bool IsSolution(Session& session, std::ostream& err) {
-  for (const VokTarnValueId id : session.GetCompiler().GetVariables()) {
+  for (const VokTarnValueId id : session.GetVariables()) {
     if (session.GetNetwork().GetValue(id).GetCardinality() != 1) {
       err << "tarn: internal error: a solution leaves '" << session.GetNetwork().GetName(id) << "' open\n";
       return false;
@@ -108,9 +108,9 @@ int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, s
   VokTarnNetwork& network = session.GetNetwork();
   const std::function<bool()> isStopped = MakeStopCondition(options, start);
   network.SetInterrupt(isStopped);
-  const std::optional<VokTarnSearch::Objective>& objective = session.GetCompiler().GetObjective();
+  const std::optional<VokTarnSearch::Objective>& objective = session.GetObjective();
   const std::optional<std::uint64_t> limit = GetLimit(options, objective.has_value());
-  VokTarnSearch search(network, session.GetCompiler().GetVariables(), objective);
+  VokTarnSearch search(network, session.GetVariables(), objective);
 
   std::uint64_t found = 0;
   VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
