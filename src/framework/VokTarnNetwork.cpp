@@ -139,6 +139,7 @@ bool VokTarnNetwork::PollInterrupt() {
 }
 
 VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
+  fFailedConstraint = nullptr;
   while (!fFailed) {
     const auto queue =
         std::find_if(fAgenda.begin(), fAgenda.end(), [](const auto& candidate) { return !candidate.empty(); });
@@ -154,6 +155,9 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
     fWaiting[index] = false;
     VokTarnConstraint& constraint = *fConstraints[index];
     constraint.Filter(VokTarnObjectEnvironment(*this, constraint.GetArguments()), 0);
+    if (fFailed) {
+      fFailedConstraint = &constraint;
+    }
   }
   ClearAgenda();
   return Outcome::Failed;

@@ -55,6 +55,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // ---- Propagation
   Outcome Propagate();
   bool IsFailed() const noexcept { return fFailed; }
+  // The constraint that was being filtered when the last propagation failed; null when it did not fail so.
+  const VokTarnConstraint* GetFailedConstraint() const noexcept { return fFailedConstraint; }
   // Asked now and then during propagation; true ends it with Interrupted, the rest of the agenda kept.
   void SetInterrupt(std::function<bool()> interrupt) { fInterrupt = std::move(interrupt); }
   // One step of work that may be interrupted: asks now and then, true when the work is to stop. For those who
@@ -118,6 +120,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
   std::function<bool()> fInterrupt;
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
+  const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;
   unsigned fStepsToPoll = 0;
   VokULong fStampCounter = 0;

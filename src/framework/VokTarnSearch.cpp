@@ -21,11 +21,13 @@ bool CanSplit(const VokTarnAny& value) {
 }  // namespace
 
 VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables,
-                             std::optional<Objective> objective)
+                             std::optional<Objective> objective, Options options)
     : fNetwork(network),
       fVariables(std::move(variables)),
       fPlaces(network.GetValueCount(), kNoPlace),
-      fObjective(objective) {
+      fObjective(objective),
+      fOptions(options),
+      fWeights(fVariables.size(), 1.0) {
   for (unsigned place = 0; place < fVariables.size(); ++place) {
     fPlaces[fVariables[place]] = place;
     Enter(place);
@@ -38,7 +40,7 @@ VokTarnSearch::~VokTarnSearch() {
   while (!fChoices.empty()) {
     LeaveLevel();
   }
-  if (fStarted) {
+  if (fNetwork.GetLevel() != 0) {
     fNetwork.PopLevel();
   }
 }
@@ -52,8 +54,9 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     fExhausted = root == VokTarnNetwork::Outcome::Failed;
     if (fExhausted) {
       ++fStatistics.fFailures;
+    } else {
+      fNetwork.PushLevel();  // what the search does to the values ends with the search
     }
-    fNetwork.PushLevel();  // what the search does to the values ends with the search
     fStarted = true;
   }
   if (fAtSolution) {
@@ -62,7 +65,8 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     fExhausted = !Backtrack();
   }
   while (!fExhausted) {
-    if (fNetwork.PollInterrupt()) {
+    if (fNetwork.PollInterrupt() || fStatistics.fDecisions >= fOptions.fNodeLimit ||
+        fStatistics.fFailures >= fOptions.fFailLimit) {
       return Status::Stopped;
     }
     const VokTarnNetwork::Outcome outcome = TightenBound() ? fNetwork.Propagate() : VokTarnNetwork::Outcome::Failed;
@@ -70,7 +74,7 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       return Status::Stopped;
     }
     if (outcome == VokTarnNetwork::Outcome::Failed) {
-      ++fStatistics.fFailures;
+      NoteFailure();
       fExhausted = !Backtrack();
       continue;
     }
@@ -97,10 +101,39 @@ VokTarnSearch::Status VokTarnSearch::Next() {
   return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
 }
 
+double VokTarnSearch::GetRank(unsigned place, int cardinality) const {
+  switch (fOptions.fVariable) {
+    case VariableChoice::FirstFail:
+      return cardinality;
+    case VariableChoice::InputOrder:
+      return 0;
+    case VariableChoice::MostConstrained:
+      return cardinality + 1.0 / (1.0 + static_cast<double>(fNetwork.GetDegree(fVariables[place])));
+    case VariableChoice::Weighted:
+      break;
+  }
+  return cardinality / fWeights[place];
+}
+
+// Counts a failure, and lets the variables of the constraint that failed weigh more.
+void VokTarnSearch::NoteFailure() {
+  ++fStatistics.fFailures;
+  const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
+  if (fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
+    return;
+  }
+  for (const VokTarnValueId id : failed->GetArguments()) {
+    if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
+      ++fWeights[fPlaces[id]];
+      fChanged.push_back(id);
+    }
+  }
+}
+
 void VokTarnSearch::Enter(unsigned place) {
   const int cardinality = fNetwork.GetValue(fVariables[place]).GetCardinality();
   if (cardinality > 1) {
-    fCandidates.push_back({cardinality, place});
+    fCandidates.push_back({GetRank(place, cardinality), place});
     std::push_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
   }
 }
@@ -121,7 +154,9 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
   while (!fCandidates.empty()) {
     const Candidate best = fCandidates.front();
     const VokTarnValueId variable = fVariables[best.fPlace];
-    if (fNetwork.GetValue(variable).GetCardinality() == best.fCardinality) {
+    const int cardinality = fNetwork.GetValue(variable).GetCardinality();
+    if (cardinality > 1 && !(GetRank(best.fPlace, cardinality) < best.fRank) &&
+        !(best.fRank < GetRank(best.fPlace, cardinality))) {
       return variable;
     }
     std::pop_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
@@ -166,7 +201,9 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
     throw std::bad_alloc();
   }
   fNetwork.Copy(*rest, fNetwork.GetValue(variable));
-  rest->Bisect(*part, VokTarnAny::LowerHalf);
+  constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
+                                                   VokTarnAny::UpperHalf};  // by ValueChoice
+  rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
   fChoices.push_back({variable, rest, auxiliary});
   fNetwork.PushLevel();
   ++fStatistics.fDecisions;

@@ -2,7 +2,9 @@
 
 #include <compare>
 #include <cstdint>
+#include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "framework/VokTarnNetwork.h"
@@ -11,11 +13,10 @@
 //
 // Cost  A choice is O(log n) in the number of variables for each value that has changed since the last one.
 //
-// Each step chooses an undecided variable (fewest possible values first, declaration order among equals) and splits its
-// domain with Bisect: first the part that holds the smaller values, then the rest. Every assignment of the variables is
-// found once, in a deterministic order; intermediate values that propagation leaves open are searched for one
-// completion. A variable that is still undefined when nothing else can be split leaves its branch undecided: no
-// solution is claimed or denied there.
+// Each step chooses an undecided variable and splits its domain with Bisect, as the options say: first one part, then
+// the rest. Every assignment of the variables is found once, in a deterministic order; intermediate values that
+// propagation leaves open are searched for one completion. A variable that is still undefined when nothing else can be
+// split leaves its branch undecided: no solution is claimed or denied there.
 //
 // With an objective, every solution found must be better than the one before: the last one is optimal
 // when the search ends Exhausted.
@@ -24,7 +25,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   enum class Status {
     Solution,   // the network holds a solution, every variable single-valued
     Exhausted,  // there is no further solution: a completed search
-    Stopped,    // interrupted by the stop condition; Next() goes on
+    Stopped,    // by the network's interrupt (Next() goes on) or by a limit
     Undecided   // the search ended, but a branch could not be decided (GetUndecided) or memory ran short
   };
   enum class Sense { Minimize, Maximize };
@@ -33,6 +34,22 @@ class VOKTARN_EXPORT VokTarnSearch {
     VokTarnValueId fValue;  // an integer
     VokTarnValueId fBound;  // an integer that `fValue` is constrained by, not above it (below it): undefined at first
     Sense fSense;
+  };
+  enum class VariableChoice {
+    FirstFail,        // fewest possible values, the variable declared first among equals
+    InputOrder,       // the variable declared first
+    MostConstrained,  // as FirstFail, but among equals the one in most constraints
+    Weighted  // fewest possible values per failure seen by the variable's constraints (F. Boussemart, F. Hemery,
+              // C. Lecoutre, L. Sais, "Boosting systematic search by weighting constraints", 2004)
+  };
+  // The part of a domain that is searched first.
+  enum class ValueChoice { Min, Max, Split, SplitMax };
+  struct Options {
+    VariableChoice fVariable = VariableChoice::FirstFail;
+    ValueChoice fValue = ValueChoice::Split;
+    // The search is stopped for good once it has made this many decisions, or has failed this often.
+    std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
   };
   struct Statistics {
     std::uint64_t fDecisions = 0;
@@ -44,7 +61,10 @@ class VOKTARN_EXPORT VokTarnSearch {
   // The network must be at its root level and outlive the search. The search leaves it at the root level
   // when it is destroyed.
   VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables,
-                std::optional<Objective> objective = std::nullopt);
+                std::optional<Objective> objective = std::nullopt)
+      : VokTarnSearch(network, std::move(variables), objective, Options()) {}
+  VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables, std::optional<Objective> objective,
+                Options options);
   VokTarnSearch(const VokTarnSearch&) = delete;
   VokTarnSearch& operator=(const VokTarnSearch&) = delete;
   ~VokTarnSearch();
@@ -64,10 +84,10 @@ class VOKTARN_EXPORT VokTarnSearch {
     bool fAuxiliary;    // an intermediate value: one completion is enough
   };
 
-  // A variable by its place among the variables, with the number of possible values that it had when it was
-  // entered; the order is that of choice.
+  // A variable by its place among the variables, with the rank that it had when it was entered; the order is that
+  // of choice.
   struct Candidate {
-    int fCardinality;
+    double fRank;
     unsigned fPlace;
     friend auto operator<=>(const Candidate&, const Candidate&) = default;
   };
@@ -75,7 +95,9 @@ class VOKTARN_EXPORT VokTarnSearch {
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
   VokTarnValueId ChooseVariable();
+  double GetRank(unsigned place, int cardinality) const;
   void Enter(unsigned place);
+  void NoteFailure();
   VokTarnValueId FindUndecided() const;
   bool IsBound(VokTarnValueId id) const;
   bool TightenBound();
@@ -85,11 +107,13 @@ class VOKTARN_EXPORT VokTarnSearch {
   VokTarnNetwork& fNetwork;
   std::vector<VokTarnValueId> fVariables;
   std::vector<unsigned> fPlaces;  // per value of the network, its place among the variables
-  // Open variables, best first on top. Every open variable has an entry with its present cardinality; entries that a
+  // Open variables, best first on top. Every open variable has an entry with its present rank; entries that a
   // change has made stale are dropped when they come up.
   std::vector<Candidate> fCandidates;
   std::vector<VokTarnValueId> fChanged;
   std::optional<Objective> fObjective;
+  Options fOptions;
+  std::vector<double> fWeights;  // per variable: 1 and the failures that its constraints have seen
   std::vector<Choice> fChoices;
   Statistics fStatistics;
   std::optional<VokLong> fBest;

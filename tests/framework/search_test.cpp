@@ -73,6 +73,34 @@ TEST(Search, GoesOnAfterAStopAsIfThereHadBeenNone) {
   EXPECT_EQ(support::Show(network.GetValue(columns[0])), "{ 1, 2, 3, 4, 5, 6, 7, 8 }");
 }
 
+// Every variable and value choice finds the same solutions, a limit stops every search where it should.
+TEST(Search, OptionsChangeTheOrderAlone) {
+  using Variable = VokTarnSearch::VariableChoice;
+  using Value = VokTarnSearch::ValueChoice;
+  const LoadedModules modules;
+  for (const Variable variable :
+       {Variable::FirstFail, Variable::InputOrder, Variable::MostConstrained, Variable::Weighted}) {
+    for (const Value value : {Value::Min, Value::Max, Value::Split, Value::SplitMax}) {
+      VokTarnNetwork network;
+      const auto columns = BuildQueens(modules, network, 7);
+      std::set<std::string> solutions;
+      {
+        VokTarnSearch search(network, columns, std::nullopt, {variable, value});
+        while (search.Next() == Status::Solution) {
+          ASSERT_TRUE(solutions.insert(ShowValues(network, columns)).second);
+        }
+        EXPECT_EQ(search.Next(), Status::Exhausted);
+      }
+      EXPECT_EQ(solutions.size(), 40U);
+      VokTarnSearch limited(network, columns, std::nullopt, {variable, value, 3});
+      while (limited.Next() == Status::Solution) {
+      }
+      EXPECT_EQ(limited.Next(), Status::Stopped);
+      EXPECT_EQ(limited.GetStatistics().fDecisions, 3U);
+    }
+  }
+}
+
 // An intermediate value that propagation leaves open is searched for, but only one completion counts.
 TEST(Search, IntermediateValuesDoNotMultiplySolutions) {
   const LoadedModules modules;
