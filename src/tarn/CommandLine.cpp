@@ -27,6 +27,58 @@ void DefineNarrow(CLI::App& app, CommandLine& line) {
   narrow->callback([&line] { line.fCommand = CommandLine::Command::Narrow; });
 }
 
+// Turns a time into a number of seconds, in place. Returns what is wrong with it, if anything.
+std::string ReadDuration(std::string& text) {
+  const bool isMilliseconds = text.ends_with("ms");
+  std::string number = text;
+  if (isMilliseconds) {
+    number.resize(number.size() - 2);
+  } else if (number.ends_with('s')) {
+    number.pop_back();
+  }
+  double seconds = 0;
+  if (!CLI::detail::lexical_cast(number, seconds) || !std::isfinite(seconds) || seconds < 0) {
+    return "not a time such as 1.5, 1.5s or 200ms: " + text;
+  }
+  text = std::to_string(isMilliseconds ? seconds / 1000 : seconds);
+  return {};
+}
+
+// An option whose value is one of some words.
+template <class Choice>
+void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, const std::string& help,
+                  const std::vector<std::pair<std::string, Choice>>& words) {
+  std::string list;
+  for (const auto& [word, value] : words) {
+    list += (list.empty() ? "" : "|") + word;
+  }
+  const auto read = [words, list](std::string& text) {
+    for (const auto& [word, value] : words) {
+      if (word == text) {
+        text = std::to_string(static_cast<int>(value));
+        return std::string();
+      }
+    }
+    return "'" + text + "' is not one of " + list;
+  };
+  command.add_option(name, choice, help)->type_name(list)->transform(CLI::Validator(read, ""));
+}
+
+void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
+  using Variable = VokTarnSearch::VariableChoice;
+  using Value = VokTarnSearch::ValueChoice;
+  DefineChoice<Variable>(solve, "--var", options.fVariable, "Which open variable to split next",
+                         {{"first-fail", Variable::FirstFail},
+                          {"input-order", Variable::InputOrder},
+                          {"most-constrained", Variable::MostConstrained},
+                          {"weighted", Variable::Weighted}});
+  DefineChoice<Value>(
+      solve, "--val", options.fValue, "Which part of its domain to search first",
+      {{"min", Value::Min}, {"max", Value::Max}, {"split", Value::Split}, {"split-max", Value::SplitMax}});
+  solve.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
+  solve.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
+}
+
 void DefineSolve(CLI::App& app, CommandLine& line) {
   CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
   solve->add_option("FILE", line.fFile, sFile)->required()->type_name("");
@@ -36,16 +88,10 @@ void DefineSolve(CLI::App& app, CommandLine& line) {
       ->check(CLI::PositiveNumber)
       ->excludes(all);
   solve->add_flag("-s,--stats", line.fSolve.fStatistics, "Print figures of the search to the standard error");
-  const CLI::Validator isDuration(
-      [](const std::string& text) {
-        double seconds = 0;
-        const bool isRight = CLI::detail::lexical_cast(text, seconds) && std::isfinite(seconds) && seconds >= 0;
-        return isRight ? std::string() : "not a number of seconds: " + text;
-      },
-      "");
-  solve->add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time")
-      ->type_name("SECONDS")
-      ->check(isDuration);
+  solve->add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time: 1.5, 1.5s or 200ms")
+      ->type_name("TIME")
+      ->transform(CLI::Validator(ReadDuration, ""));
+  DefineSearchOptions(*solve, line.fSolve.fSearch);
   solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
 }
 

@@ -22,6 +22,7 @@ struct SolveOptions {
   std::optional<std::uint64_t> fCount;
   bool fStatistics = false;
   std::optional<double> fTimeLimit;  // seconds
+  VokTarnSearch::Options fSearch;
 };
 
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);

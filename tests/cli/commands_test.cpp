@@ -80,7 +80,7 @@ TEST(Solve, PrintsFiguresOnRequest) {
 }
 
 TEST(Solve, StopsAtATimeLimitOrASignal) {
-  const ProgramResult limited = RunModel("solve", sPigeons, {"--time-limit", "0.1"});
+  const ProgramResult limited = RunModel("solve", sPigeons, {"--time-limit", "100ms"});
   EXPECT_EQ(limited.fExitCode, 3);
   EXPECT_EQ(limited.fOut, "=====UNKNOWN=====\n");
   for (const int signal : {SIGINT, SIGTERM}) {
@@ -88,6 +88,7 @@ TEST(Solve, StopsAtATimeLimitOrASignal) {
     EXPECT_EQ(stopped.fExitCode, 3);
     EXPECT_EQ(stopped.fOut, "=====UNKNOWN=====\n");
   }
+  EXPECT_EQ(RunModel("solve", sPigeons, {"--fail-limit", "50", "--var", "weighted", "--val", "max"}).fExitCode, 3);
   // What was found before stays printed.
   const ProgramResult some =
       RunModel("solve", "a, b, c, d, e, f, g : enum int [1, 99];", {"-a", "--time-limit", "0.1"});
@@ -166,6 +167,9 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
            {"solve", model.GetPath(), "-a", "-n", "1"},
            {"solve", model.GetPath(), "--time-limit", "nan"},
            {"solve", model.GetPath(), "--time-limit", "-1"},
+           {"solve", model.GetPath(), "--time-limit", "1h"},
+           {"solve", model.GetPath(), "--var", "fastest"},
+           {"solve", model.GetPath(), "--node-limit", "some"},
            {"narrow", model.GetPath(), "-a"},
            {"modules", "Nothing"},
            {"-m", "Nothing", "solve", model.GetPath()},
