@@ -115,21 +115,22 @@ TEST(Vector, SearchesGiveTheSamePositionAmongEquals) {
     VokLong x;
     Values found;  // Find, ClusteredFind, FindLowerBound, FindUpperBound; then both with first
   };
-  const Row rows[] = {{{1, 5, 9, 10, 11, 12}, 6, {9, 9, 1, 2, 1, 2}},  {{1, 5, 9, 10, 11, 12}, 0, {9, 9, 9, 0, 9, 0}},
-                      {{1, 5, 9, 10, 11, 12}, 13, {9, 9, 5, 9, 5, 9}}, {{2, 2, 2, 2, 2, 2}, 2, {2, 0, 2, 2, 0, 0}},
-                      {{1, 2, 2, 2, 2, 3}, 2, {2, 1, 2, 2, 1, 1}},     {{2, 2, 3, 3, 3, 4}, 2, {0, 0, 0, 0, 0, 0}},
-                      {{2, 2, 4, 5, 5, 5}, 3, {9, 9, 1, 2, 0, 2}},     {{1, 1, 1, 1, 4, 4}, 4, {4, 4, 4, 4, 4, 4}},
-                      {{1, 1, 1, 1, 4, 4}, 3, {9, 9, 3, 4, 0, 4}}};
-  for (const Row& row : rows) {
+  for (const Row& row :
+       {Row{{1, 5, 9, 10, 11, 12}, 6, {9, 9, 1, 2, 1, 2}}, Row{{1, 5, 9, 10, 11, 12}, 0, {9, 9, 9, 0, 9, 0}},
+        Row{{1, 5, 9, 10, 11, 12}, 13, {9, 9, 5, 9, 5, 9}}, Row{{2, 2, 2, 2, 2, 2}, 2, {2, 0, 2, 2, 0, 0}},
+        Row{{1, 2, 2, 2, 2, 3}, 2, {2, 1, 2, 2, 1, 1}}, Row{{2, 2, 3, 3, 3, 4}, 2, {0, 0, 0, 0, 0, 0}},
+        Row{{2, 2, 4, 5, 5, 5}, 3, {9, 9, 1, 2, 0, 2}}, Row{{1, 1, 1, 1, 4, 4}, 4, {4, 4, 4, 4, 4, 4}},
+        Row{{1, 1, 1, 1, 4, 4}, 3, {9, 9, 3, 4, 0, 4}}}) {
     const Vector v = VectorOf(row.values);
     const SubIntBase x = Element(row.x);
-    const std::vector<unsigned> found{v.Find(x),
-                                      v.ClusteredFind(x),
-                                      v.FindLowerBound(x, 0),
-                                      v.FindUpperBound(x, 0),
-                                      v.FindLowerBound(x, 1),
-                                      v.FindUpperBound(x, 1)};
-    EXPECT_EQ(Values(found.begin(), found.end()), row.found) << row.x << " in " << testing::PrintToString(row.values);
+    const unsigned found[] = {v.Find(x),
+                              v.ClusteredFind(x),
+                              v.FindLowerBound(x, 0),
+                              v.FindUpperBound(x, 0),
+                              v.FindLowerBound(x, 1),
+                              v.FindUpperBound(x, 1)};
+    EXPECT_EQ(Values(std::begin(found), std::end(found)), row.found)
+        << row.x << " in " << testing::PrintToString(row.values);
   }
 }
 

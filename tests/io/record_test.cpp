@@ -5,6 +5,7 @@
 #include "framework/Vokipstream.h"
 #include "framework/Vokopstream.h"
 #include "support/enumSets.h"
+#include "support/streamBytes.h"
 
 using namespace enumSets;
 
@@ -12,16 +13,12 @@ namespace {
 
 using Fields = std::vector<VokLong>;
 
-const std::string kHeader("VTOS\1\0\0\0", 8);
-
 std::string Record(const Fields& fields) {
-  std::string bytes = kHeader;
+  support::StreamItems items;
   for (const VokLong field : fields) {
-    for (unsigned shift = 0; shift < 32; shift += 8) {
-      bytes += static_cast<char>(static_cast<unsigned char>(VokToUnsigned(field) >> shift & 0xFFU));
-    }
+    items.emplace_back(VokToUnsigned(field));
   }
-  return bytes;
+  return support::StreamBytes(items);
 }
 
 std::string Written(const VokFenEnumInteger& set) {
@@ -87,7 +84,7 @@ TEST(EnumRecord, ACutOrHostileRecordReadsZerosForWhatIsMissing) {
   const Fields fields{0, 5, -7, 3, 12, 0, 5};
   const std::string whole = Record(fields);
   for (std::size_t length = 0; length < whole.size(); ++length) {
-    const std::size_t words = length < kHeader.size() ? 0 : (length - kHeader.size()) / 4;
+    const std::size_t words = std::max(length, Record({}).size()) / 4 - Record({}).size() / 4;
     VokFenEnumInteger expected = Nil();
     for (std::size_t i = 2; words >= 2 && i < fields.size(); ++i) {
       expected.Insert(i < words ? fields[i] : 0);

@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "narrowing/operations.h"
+#include "narrowing/departures.h"
 
 namespace narrowing {
 
@@ -55,19 +55,20 @@ inline std::string CheckMeaning(const Operation& op, const Case& c, const Model&
   if (givenNil || before.IsNil()) {
     return after.IsNil() ? "" : "not Nil";
   }
-  if (op.rule != nullptr && !before.any) {
-    if (const auto left = op.rule(c)) {
+  const Departure& departure = DepartureOf(op);
+  if (departure.rule != nullptr && !before.any) {
+    if (const auto left = departure.rule(c)) {
       return after.values == *left ? "" : "not as its rule says";
     }
   }
-  if (givenAny && !op.seesAny) {
+  if (givenAny && !departure.seesAny) {
     return after == before ? "" : "narrowed although nothing is known";
   }
   const Values supported = Supported(op, c);
   if (!after.any && !IsSubset(supported, after.values)) {
     return "unsound";
   }
-  return !op.tight || before.any || after.values == supported ? "" : "not tight";
+  return !departure.tight || before.any || after.values == supported ? "" : "not tight";
 }
 
 inline std::string Check(const Operation& op, const Case& c) {

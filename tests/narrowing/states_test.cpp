@@ -19,7 +19,7 @@ bool KnowsIntervals(const Operation& op) {
 
 // An inverse relation empties an interval when *this* is Nil; a function of two operands leaves it alone even then.
 TEST(NarrowingStates, GivenIntervalMakesNilAndNarrowedIntervalStays) {
-  for (const Operation& op : Operations()) {
+  for (const Operation& op : support::Operations()) {
     for (unsigned i = 1; i < op.operands && !KnowsIntervals(op); ++i) {
       Case c = {Parse("1 2"), Parse("1 2"), Parse("1 2")};
       c[i] = Parse("i 1 2");
@@ -53,7 +53,7 @@ TEST(NarrowingStates, EmptySetWithStrangeFlagIsLikeNil) {
   strange.Read(is);
   ASSERT_EQ(strange.GetCount(), 0U);
   ASSERT_FALSE(strange.IsUndefined() || strange.IsNil());
-  for (const Operation& op : Operations()) {
+  for (const Operation& op : support::Operations()) {
     for (unsigned i = 0; i < op.operands; ++i) {
       for (const char* text : {"-1 2", "s 2", "s Any"}) {
         std::array<support::Operand, 3> operands = {support::Operand(Parse("-1 2")), support::Operand(Parse(text)),

@@ -5,14 +5,12 @@
 #include <cstdint>
 
 #include "numbers/SubdefInt.h"
+#include "numbers/values.h"
 
 namespace {
 
 using Wide = std::int64_t;
 
-constexpr VokLong kMax = 2147483645;
-constexpr VokLong kNil = -2147483647 - 1;
-constexpr VokLong kAny = 2147483647;
 constexpr VokLong kGrid[] = {kNil, -kMax - 1, -kMax, -kMax + 1, -1073741823, -46341, -46340, -3,       -2,   -1,  0,
                              1,    2,         3,     46340,     46341,       65536,  7,      kMax - 1, kMax, kAny};
 
@@ -58,18 +56,20 @@ TEST(ElementArithmetic, OnlyDivisionByZeroRaisesTheErrorFlag) {
 
 TEST(SubdefInt, IntersectionTellsChangeAndRaisesTheFlagWhenEmpty) {
   struct Row {
-    VokLong lower, upper, otherLower, otherUpper, expectedLower, expectedUpper;
-    int changed, error;
+    Interval x, y;
+    VokLong lower, upper;
+    bool changed, error;
   };
-  for (const Row& row : {Row{0, 9, 3, 20, 3, 9, 1, 0}, Row{3, 5, 0, 9, 3, 5, 0, 0}, Row{0, 5, 5, 9, 5, 5, 1, 0},
-                         Row{-kMax, kMax, -kMax, kMax, -kMax, kMax, 0, 0}, Row{0, 4, 5, 9, 5, 4, 1, 1}}) {
+  for (const Row& row : {Row{{0, 9}, {3, 20}, 3, 9, true, false}, Row{{3, 5}, {0, 9}, 3, 5, false, false},
+                         Row{{0, 5}, {5, 9}, 5, 5, true, false}, Row{{}, {}, kMin, kMax, false, false},
+                         Row{{0, 4}, {5, 9}, 5, 4, true, true}}) {
     SDClearError();
-    SubdefInt x(row.lower, row.upper);
-    SubdefInt y(row.otherLower, row.otherUpper);
-    EXPECT_EQ(x.SDIntersect(y) != 0, row.changed != 0);
-    EXPECT_EQ(VokLong{x.fLower}, row.expectedLower);
-    EXPECT_EQ(VokLong{x.fUpper}, row.expectedUpper);
-    EXPECT_EQ(SDCheckError() != 0, row.error != 0);
+    SubdefInt x = row.x;
+    SubdefInt y = row.y;
+    EXPECT_EQ(x.SDIntersect(y) != 0, row.changed);
+    EXPECT_EQ(VokLong{x.fLower}, row.lower);
+    EXPECT_EQ(VokLong{x.fUpper}, row.upper);
+    EXPECT_EQ(SDCheckError() != 0, row.error);
   }
   SDClearError();
 }

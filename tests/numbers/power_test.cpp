@@ -2,23 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <optional>
 #include <set>
 
-#include "numbers/VokFenIntervalInteger.h"
+#include "numbers/values.h"
 
 namespace {
-
-constexpr VokLong kMax = SubIntBase::sMax;
-constexpr VokLong kMin = SubIntBase::sMin;
-constexpr VokLong kNil = -2147483647 - 1;
-constexpr VokLong kAny = 2147483647;
-
-VokLong PowerOf(VokLong a, VokLong e) {
-  VokFenSingleInteger power(77);
-  power.CalcPowerValue(VokFenSingleInteger(a), VokFenSingleInteger(e));
-  return power.GetExactValue();
-}
 
 // The power by repeated multiplication; kNil when there is none.
 VokLong SlowPower(std::int64_t a, VokLong e) {
@@ -26,13 +14,10 @@ VokLong SlowPower(std::int64_t a, VokLong e) {
     return std::abs(a) != 1 ? kNil : a == 1 || e % 2 == 0 ? 1 : -1;
   }
   std::int64_t power = 1;
-  for (VokLong i = 0; i < e; ++i) {
+  for (VokLong i = 0; i < e && std::abs(power) < kMax; ++i) {
     power *= a;
-    if (std::abs(power) >= kMax) {
-      return kNil;
-    }
   }
-  return static_cast<VokLong>(power);
+  return std::abs(power) < kMax ? static_cast<VokLong>(power) : kNil;
 }
 
 const std::set<VokLong> kBases = {0,    1,    2,     3,     4,     7,        10,       46,     215,    216,
@@ -40,59 +25,56 @@ const std::set<VokLong> kBases = {0,    1,    2,     3,     4,     7,        10,
                                   -10,  -46,  -215,  -216,  -1290, -1291,    -46340,   -46341, -92681, kMin + 1};
 
 TEST(SinglePower, IsExactAndOverwrites) {
+  const auto powerOf = [](VokLong a, VokLong e) {
+    Single power(77);
+    power.CalcPowerValue(Single(a), Single(e));
+    return power.GetExactValue();
+  };
   for (const VokLong a : kBases) {
     for (VokLong e = -4; e <= 40; ++e) {
-      EXPECT_EQ(PowerOf(a, e), SlowPower(a, e)) << a << " ^ " << e;
+      EXPECT_EQ(powerOf(a, e), SlowPower(a, e)) << a << " ^ " << e;
     }
   }
-  struct Row {
-    VokLong a, e, power;
-  };
-  for (const Row& row : {Row{0, kMax, 0}, Row{1, kMax, 1}, Row{-1, kMax, -1}, Row{-1, kMax - 1, 1}, Row{-1, kMin, -1},
-                         Row{1, kMin, 1}, Row{0, kMin, kNil}, Row{2, kMax, kNil}, Row{kMax, 1, kNil}, Row{kMax, 0, 1},
-                         Row{kAny, 2, kAny}, Row{2, kAny, kAny}, Row{kNil, 2, kNil}, Row{2, kNil, kNil}}) {
-    EXPECT_EQ(PowerOf(row.a, row.e), row.power) << row.a << " ^ " << row.e;
+  const VokLong rows[][3] = {{0, kMax, 0},    {1, kMax, 1},    {-1, kMax, -1},  {-1, kMax - 1, 1}, {-1, kMin, -1},
+                             {1, kMin, 1},    {0, kMin, kNil}, {2, kMax, kNil}, {kMax, 1, kNil},   {kMax, 0, 1},
+                             {kAny, 2, kAny}, {2, kAny, kAny}, {kNil, 2, kNil}, {2, kNil, kNil}};
+  for (const auto& [a, e, power] : rows) {
+    EXPECT_EQ(powerOf(a, e), power) << a << " ^ " << e;
   }
-  VokFenSingleInteger power(8);
-  EXPECT_EQ(power.CalcPowerValue(VokFenSingleInteger(2), VokFenSingleInteger(3)), 0);
+  Single power(8);
+  EXPECT_EQ(power.CalcPowerValue(Single(2), Single(3)), 0);
   EXPECT_EQ(power.CalcPowerValue(power, power), 1);
   EXPECT_EQ(power.GetExactValue(), 16777216);
 }
 
-using Hull = std::optional<std::pair<VokLong, VokLong>>;
-
-Hull HullOf(const VokFenIntervalInteger& x) {
-  return x.IsNil() != 0 ? Hull() : Hull(std::pair(x.GetLowerBound(), x.GetUpperBound()));
-}
-
-// Results to try: powers and their neighbours.
-std::set<VokLong> Results(VokLong e) {
-  std::set<VokLong> results = {-9, -8, -1, 0, 1, 2, 7, 8, 9, kMax - 1, kMin + 1};
-  for (const VokLong a : kBases) {
-    const VokLong power = SlowPower(a, e);
-    if (power != kNil) {
-      results.insert({power, std::max(power - 1, kMin + 1), std::min(power + 1, kMax - 1)});
-    }
+// The smallest interval with those of the values that fit.
+template <class Range, class Fits>
+std::string HullOf(const Range& values, Fits fits) {
+  VokLong lower = kMax, upper = kMin;
+  for (const VokLong v : values) {
+    lower = fits(v) ? std::min(lower, v) : lower;
+    upper = fits(v) ? std::max(upper, v) : upper;
   }
-  return results;
+  return Show(Interval(lower, upper));
 }
 
 TEST(IntervalPower, BasesAreTheHullOfTheRootsInside) {
   for (VokLong e = 1; e <= 33; ++e) {
-    for (const VokLong z : Results(e)) {
+    std::set<VokLong> results = {-9, -8, -1, 0, 1, 2, 7, 8, 9, kMax - 1, kMin + 1};
+    for (const VokLong a : kBases) {
+      if (const VokLong power = SlowPower(a, e); power != kNil) {
+        results.insert({power, std::max(power - 1, kMin + 1), std::min(power + 1, kMax - 1)});
+      }
+    }
+    for (const VokLong z : results) {
       const VokLong root = static_cast<VokLong>(std::llround(std::pow(std::abs(static_cast<double>(z)), 1.0 / e)));
-      for (const auto& [lower, upper] :
-           {std::pair(kMin, kMax), std::pair(-5, 5), std::pair(-2, kMax), std::pair(2, 3)}) {
-        Hull expected;
-        for (VokLong x : {-root - 1, -root, 1 - root, -1, 0, 1, root - 1, root, root + 1}) {
-          if (lower <= x && x <= upper && SlowPower(x, e) == z) {
-            expected =
-                expected ? std::pair(std::min(expected->first, x), std::max(expected->second, x)) : std::pair(x, x);
-          }
-        }
-        VokFenIntervalInteger x(lower, upper);
-        EXPECT_EQ(VokFenIntervalInteger(z, z).CalcFirstInversePowerValue(x, VokFenSingleInteger(e)), 1);
-        EXPECT_EQ(HullOf(x), expected) << "x ^ " << e << " = " << z << ", x in " << lower << ", " << upper;
+      for (const Interval& bases : {Interval(), Interval(-5, 5), Interval(-2, kMax), Interval(2, 3)}) {
+        Interval x = bases;
+        EXPECT_EQ(Interval(z, z).CalcFirstInversePowerValue(x, Single(e)), 1);
+        EXPECT_EQ(Show(x),
+                  HullOf(std::initializer_list<VokLong>{-root - 1, -root, 1 - root, -1, 0, 1, root - 1, root, root + 1},
+                         [&](VokLong a) { return bases.IsPossible(a) && SlowPower(a, e) == z; }))
+            << "x ^ " << e << " = " << z << ", x in " << Show(bases);
       }
     }
   }
@@ -100,23 +82,17 @@ TEST(IntervalPower, BasesAreTheHullOfTheRootsInside) {
 
 TEST(IntervalPower, BasesOfSpecialExponents) {
   struct Row {
-    VokLong zLower, zUpper, e, lower, upper;
-    Hull expected;
+    const char* power;
+    VokLong exponent;
+    const char *base, *left;
   };
-  const Row rows[] = {
-      {9, 9, 2, -5, 5, std::pair(-3, 3)},           {8, 8, 3, kMin, kMax, std::pair(2, 2)},
-      {-8, -8, 3, kMin, kMax, std::pair(-2, -2)},   {-4, -4, 2, kMin, kMax, std::nullopt},
-      {1, 1, 0, kMin, kMax, std::pair(kMin, kMax)}, {2, 2, 0, -5, 5, std::nullopt},
-      {1, 1, -2, kMin, kMax, std::pair(-1, 1)},     {1, 1, -3, kMin, kMax, std::pair(1, 1)},
-      {-1, -1, kMin, -7, 7, std::pair(-1, -1)},     {2, 2, -1, kMin, kMax, std::nullopt},
-      {-1, 1, -1, 0, 5, std::pair(1, 1)},           {kMin, kMax, 2, kMin, kMax, std::pair(kMin, kMax)},
-      {kMax, kMax, 1, kMin, kMax, std::nullopt},    {10, 100, 2, kMin, kMax, std::pair(-10, 10)},
-      {10, 100, 2, -3, 50, std::pair(4, 10)},       {-100, 10, 3, kMin, kMax, std::pair(-4, 2)},
-  };
-  for (const Row& row : rows) {
-    VokFenIntervalInteger x(row.lower, row.upper);
-    VokFenIntervalInteger(row.zLower, row.zUpper).CalcFirstInversePowerValue(x, VokFenSingleInteger(row.e));
-    EXPECT_EQ(HullOf(x), row.expected) << "x ^ " << row.e << " in " << row.zLower << ", " << row.zUpper;
+  for (const Row& row : {Row{"1", 0, "Any", "Any"}, Row{"1", -2, "Any", "[-1, 1]"}, Row{"-1", kMin, "[-7, 7]", "-1"},
+                         Row{"[-1, 1]", -1, "[0, 5]", "1"}, Row{"Any", 2, "Any", "Any"}, Row{"Max", 1, "Any", "Nil"},
+                         Row{"[10, 100]", 2, "Any", "[-10, 10]"}, Row{"[10, 100]", 2, "[-3, 50]", "[4, 10]"},
+                         Row{"[-100, 10]", 3, "Any", "[-4, 2]"}}) {
+    Interval x = IntervalOf(row.base);
+    IntervalOf(row.power).CalcFirstInversePowerValue(x, Single(row.exponent));
+    EXPECT_EQ(Show(x), row.left) << "x ^ " << row.exponent << " in " << row.power;
   }
 }
 
@@ -124,22 +100,20 @@ TEST(IntervalPower, ExponentsOfAKnownBaseAreTheirHull) {
   for (const VokLong a : kBases) {
     for (VokLong lower = -4; lower <= 40; ++lower) {
       for (const VokLong z : {std::max(kMin + 1, SlowPower(a, lower)), -27, -8, -1, 0, 1, 2, 8, 9, 1024}) {
-        for (const VokLong upper : {lower, lower + 1, lower + 20}) {
-          Hull expected;
-          for (VokLong e = lower; e <= upper; ++e) {
-            if (SlowPower(a, e) == z) {
-              expected = std::pair(expected ? expected->first : e, e);
-            }
+        for (const VokLong width : {1, 2, 21}) {
+          std::vector<VokLong> exponents;
+          for (VokLong e = lower; e < lower + width; ++e) {
+            exponents.push_back(e);
           }
-          VokFenIntervalInteger b(lower, upper);
-          VokFenIntervalInteger(z, z).CalcSecondInversePowerValue(VokFenIntervalInteger(a, a), b);
-          EXPECT_EQ(HullOf(b), expected) << a << " ^ b = " << z << ", b from " << lower << " to " << upper;
+          Interval b(lower, exponents.back());
+          Interval(z, z).CalcSecondInversePowerValue(Interval(a, a), b);
+          EXPECT_EQ(Show(b), HullOf(exponents, [&](VokLong e) { return SlowPower(a, e) == z; })) << a << " ^ b = " << z;
         }
       }
     }
   }
-  VokFenIntervalInteger b;
-  EXPECT_EQ(VokFenIntervalInteger(1, 1).CalcSecondInversePowerValue(VokFenIntervalInteger(1, 1), b), 0);
+  Interval b;
+  EXPECT_EQ(Interval(1, 1).CalcSecondInversePowerValue(Interval(1, 1), b), 0);
   EXPECT_NE(b.IsUndefined(), 0);
 }
 

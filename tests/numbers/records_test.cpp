@@ -1,29 +1,14 @@
 // The records of the value classes in the object streams, their descriptors and their identities.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <sstream>
+#include <memory>
 
 #include "framework/VokStreamableClass.h"
 #include "framework/Vokipstream.h"
 #include "framework/Vokopstream.h"
-#include "numbers/VokFenIntervalInteger.h"
-#include "numbers/VokFenSingleBoolean.h"
+#include "numbers/values.h"
 
 namespace {
-
-using Single = VokFenSingleInteger;
-using Interval = VokFenIntervalInteger;
-using Boolean = VokFenSingleBoolean;
-
-constexpr VokLong kMax = SubIntBase::sMax;
-constexpr VokLong kNil = -2147483647 - 1;
-
-std::string Show(const VokTarnObject& v) {
-  std::ostringstream os;
-  v.PrintOn(os);
-  return os.str();
-}
 
 // Writes `fields` as a record and reads it into a value of the type; "failed" with the state left behind.
 template <class Value, class Field>
@@ -39,7 +24,7 @@ std::string Read(std::initializer_list<Field> fields) {
   return (is.IsFailed() ? "failed " : "") + Show(value);
 }
 
-TEST(Records, AreReadBackAndCheckedAgainstTheStates) {
+TEST(NumberRecords, AreReadBackAndCheckedAgainstTheStates) {
   EXPECT_EQ(Read<Single>({-7L}), "-7");
   EXPECT_EQ(Read<Single>({2147483647L}), "Any");
   EXPECT_EQ(Read<Single>({-2147483648L}), "Nil");
@@ -57,65 +42,48 @@ TEST(Records, AreReadBackAndCheckedAgainstTheStates) {
 }
 
 template <class Value>
-void ExpectRoundTrip(const Value& value) {
-  std::stringstream bytes;
-  Vokopstream os(bytes);
-  Value::writeRef(os, value);
-  Value::writePtr(os, &value);
-  Value::writePtr(os, nullptr);
-  Vokipstream is(bytes);
-  Value same;
-  Value::readRef(is, same);
-  EXPECT_EQ(Show(same), Show(value));
-  Value* pointer = nullptr;
-  Value::readPtr(is, pointer);
-  EXPECT_EQ(pointer, &same) << "one object is written once";
-  Value::readPtr(is, pointer);
-  EXPECT_EQ(pointer, nullptr);
-  EXPECT_FALSE(is.IsFailed());
-}
-
-TEST(Records, RoundTripThroughTheObjectStreams) {
-  for (const Single& value : {Single(5), Single(), Single(kNil), Single(kMax)}) {
-    ExpectRoundTrip(value);
-  }
-  for (const Interval& value : {Interval(-5, 9), Interval(), Interval(1, 0), Interval(4, kMax)}) {
-    ExpectRoundTrip(value);
-  }
-  for (const Boolean& value : {Boolean(), Boolean(true), Boolean(false)}) {
-    ExpectRoundTrip(value);
+void ExpectRoundTrip(std::initializer_list<Value> values) {
+  for (const Value& value : values) {
+    std::stringstream bytes;
+    Vokopstream os(bytes);
+    Value::writeRef(os, value);
+    Value::writePtr(os, &value);
+    Value::writePtr(os, nullptr);
+    Value::writePtr(os, &value);
+    Vokipstream is(bytes);
+    Value same;
+    Value::readRef(is, same);
+    EXPECT_EQ(Show(same), Show(value));
+    Value *pointer = nullptr, *none = &same;
+    Value::readPtr(Value::readPtr(is, pointer), none);
+    EXPECT_EQ(pointer, &same) << "one object is written once";
+    EXPECT_EQ(none, nullptr);
+    EXPECT_FALSE(is.IsFailed());
+    using Other = std::conditional_t<std::is_same_v<Value, Single>, Interval, Single>;
+    Other* other = nullptr;
+    Other::readPtr(is, other);
+    EXPECT_EQ(other, nullptr);
+    EXPECT_TRUE(is.IsFailed()) << "an object of another class";
   }
 }
 
-TEST(Records, AnObjectOfAnotherClassFailsTheStream) {
-  std::stringstream bytes;
-  Vokopstream os(bytes);
-  const Single value(5);
-  Single::writeRef(os, value);
-  Single::writeRef(os, value);
-  Vokipstream is(bytes);
-  Single same;
-  Single::readRef(is, same);
-  Interval* interval = nullptr;
-  Interval::readPtr(is, interval);
-  EXPECT_EQ(interval, nullptr);
-  EXPECT_TRUE(is.IsFailed());
+TEST(NumberRecords, RoundTripThroughTheObjectStreams) {
+  ExpectRoundTrip({Single(5), Single(), Single(kNil), Single(kMax)});
+  ExpectRoundTrip({Interval(-5, 9), Interval(), Interval(1, 0), Interval(4, kMax)});
+  ExpectRoundTrip({Boolean(), Boolean(true), Boolean(false)});
 }
 
+// `expected` is what the type makes of nothing and of the lists {0}, {1, -3}, {3, -3, 8, 2} and {2, 0, 1}.
 template <class Value>
-class Types : public testing::Test {};
-using AllTypes = testing::Types<Single, Interval, Boolean>;
-TYPED_TEST_SUITE(Types, AllTypes);
-
-TYPED_TEST(Types, AreRegisteredAndKnowTheirIdentity) {
-  const TypeParam value;
-  const std::string name = TypeParam::CastableIdent;
-  EXPECT_NE(TypeParam::CastableIdent, TypeParam::sIdent);
-  EXPECT_EQ(name, TypeParam::sIdent);
-  EXPECT_EQ(value.CastableID(), TypeParam::CastableIdent);
-  EXPECT_EQ(value.IsDerivedFrom(TypeParam::sIdent), 1);
+void ExpectType(const char* typeName, const std::string& expected) {
+  const Value value;
+  const std::string name = Value::CastableIdent;
+  EXPECT_NE(Value::CastableIdent, Value::sIdent);
+  EXPECT_EQ(name, Value::sIdent);
+  EXPECT_EQ(value.CastableID(), Value::CastableIdent);
+  EXPECT_EQ(value.IsDerivedFrom(Value::sIdent), 1);
   EXPECT_EQ(value.IsDerivedFrom(VokTarnAny::sIdent), 1);
-  EXPECT_EQ(value.IsDerivedFrom(TypeParam::CastableIdent), 0) << "identities are addresses";
+  EXPECT_EQ(value.IsDerivedFrom(Value::CastableIdent), 0) << "identities are addresses";
   for (const std::string& streamable : {name, name + "_Descriptor"}) {
     const VokStreamableClass* const known = VokStreamableClass::Find(streamable);
     ASSERT_NE(known, nullptr);
@@ -124,43 +92,30 @@ TYPED_TEST(Types, AreRegisteredAndKnowTheirIdentity) {
     EXPECT_EQ(made->CastableID(), streamable);
     EXPECT_EQ(known->Build(made.get()), made.get());
   }
-}
 
-// Builds a value from a list and shows it.
-std::string Built(const VokTarnObjectDescriptor& descriptor, const std::vector<VokLong>& list) {
-  std::vector<std::max_align_t> place(descriptor.GetObjectSize() / sizeof(std::max_align_t) + 1);
-  void* const built =
-      list.empty() ? descriptor.InitObject(place.data()) : descriptor.InitObject(place.data(), list.data());
-  EXPECT_EQ(built, place.data());
-  auto* const object = static_cast<VokTarnObject*>(built);
-  const std::string text = Show(*object);
-  descriptor.DestroyObject(object);
-  return text;
-}
-
-TEST(Descriptors, BuildUndefinedValuesAndValuesFromLists) {
-  struct Row {
-    std::unique_ptr<VokTarnObjectDescriptor> descriptor;
-    const char* name;
-    std::array<const char*, 5> built;
-  };
-  Row rows[] = {
-      {std::unique_ptr<VokTarnObjectDescriptor>(Single::MakeDescriptor()), "int", {"Any", "Nil", "-3", "Any", "Any"}},
-      {std::unique_ptr<VokTarnObjectDescriptor>(Interval::MakeDescriptor()),
-       "interval int",
-       {"Any", "Nil", "-3", "[-3, 8]", "[0, 1]"}},
-      {std::unique_ptr<VokTarnObjectDescriptor>(Boolean::MakeDescriptor()), "bool", {"Any", "Nil", "1", "1", "Any"}}};
-  const std::vector<VokLong> lists[] = {{}, {0}, {1, -3}, {3, -3, 8, 2}, {2, 0, 1}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(row.descriptor->GetName().View(), row.name);
-    EXPECT_EQ(row.descriptor->InitObject(nullptr), nullptr);
-    EXPECT_EQ(row.descriptor->InitObject(nullptr, lists[1].data()), nullptr);
-    for (std::size_t i = 0; i < std::size(lists); ++i) {
-      EXPECT_EQ(Built(*row.descriptor, lists[i]), row.built[i]) << row.name;
-    }
+  const std::unique_ptr<VokTarnObjectDescriptor> descriptor(Value::MakeDescriptor());
+  EXPECT_EQ(value.GetDescriptor(), descriptor.get());
+  EXPECT_EQ(descriptor->GetName().View(), typeName);
+  EXPECT_EQ(descriptor->GetObjectSize(), sizeof(Value));
+  EXPECT_EQ(descriptor->InitObject(nullptr), nullptr);
+  EXPECT_EQ(descriptor->InitObject(nullptr, &kMax), nullptr);
+  alignas(Value) std::byte place[sizeof(Value)];
+  const VokLong lists[][4] = {{}, {0}, {1, -3}, {3, -3, 8, 2}, {2, 0, 1}};
+  std::string built;
+  for (const auto& list : lists) {
+    void* const made = &list == &lists[0] ? descriptor->InitObject(place) : descriptor->InitObject(place, list);
+    ASSERT_EQ(made, place);
+    built += Show(*static_cast<VokTarnObject*>(made)) + "; ";
+    descriptor->DestroyObject(static_cast<VokTarnObject*>(made));
   }
-  EXPECT_EQ(Single().GetDescriptor(), rows[0].descriptor.get());
-  Single::sDescriptor = Interval::sDescriptor = Boolean::sDescriptor = nullptr;
+  EXPECT_EQ(built, expected);
+  Value::sDescriptor = nullptr;
+}
+
+TEST(NumberTypes, AreRegisteredKnowTheirIdentityAndBuildValues) {
+  ExpectType<Single>("int", "Any; Nil; -3; Any; Any; ");
+  ExpectType<Interval>("interval int", "Any; Nil; -3; [-3, 8]; [0, 1]; ");
+  ExpectType<Boolean>("bool", "Any; Nil; 1; 1; Any; ");
 }
 
 }  // namespace

@@ -12,10 +12,9 @@
 #include <variant>
 
 #include "support/enumSets.h"
+#include "support/operations.h"
 
 namespace support {
-
-using Values = std::vector<VokLong>;
 
 struct Model {
   char kind = 'e';  // e, s or i

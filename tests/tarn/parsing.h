@@ -11,14 +11,12 @@ inline tarn::Vocabulary MakeVocabulary() {
   for (const char* type : {"int", "enum int", "bool"}) {
     vocabulary.AddType(type);
   }
-  for (const char* name : {"gcd", "<=>", "**"}) {
-    vocabulary.AddOperator(name, 2);
-  }
-  for (const char* name : {"parity", "~"}) {
-    vocabulary.AddOperator(name, 1);
-  }
-  for (const char* name : {"all different", "all", "sorted"}) {
-    vocabulary.AddOperator(name, 0);
+  const std::vector<const char*> operators[] = {
+      {"all different", "all", "sorted"}, {"parity", "~"}, {"gcd", "<=>", "**"}};  // of lists, one and two operands
+  for (unsigned operands = 0; operands < 3; ++operands) {
+    for (const char* name : operators[operands]) {
+      vocabulary.AddOperator(name, operands);
+    }
   }
   return vocabulary;
 }
@@ -49,28 +47,23 @@ class Reader {
   }
 
  private:
-  static std::string Text(const tarn::Word& word) { return std::string(word.fText); }
-
-  std::string Show(const tarn::Use& use) const { return std::string("use ") + Text(use.fModule); }
+  std::string Show(const tarn::Use& use) const { return "use " + std::string(use.fModule.fText); }
   std::string Show(const tarn::Declaration& declaration) const {
-    std::string result;
+    std::string names;
     for (const tarn::Word& name : declaration.fNames) {
-      result += Text(name) + " ";
+      names += std::string(name.fText) + " ";
     }
-    return result + ": <" + Text(declaration.fType) + ">" + declaration.fDomain;
+    return names + ": <" + std::string(declaration.fType.fText) + ">" + declaration.fDomain;
   }
   std::string Show(const tarn::Formula& formula) const {
     using Kind = tarn::Formula::Kind;
+    const auto op = [&formula](std::size_t i) { return std::string(formula.fOperators[i].fText) + " "; };
     std::string result = formula.fKind == Kind::Minimize   ? "minimize "
                          : formula.fKind == Kind::Maximize ? "maximize "
+                         : formula.fKind == Kind::List     ? op(0)
                                                            : "";
-    if (formula.fKind == Kind::List) {
-      result = Text(formula.fOperators[0]) + " ";
-    }
     for (std::size_t i = 0; i < formula.fRoots.size(); ++i) {
-      if (i > 0) {
-        result += formula.fKind == Kind::List ? ", " : std::string(" ") + Text(formula.fOperators[i - 1]) + " ";
-      }
+      result += i == 0 ? "" : formula.fKind == Kind::List ? ", " : " " + op(i - 1);
       result += Show(formula, formula.fRoots[i]);
     }
     return result;
@@ -80,11 +73,11 @@ class Reader {
     const std::string text(node.fText);
     switch (node.fKind) {
       case tarn::Node::Kind::Unary:
-        return std::string("(") + text + " " + Show(formula, node.fLeft) + ")";
+        return "(" + text + " " + Show(formula, node.fLeft) + ")";
       case tarn::Node::Kind::Binary:
-        return std::string("(") + Show(formula, node.fLeft) + " " + text + " " + Show(formula, node.fRight) + ")";
+        return "(" + Show(formula, node.fLeft) + " " + text + " " + Show(formula, node.fRight) + ")";
       case tarn::Node::Kind::Cast:
-        return std::string("<") + text + ">" + Show(formula, node.fLeft);
+        return "<" + text + ">" + Show(formula, node.fLeft);
       default:
         return text;
     }

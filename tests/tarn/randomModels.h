@@ -12,32 +12,20 @@
 using Assignment = std::vector<int>;
 using Value = std::optional<long long>;  // nothing: the expression has no value
 
+// A statement holds where its value is 1.
 struct RandomExpression {
   std::string fText;
   std::function<Value(const Assignment&)> fValue;
 };
 
-struct RandomStatement {
-  std::string fText;
-  std::function<bool(const Assignment&)> fHolds;
-};
-
-struct RandomVariable {
-  std::string fName;
-  bool fIsBoolean;
-  std::vector<int> fDomain;
-};
-
 class RandomModel {
  public:
   explicit RandomModel(unsigned seed) : fRandom(seed) {
-    const int variables = Pick(2, 4);
-    for (int i = 0; i < variables; ++i) {
-      Declare(i);
+    for (int i = Pick(2, 4); i > 0; --i) {
+      Declare();
     }
-    const int statements = Pick(1, 4);
-    for (int i = 0; i < statements; ++i) {
-      fStatements.push_back(MakeStatement());
+    for (int i = Pick(1, 4); i > 0; --i) {
+      fStatements.push_back(Statement());
       fText += fStatements.back().fText + ";\n";
     }
   }
@@ -48,45 +36,60 @@ class RandomModel {
 
   // Every assignment that satisfies the model, by plain enumeration in ascending order.
   std::vector<Assignment> Enumerate() const {
-    std::vector<Assignment> solutions;
-    Assignment assignment;
-    Enumerate(assignment, solutions);
-    return solutions;
+    std::vector<Assignment> all{{}};
+    for (const Variable& variable : fVariables) {
+      std::vector<Assignment> longer;
+      for (const Assignment& assignment : all) {
+        for (const int v : variable.fDomain) {
+          longer.push_back(assignment);
+          longer.back().push_back(v);
+        }
+      }
+      all = std::move(longer);
+    }
+    std::erase_if(all, [this](const Assignment& a) {
+      return !std::ranges::all_of(fStatements, [&a](const RandomExpression& s) { return s.fValue(a) == 1; });
+    });
+    return all;
   }
 
  private:
+  struct Variable {
+    std::string fName;
+    bool fIsBoolean;
+    std::vector<int> fDomain;
+  };
+
   int Pick(int from, int to) { return std::uniform_int_distribution<int>(from, to)(fRandom); }
   template <class T>
-  T PickOf(std::initializer_list<T> choices) {
-    return *(choices.begin() + Pick(0, static_cast<int>(choices.size()) - 1));
+  T PickOf(const std::vector<T>& choices) {
+    return choices[static_cast<std::size_t>(Pick(0, static_cast<int>(choices.size()) - 1))];
   }
 
-  void Declare(int index) {
-    RandomVariable variable{std::string(1, static_cast<char>('a' + index)), Pick(0, 5) == 0, {}};
+  void Declare() {
+    Variable variable{std::string(1, static_cast<char>('a' + fVariables.size())), Pick(0, 5) == 0, {}};
+    std::string domain = "bool";
     if (variable.fIsBoolean) {
       variable.fDomain = {0, 1};
-      fText += variable.fName + " : bool;\n";
-    } else if (Pick(0, 3) == 0) {
-      const int lower = Pick(-4, 4);
-      const int upper = lower + Pick(0, 5);
-      for (int v = lower; v <= upper; ++v) {
-        variable.fDomain.push_back(v);
-      }
-      fText += variable.fName + " : interval int [" + std::to_string(lower) + ", " + std::to_string(upper) + "];\n";
     } else {
+      const bool isInterval = Pick(0, 3) == 0;
+      const int lower = isInterval ? Pick(-4, 4) : -4;
+      const int upper = isInterval ? lower + Pick(0, 5) : 5;
       std::string list;
-      for (int v = -4; v <= 5; ++v) {
-        if (Pick(0, 1) == 0) {
+      for (int v = lower; v <= upper; ++v) {
+        if (isInterval || Pick(0, 1) == 0) {
           variable.fDomain.push_back(v);
-          list += (list.empty() ? "" : ", ") + std::to_string(v);
+          list += (list.empty() ? "{" : ", ") + std::to_string(v);
         }
       }
-      fText += variable.fName + " : enum int " + (list.empty() ? "Nil" : "{" + list + "}") + ";\n";
+      domain = isInterval ? "interval int [" + std::to_string(lower) + ", " + std::to_string(upper) + "]"
+                          : "enum int " + (list.empty() ? "Nil" : list + "}");
     }
+    fText += variable.fName + " : " + domain + ";\n";
     fVariables.push_back(variable);
   }
 
-  RandomExpression Variable(bool isBoolean) {
+  RandomExpression AnyVariable(bool isBoolean) {
     std::vector<std::size_t> fitting;
     for (std::size_t i = 0; i < fVariables.size(); ++i) {
       if (fVariables[i].fIsBoolean == isBoolean) {
@@ -96,197 +99,134 @@ class RandomModel {
     if (fitting.empty()) {
       return isBoolean ? Comparison(0) : Constant();
     }
-    const std::size_t i = fitting[static_cast<std::size_t>(Pick(0, static_cast<int>(fitting.size()) - 1))];
+    const std::size_t i = PickOf(fitting);
     return {fVariables[i].fName, [i](const Assignment& a) { return a[i]; }};
   }
 
   RandomExpression Constant() {
-    const int v = Pick(0, 19) == 0 ? PickOf({46341, 65536, 1 << 30, 2147483644, -2147483644}) : Pick(-4, 6);
+    const int v = Pick(0, 19) == 0 ? PickOf<int>({46341, 65536, 1 << 30, 2147483644, -2147483644}) : Pick(-4, 6);
     // As the base of a power, a number without parentheses would lose its sign to the power.
-    return {v < 0 ? std::string("(") + std::to_string(v) + ")" : std::to_string(v),
-            [v](const Assignment&) { return v; }};
+    return {v < 0 ? "(" + std::to_string(v) + ")" : std::to_string(v), [v](const Assignment&) { return v; }};
   }
 
   // The ends of the integer range stand for everything beyond them: arithmetic does not reach them.
-  static Value Limit(long long x) { return std::llabs(x) >= 2147483645 ? Value() : x; }
-
-  template <class Function>
-  static RandomExpression Combine(const std::string& op, const RandomExpression& a, const RandomExpression& b,
-                                  Function f) {
-    return {"(" + a.fText + " " + op + " " + b.fText + ")",
-            [a = a.fValue, b = b.fValue, f](const Assignment& assignment) -> Value {
-              const Value x = a(assignment);
-              const Value y = b(assignment);
-              const Value result = x && y ? f(*x, *y) : Value();
-              return result ? Limit(*result) : result;
-            }};
-  }
+  static Value Limit(const Value& x) { return x && std::llabs(*x) < 2147483645 ? x : Value(); }
 
   static Value Power(long long x, long long y) {
-    if (y < 0) {
-      return x == 1 || x == -1 ? Power(x, -y) : Value();
+    if (x == 1 || x == -1) {
+      return y % 2 == 0 ? 1 : x;
     }
-    long long power = 1;
-    for (long long i = 0; i < y && x != 1; ++i) {
-      power *= x;
-      if (std::llabs(power) >= 2147483645) {
-        return {};
-      }
-      if (x == -1 || x == 0) {
-        return x == 0 ? 0 : y % 2 == 0 ? 1 : -1;
-      }
+    if (y < 0 || (x == 0 && y > 0)) {
+      return y < 0 ? Value() : 0;
+    }
+    Value power = 1;
+    for (; power && y > 0; --y) {
+      power = Limit(*power * x);
     }
     return power;
   }
 
+  // Of a prefix operation x is 0 and y the operand.
   static Value Calculate(const std::string& op, long long x, long long y) {
-    switch (op[0]) {
-      case '+':
-        return x + y;
-      case '-':
-        return x - y;
-      case '*':
-        return x * y;
-      case 'm':
-        return y == 0 ? Value() : x % y;
-      case '^':
-        return Power(x, y);
-      case '/':
-        return op.size() > 1 ? std::min(x, y) : y == 0 || x % y != 0 ? Value() : x / y;
-      default:
-        return std::max(x, y);
-    }
+    return op == "+"                   ? x + y
+           : op == "-"                 ? x - y
+           : op == "*"                 ? x * y
+           : op == "/"                 ? (y == 0 || x % y != 0 ? Value() : x / y)
+           : op == "mod"               ? (y == 0 ? Value() : x % y)
+           : op == "^"                 ? Power(x, y)
+           : op == "/\\"               ? std::min(x, y)
+           : op == "\\/"               ? std::max(x, y)
+           : op == "abs"               ? std::llabs(y)
+           : op == "sign"              ? (y > 0) - (y < 0)
+           : op == "next"              ? y + 1
+           : op == "prev"              ? y - 1
+           : op == "!"                 ? 1 - y
+           : op == "&&"                ? x * y
+           : op == "||"                ? x + y - x * y
+           : op == "->"                ? 1 - x + x * y
+           : op == "<>"                ? x != y
+           : op == "<" || op == "<<"   ? x < y
+           : op == "<=" || op == "<==" ? x <= y
+           : op == ">" || op == ">>"   ? x > y
+           : op == ">=" || op == ">==" ? x >= y
+                                       : x == y;
+  }
+
+  static RandomExpression Combine(const std::string& op, const RandomExpression& a, const RandomExpression& b) {
+    return {"(" + a.fText + " " + op + " " + b.fText + ")", [a = a.fValue, b = b.fValue, op](const Assignment& values) {
+              const Value x = a(values), y = b(values);
+              return x && y ? Limit(Calculate(op, *x, *y)) : Value();
+            }};
+  }
+
+  static RandomExpression Prefix(const std::string& op, const RandomExpression& a) {
+    return {"(" + op + " (" + a.fText + "))", [a = a.fValue, op](const Assignment& values) {
+              const Value x = a(values);
+              return x ? Limit(Calculate(op, 0, *x)) : x;
+            }};
   }
 
   RandomExpression Integer(int depth) {
     const int kind = depth == 0 ? Pick(0, 2) : Pick(0, 9);
-    if (kind < 2) {
-      return Variable(false);
-    }
-    if (kind == 2) {
-      return Constant();
+    if (kind <= 2) {
+      return kind < 2 ? AnyVariable(false) : Constant();
     }
     if (kind == 3) {
-      const auto op = PickOf<std::string>({"-", "abs", "sign", "next", "prev"});
-      const RandomExpression a = Integer(depth - 1);
-      return {"(" + op + " (" + a.fText + "))", [a = a.fValue, op](const Assignment& assignment) -> Value {
-                const Value x = a(assignment);
-                if (!x) {
-                  return x;
-                }
-                return Limit(op == "-"      ? -*x
-                             : op == "abs"  ? std::llabs(*x)
-                             : op == "sign" ? (*x > 0) - (*x < 0)
-                             : op == "next" ? *x + 1
-                                            : *x - 1);
-              }};
+      return Prefix(PickOf<std::string>({"-", "abs", "sign", "next", "prev"}), Integer(depth - 1));
     }
     const auto op = PickOf<std::string>({"+", "+", "-", "*", "*", "/", "mod", "mod", "^", "/\\", "\\/"});
-    return Combine(op, Integer(depth - 1), Integer(depth - 1),
-                   [op](long long x, long long y) { return Calculate(op, x, y); });
-  }
-
-  static bool Compare(const std::string& op, long long x, long long y) {
-    if (op == "=" || op == "==") {
-      return x == y;
-    }
-    if (op == "<>") {
-      return x != y;
-    }
-    const bool orEqual = op.find('=') != std::string::npos;
-    return (orEqual && x == y) || (op[0] == '<' ? x < y : x > y);
+    return Combine(op, Integer(depth - 1), Integer(depth - 1));
   }
 
   RandomExpression Comparison(int depth) {
-    const auto op = PickOf<std::string>({"==", "<<", "<==", ">>", ">=="});
-    return Combine(op, Integer(depth), Integer(depth),
-                   [op](long long x, long long y) -> Value { return Compare(op, x, y) ? 1 : 0; });
+    return Combine(PickOf<std::string>({"==", "<<", "<==", ">>", ">=="}), Integer(depth), Integer(depth));
   }
 
   RandomExpression Truth(int depth) {
     const int kind = depth == 0 ? Pick(0, 1) : Pick(0, 6);
-    if (kind == 0) {
-      return Variable(true);
-    }
     if (kind < 3) {
-      return Comparison(std::max(depth - 1, 0));
+      return kind == 0 ? AnyVariable(true) : Comparison(std::max(depth - 1, 0));
     }
     if (kind == 3) {
-      const RandomExpression a = Truth(depth - 1);
-      return {"!" + a.fText, [a = a.fValue](const Assignment& assignment) -> Value {
-                const Value x = a(assignment);
-                return x ? 1 - *x : x;
-              }};
+      return Prefix("!", Truth(depth - 1));
     }
-    const auto op = PickOf<std::string>({"&&", "||", "->", "<->", "=="});
-    return Combine(op, Truth(depth - 1), Truth(depth - 1), [op](long long x, long long y) -> Value {
-      return op == "&&" ? x * y : op == "||" ? x + y - x * y : op == "->" ? 1 - x + x * y : x == y ? 1 : 0;
-    });
+    return Combine(PickOf<std::string>({"&&", "||", "->", "<->", "=="}), Truth(depth - 1), Truth(depth - 1));
   }
 
-  RandomStatement MakeStatement() {
+  RandomExpression Statement() {
     const int kind = Pick(0, 5);
-    if (kind == 0) {
-      return MakeAllDifferent();
-    }
     if (kind <= 2) {
-      const RandomExpression truth = Truth(2);
-      return {truth.fText, [f = truth.fValue](const Assignment& a) { return f(a).value_or(0) == 1; }};
+      return kind == 0 ? AllDifferent() : Truth(2);
     }
-    if (kind == 3) {
-      // The form in which the variable itself is the result of the operation.
-      const RandomExpression name = Variable(false);
-      const RandomExpression result = Integer(2);
-      return {Pick(0, 1) == 0 ? name.fText + " = " + result.fText : result.fText + " = " + name.fText,
-              [x = name.fValue, y = result.fValue](const Assignment& a) {
-                const Value v = y(a);
-                return v && *x(a) == *v;
-              }};
-    }
-    const auto op = PickOf<std::string>({"=", "=", "<>", "<", "<=", ">", ">="});
-    const RandomExpression relation =
-        Combine(op, Integer(2), Integer(2), [op](long long x, long long y) -> Value { return Compare(op, x, y); });
-    const std::string text = relation.fText.substr(1, relation.fText.size() - 2);
-    return {text, [f = relation.fValue](const Assignment& a) { return f(a).value_or(0) == 1; }};
+    // "=" beside a name is the form in which the variable itself is the result of the operation.
+    const bool named = kind == 3;
+    const auto op = named ? "=" : PickOf<std::string>({"=", "=", "<>", "<", "<=", ">", ">="});
+    const bool nameFirst = Pick(0, 1) == 0;
+    RandomExpression relation = Combine(op, named && nameFirst ? AnyVariable(false) : Integer(2),
+                                        named && !nameFirst ? AnyVariable(false) : Integer(2));
+    relation.fText = relation.fText.substr(1, relation.fText.size() - 2);
+    return relation;
   }
 
-  RandomStatement MakeAllDifferent() {
+  RandomExpression AllDifferent() {
     std::vector<RandomExpression> elements;
     std::string text;
     for (int i = Pick(1, 4); i > 0; --i) {
       elements.push_back(Integer(1));
       text += (text.empty() ? "all different (" : ", ") + elements.back().fText;
     }
-    return {text + ")", [elements](const Assignment& a) {
-              std::vector<long long> values;
+    return {text + ")", [elements](const Assignment& a) -> Value {
+              std::vector<Value> values;
               for (const RandomExpression& element : elements) {
-                const Value v = element.fValue(a);
-                if (!v) {
-                  return false;
-                }
-                values.push_back(*v);
+                values.push_back(element.fValue(a));
               }
               std::ranges::sort(values);
-              return std::ranges::adjacent_find(values) == values.end();
+              return values.front().has_value() && std::ranges::adjacent_find(values) == values.end();
             }};
-  }
-
-  void Enumerate(Assignment& assignment, std::vector<Assignment>& solutions) const {
-    if (assignment.size() == fVariables.size()) {
-      if (std::ranges::all_of(fStatements, [&](const RandomStatement& s) { return s.fHolds(assignment); })) {
-        solutions.push_back(assignment);
-      }
-      return;
-    }
-    for (const int v : fVariables[assignment.size()].fDomain) {
-      assignment.push_back(v);
-      Enumerate(assignment, solutions);
-      assignment.pop_back();
-    }
   }
 
   std::mt19937 fRandom;
   std::string fText;
-  std::vector<RandomVariable> fVariables;
-  std::vector<RandomStatement> fStatements;
+  std::vector<Variable> fVariables;
+  std::vector<RandomExpression> fStatements;
 };

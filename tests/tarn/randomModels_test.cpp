@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnSearch.h"
 #include "tarn/Diagnostic.h"
@@ -14,19 +16,19 @@ int GetValue(const VokTarnAny& value) {
                                                           : static_cast<const VokTarnInteger&>(value).GetLowerBound();
 }
 
-// The solutions in the order in which the search finds them.
-std::vector<Assignment> Solve(const std::string& text) {
-  tarn::Session session;
+void Read(tarn::Session& session, const tarn::Source& source) {
   session.Open(tarn::Session::sDefaultModule);
-  const tarn::Source source("model", text);
   try {
     session.Read(source);
   } catch (const tarn::ModelError& error) {
     ADD_FAILURE() << tarn::FormatDiagnostic(source, error);
-    return {};
   }
-  const std::vector<VokTarnValueId>& variables = session.GetCompiler().GetVariables();
-  VokTarnSearch search(session.GetNetwork(), variables, session.GetCompiler().GetObjective());
+}
+
+// The solutions in the order in which the search finds them.
+std::vector<Assignment> Solve(tarn::Session& session) {
+  const std::vector<VokTarnValueId>& variables = session.GetVariables();
+  VokTarnSearch search(session.GetNetwork(), variables, session.GetObjective());
   std::vector<Assignment> solutions;
   VokTarnSearch::Status status = search.Next();
   for (; status == VokTarnSearch::Status::Solution; status = search.Next()) {
@@ -37,6 +39,12 @@ std::vector<Assignment> Solve(const std::string& text) {
   }
   EXPECT_EQ(status, VokTarnSearch::Status::Exhausted);
   return solutions;
+}
+
+std::vector<Assignment> Solve(const std::string& text) {
+  tarn::Session session;
+  Read(session, tarn::Source("model", text));
+  return Solve(session);
 }
 
 constexpr unsigned sModels = 3000;
@@ -55,6 +63,22 @@ TEST_F(RandomModels, HaveTheSolutionsOfPlainEnumeration) {
     std::vector<Assignment> solutions = Solve(model.GetText());
     std::ranges::sort(solutions);
     EXPECT_EQ(solutions, model.Enumerate()) << "seed " << seed << "\n" << model.GetText();
+  }
+}
+
+TEST_F(RandomModels, HaveTheSameSolutionsInTheSameOrderWhenSavedAndRestored) {
+  for (unsigned seed = 1; seed <= sModels / 4 && !HasFailure(); ++seed) {
+    RandomModel model(seed);
+    const std::string text = model.GetText() + (seed % 3 == 0 ? "minimize " + model.MakeObjective().fText + ";" : "");
+    tarn::Session session;
+    Read(session, tarn::Source("model", text));
+    session.GetNetwork().Propagate();
+    std::ostringstream bytes;
+    std::string error;
+    EXPECT_TRUE(VokTarnNetworkFile::Write(bytes, session.GetNetwork(), session.GetContents(), error)) << error;
+    tarn::Session restored;
+    Read(restored, tarn::Source("saved", bytes.str()));
+    EXPECT_EQ(Solve(restored), Solve(session)) << "seed " << seed << "\n" << text;
   }
 }
 
