@@ -7,7 +7,8 @@
 // Strength  Domain consistent while at most 256 arguments with 16384 possible values in all are open: a value stays
 //           when some assignment with all values different has it. Beyond that, and beside undefined
 //           arguments, values that have become known leave the others.
-// Cost      n arguments with e possible values in all: O(n e) per filtering at worst, see valueMatching.h.
+// Cost      Of n arguments, k known and e possible values in all: O(k (n - k)) removals, and O(n e) for the matching at
+//           worst, see valueMatching.h.
 class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstraintOf<VokTarnAllDifferentConstraint> {
  public:
   static const char* const sIdent;

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <numeric>
 #include <vector>
 
 #include "constraints/VokTarnAllDifferentConstraint.h"
@@ -14,29 +13,44 @@ namespace {
 constexpr unsigned kMostMatched = 256;
 constexpr int kMostValues = 16384;
 
-// Takes every value that has become known from the other arguments, until no further one becomes known.
+bool HasDuplicate(std::vector<VokLong>& values) {
+  std::sort(values.begin(), values.end());
+  return std::adjacent_find(values.begin(), values.end()) != values.end();
+}
+
+// Takes every value that is known from the arguments that are open, until no further one becomes known.
 int EliminateKnown(const VokTarnObjectEnvironment& environment) {
-  const unsigned size = environment.Size();
   int changed = 0;
-  std::vector<unsigned> known;  // a removal may make another argument known, which then joins the end
-  std::vector<bool> isKnown(size, false);
-  const auto note = [&](unsigned i) {
-    if (!isKnown[i] && environment.Value(i).GetCardinality() == 1) {
-      isKnown[i] = true;
-      known.push_back(i);
+  std::vector<unsigned> open;
+  std::vector<VokLong> known;
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    if (environment.Value(i).GetCardinality() == 1) {
+      known.push_back(environment.Integer(i).GetLowerBound());
+    } else {
+      open.push_back(i);
     }
-  };
-  for (unsigned i = 0; i < size; ++i) {
-    note(i);
   }
-  for (std::size_t next = 0; next < known.size(); ++next) {
-    const VokLong v = environment.Integer(known[next]).GetLowerBound();
-    for (unsigned i = 0; i < size && !environment.IsFailed(); ++i) {
-      if (i != known[next]) {
+  while (!known.empty()) {
+    if (HasDuplicate(known)) {
+      return environment.Fail();
+    }
+    std::vector<VokLong> becameKnown;
+    std::vector<unsigned> stillOpen;
+    for (const unsigned i : open) {
+      for (const VokLong v : known) {
         changed |= RemoveValue(environment, i, v);
-        note(i);
+      }
+      if (environment.IsFailed()) {
+        return changed;
+      }
+      if (environment.Value(i).GetCardinality() == 1) {
+        becameKnown.push_back(environment.Integer(i).GetLowerBound());
+      } else {
+        stillOpen.push_back(i);
       }
     }
+    open.swap(stillOpen);
+    known.swap(becameKnown);
   }
   return changed;
 }
@@ -88,12 +102,11 @@ bool VokTarnAllDifferentConstraint::IsApplicable(const VokTarnObjectEnvironment&
 }
 
 bool VokTarnAllDifferentConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
-  std::vector<std::int64_t> values(environment.Size());
+  std::vector<VokLong> values(environment.Size());
   for (unsigned i = 0; i < environment.Size(); ++i) {
-    values[i] = ExactValue(environment, i);
+    values[i] = environment.Integer(i).GetLowerBound();
   }
-  std::sort(values.begin(), values.end());
-  return std::adjacent_find(values.begin(), values.end()) == values.end();
+  return !HasDuplicate(values);
 }
 
 int VokTarnAllDifferentConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
