@@ -47,7 +47,7 @@ VokFenEnumInteger::VokFenEnumInteger(const void* list) noexcept
   }
   for (VokULong left = VokToUnsigned(WordAt(list, 0)); left > 0; --left) {
     // Any takes nothing more, and a set that became Nil because memory was short must not be filled by halves.
-    if (Insert(WordAt(list, left)) == 0 || IsNil() != 0) {
+    if (Insert(WordAt(list, left)) == 0 || fValues.IsEmpty() != 0) {
       return;
     }
   }

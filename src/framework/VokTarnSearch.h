@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -89,7 +88,9 @@ class VOKTARN_EXPORT VokTarnSearch {
   struct Candidate {
     double fRank;
     unsigned fPlace;
-    friend auto operator<=>(const Candidate&, const Candidate&) = default;
+    bool operator>(const Candidate& other) const noexcept {
+      return fRank > other.fRank || (!(fRank < other.fRank) && fPlace > other.fPlace);
+    }
   };
 
   bool Backtrack();

@@ -58,13 +58,13 @@ VokFenIntervalInteger::VokFenIntervalInteger(VokLong lower, VokLong upper) noexc
 VokFenIntervalInteger::VokFenIntervalInteger(VokStreamableInit init) noexcept : VokTarnInteger(init) {}
 
 int VokFenIntervalInteger::NarrowTo(VokLong lower, VokLong upper) {
-  if (IsNil() != 0 || (lower <= fLower && upper >= fUpper)) {
+  if (IsEmptyInterval() || (lower <= fLower && upper >= fUpper)) {
     return 0;
   }
   lower = std::max<VokLong>(lower, fLower);
   upper = std::min<VokLong>(upper, fUpper);
   if (lower > upper) {
-    return SetNilValue();
+    return VokFenIntervalInteger::SetNilValue();
   }
   fLower = lower;
   fUpper = upper;
