@@ -84,7 +84,7 @@ TEST(Solve, StopsAtATimeLimitOrASignal) {
   EXPECT_EQ(limited.fExitCode, 3);
   EXPECT_EQ(limited.fOut, "=====UNKNOWN=====\n");
   for (const int signal : {SIGINT, SIGTERM}) {
-    const ProgramResult stopped = RunTarn({"solve", "-"}, {sPigeons, signal, std::chrono::milliseconds(500)});
+    const ProgramResult stopped = RunTarn({"solve", "-"}, {sPigeons, signal, std::chrono::milliseconds(1500)});
     EXPECT_EQ(stopped.fExitCode, 3);
     EXPECT_EQ(stopped.fOut, "=====UNKNOWN=====\n");
   }
