@@ -22,7 +22,6 @@ class VOKTARN_EXPORT VokString {
 
   int IsValid() const noexcept { return fValid; }
   bool IsEmpty() const noexcept { return fLength == 0; }
-  std::size_t Length() const noexcept { return fLength; }
   const char* Text() const noexcept { return fText == nullptr ? "" : fText; }  // never null, terminated
   std::string_view View() const noexcept { return {Text(), fLength}; }
 

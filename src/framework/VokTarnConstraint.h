@@ -45,7 +45,6 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   virtual bool IsSatisfied(const VokTarnObjectEnvironment& environment) const = 0;
 
   // The place in the network's list of constraints, set when the network takes the constraint.
-  VokULong GetIndex() const noexcept { return fIndex; }
   void SetIndex(VokULong index) noexcept { fIndex = index; }
 
  protected:

@@ -30,7 +30,6 @@ struct VokFenBounds {
   static VokFenBounds Of(const VokTarnInteger& v);
 
   bool IsEmpty() const { return lower > upper; }
-  bool IsAll() const { return lower == SubIntBase::sMin && upper == SubIntBase::sMax; }
   bool IsPoint() const { return lower == upper; }
   bool Holds(VokLong v) const { return lower <= v && v <= upper; }
   VokFenBounds Intersection(VokFenBounds other) const;

@@ -49,6 +49,7 @@ void PrintStatistics(Session& session, const VokTarnSearch& search, Clock::time_
   const VokTarnSearch::Statistics& statistics = search.GetStatistics();
   err << "decisions:    " << statistics.fDecisions << "\nfailures:     " << statistics.fFailures
       << "\npropagations: " << session.GetNetwork().GetPropagations() << "\nsolutions:    " << statistics.fSolutions
+      << "\ndepth:        " << statistics.fDepth
       << "\ntime:         " << std::chrono::duration<double>(Clock::now() - start).count() << " s\n";
 }
 
@@ -106,8 +107,7 @@ int Conclude(VokTarnSearch::Status status, std::uint64_t found, const VokTarnSea
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err) {
   const Clock::time_point start = Clock::now();
   VokTarnNetwork& network = session.GetNetwork();
-  const std::function<bool()> isStopped = MakeStopCondition(options, start);
-  network.SetInterrupt(isStopped);
+  network.SetInterrupt(MakeStopCondition(options, start));
   const std::optional<VokTarnSearch::Objective>& objective = session.GetObjective();
   const std::optional<std::uint64_t> limit = GetLimit(options, objective.has_value());
   VokTarnSearch search(network, session.GetVariables(), objective, options.fSearch);
@@ -116,8 +116,7 @@ int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, s
   VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
   bool isRight = true;
   while (status == VokTarnSearch::Status::Solution && isRight && (!limit || found < *limit)) {
-    // Propagation asks too, but where nothing is left to propagate a search goes from solution to solution.
-    status = isStopped() ? VokTarnSearch::Status::Stopped : search.Next();
+    status = search.Next();
     if (status != VokTarnSearch::Status::Solution) {
       break;
     }

@@ -73,7 +73,7 @@ TEST(Solve, NamesTheVariableThatNothingBounds) {
 
 TEST(Solve, PrintsFiguresOnRequest) {
   const ProgramResult result = RunModel("solve", sThree, {"-a", "-s"});
-  for (const char* label : {"decisions:", "failures:", "propagations:", "solutions:    3\n", "time:"}) {
+  for (const char* label : {"decisions:", "failures:", "propagations:", "solutions:    3\n", "depth:", "time:"}) {
     EXPECT_THAT(result.fErr, HasSubstr(label));
   }
   EXPECT_EQ(RunModel("solve", sThree, {"-a"}).fErr, "");
