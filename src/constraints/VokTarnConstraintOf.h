@@ -18,8 +18,9 @@ class VokTarnConstraintOf : public Base {
   }
   const VokTarnObjectDescriptor* GetDescriptor() const override { return Class::sDescriptor; }
 
-  static VokTarnConstraint* Create(std::span<const VokTarnValueId> arguments, VokTarnForm form) {
-    return new Class(arguments, form);
+  static VokTarnConstraint* Create(std::span<const VokTarnValueId> arguments, VokTarnForm form,
+                                   std::span<const VokLong> constants) {
+    return new Class(arguments, form, constants);
   }
   static VokStreamable* Build(VokStreamable* existing) {
     return existing != nullptr ? existing : new Class(vokStreamableInit);

@@ -9,34 +9,58 @@
 #include "framework/Vokopstream.h"
 
 namespace {
+
 const char kIdent[] = "VokTarnConstraint";
+
+// Set in a record's form when a list of constants follows the arguments.
+constexpr int kHasConstants = 16;
+
+// Reads a count and as many numbers, one by one: a false count ends with the stream and reserves nothing.
+template <class Number>
+void ReadNumbers(Vokipstream& is, std::vector<Number>& numbers) {
+  unsigned int count = 0;
+  is >> count;
+  for (; count != 0 && !is.IsFailed(); --count) {
+    Number number = 0;
+    is >> number;
+    numbers.push_back(number);
+  }
 }
+
+}  // namespace
 
 const char* const VokTarnConstraint::sIdent = kIdent;
 
 void VokTarnConstraint::Write(Vokopstream& os) const {
-  os << static_cast<int>(fForm) << static_cast<unsigned int>(fArguments.size());
+  os << (static_cast<int>(fForm) | (fConstants.empty() ? 0 : kHasConstants))
+     << static_cast<unsigned int>(fArguments.size());
   for (const VokTarnValueId argument : fArguments) {
     os << argument;
+  }
+  if (!fConstants.empty()) {
+    os << static_cast<unsigned int>(fConstants.size());
+    for (const VokLong constant : fConstants) {
+      os << constant;
+    }
   }
 }
 
 void VokTarnConstraint::Read(Vokipstream& is) {
   int form = 0;
-  unsigned int count = 0;
-  is >> form >> count;
+  is >> form;
+  const bool hasConstants = (form & kHasConstants) != 0;
+  form &= ~kHasConstants;
   if (form < static_cast<int>(VokTarnForm::Plain) || form > static_cast<int>(VokTarnForm::Inverse)) {
     is.SetFailed();
     return;
   }
   fForm = static_cast<VokTarnForm>(form);
   fArguments.clear();
+  fConstants.clear();
   try {
-    // One by one: a false count ends with the stream and reserves nothing.
-    for (; count != 0 && !is.IsFailed(); --count) {
-      unsigned int argument = vokNoValue;
-      is >> argument;
-      fArguments.push_back(argument);
+    ReadNumbers(is, fArguments);
+    if (hasConstants) {
+      ReadNumbers(is, fConstants);
     }
   } catch (const std::bad_alloc&) {
     NoteAllocationFailure();
@@ -44,6 +68,7 @@ void VokTarnConstraint::Read(Vokipstream& is) {
   }
   if (is.IsFailed()) {
     fArguments.clear();
+    fConstants.clear();
   }
 }
 

@@ -12,7 +12,8 @@
 // Contract  A constraint is sound: it never removes a value that is part of an assignment satisfying it.
 //           It is checking: once every argument has a single value, it holds or it fails. Filter sees to
 //           the second with IsSatisfied, whatever Propagate did.
-// Record    The form and the argument numbers.
+// Constants Integers that are part of the relation itself, such as the coefficients of a sum; most classes have none.
+// Record    The form, the argument numbers and the constants.
 class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
  public:
   static const char* const sIdent;
@@ -22,8 +23,9 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   static constexpr unsigned sPriorities = 4;
 
   explicit VokTarnConstraint(VokStreamableInit init) : VokTarnObject(init) {}
-  VokTarnConstraint(std::span<const VokTarnValueId> arguments, VokTarnForm form)
-      : fArguments(arguments.begin(), arguments.end()), fForm(form) {}
+  VokTarnConstraint(std::span<const VokTarnValueId> arguments, VokTarnForm form,
+                    std::span<const VokLong> constants = {})
+      : fArguments(arguments.begin(), arguments.end()), fConstants(constants.begin(), constants.end()), fForm(form) {}
 
   void Write(Vokopstream& os) const override;
   void Read(Vokipstream& is) override;
@@ -37,9 +39,10 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   void InputValue(std::istream& is) override;
 
   std::span<const VokTarnValueId> GetArguments() const noexcept { return fArguments; }
+  std::span<const VokLong> GetConstants() const noexcept { return fConstants; }
   VokTarnForm GetForm() const noexcept { return fForm; }
   virtual Priority GetPriority() const noexcept { return Ternary; }
-  // Whether the arguments have the number and the kinds that the constraint needs.
+  // Whether the arguments have the number and the kinds that the constraint needs, and the constants the number.
   virtual bool IsApplicable(const VokTarnObjectEnvironment& environment) const = 0;
   // Whether the relation holds. Requires: every argument has exactly one value.
   virtual bool IsSatisfied(const VokTarnObjectEnvironment& environment) const = 0;
@@ -53,6 +56,7 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
 
  private:
   std::vector<VokTarnValueId> fArguments;
+  std::vector<VokLong> fConstants;
   VokULong fIndex = 0;
   VokTarnForm fForm = VokTarnForm::Plain;
 };

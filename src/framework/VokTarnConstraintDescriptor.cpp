@@ -20,7 +20,7 @@ int VokTarnConstraintDescriptor::IsDerivedFrom(const char* ident) const {
   return ident == sIdent ? 1 : VokTarnObjectDescriptor::IsDerivedFrom(ident);
 }
 
-VokTarnConstraint* VokTarnConstraintDescriptor::Create(std::span<const VokTarnValueId> arguments,
-                                                       VokTarnForm form) const {
-  return fFactory(arguments, form);
+VokTarnConstraint* VokTarnConstraintDescriptor::Create(std::span<const VokTarnValueId> arguments, VokTarnForm form,
+                                                       std::span<const VokLong> constants) const {
+  return fFactory(arguments, form, constants);
 }

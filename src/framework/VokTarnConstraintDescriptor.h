@@ -25,7 +25,8 @@ class VOKTARN_EXPORT VokTarnConstraintDescriptor : public VokTarnObjectDescripto
   static const char* const sIdent;
 
   // Makes a constraint over values of a network; null when memory is short.
-  using Factory = VokTarnConstraint* (*)(std::span<const VokTarnValueId> arguments, VokTarnForm form);
+  using Factory = VokTarnConstraint* (*)(std::span<const VokTarnValueId> arguments, VokTarnForm form,
+                                         std::span<const VokLong> constants);
 
   // What the constraint asks of its arguments.
   enum class Operands {
@@ -41,7 +42,8 @@ class VOKTARN_EXPORT VokTarnConstraintDescriptor : public VokTarnObjectDescripto
   const char* CastableID() const override;
   int IsDerivedFrom(const char* ident) const override;
 
-  VokTarnConstraint* Create(std::span<const VokTarnValueId> arguments, VokTarnForm form) const;
+  VokTarnConstraint* Create(std::span<const VokTarnValueId> arguments, VokTarnForm form,
+                            std::span<const VokLong> constants = {}) const;
   bool TakesAnyOperands() const noexcept { return fOperands == Operands::Any; }
 
  private:

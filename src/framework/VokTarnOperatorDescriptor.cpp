@@ -12,7 +12,7 @@ VokTarnOperatorDescriptor::VokTarnOperatorDescriptor(const VokString& name, Kind
                                                      VokTarnType right, VokTarnType result, VokTarnType working,
                                                      VokTarnConstraintType constraint)
     : VokTarnObjectDescriptor(name, nullptr,
-                              kind == Kind::List ? 0
+                              kind >= Kind::List ? 0
                               : right == nullptr ? 2
                                                  : 3),
       fKind(kind),
@@ -32,12 +32,15 @@ int VokTarnOperatorDescriptor::IsDerivedFrom(const char* ident) const {
 
 std::ostream& VokTarnOperatorDescriptor::PrintOn(std::ostream& os) const {
   const auto name = [](VokTarnType type) { return type == nullptr ? "?" : type->GetName().Text(); };
-  os << GetName().Text() << " (" << name(fLeft);
+  os << GetName().Text() << " (" << name(fLeft) << (fKind == Kind::ListFunction ? " list" : "");
   if (fRight != nullptr) {
     os << ", " << name(fRight);
   }
   if (fKind == Kind::List) {
     return os << ", ...)";
+  }
+  if (fKind == Kind::Table) {
+    return os << " list, ...)";
   }
   return os << ") -> " << name(fResult);
 }
@@ -58,6 +61,10 @@ const char* VokTarnOperatorDescriptor::GetKindName() const noexcept {
       return "second inverse binary";
     case Kind::SecondInverseSymmetric:
       return "second inverse symmetric binary";
+    case Kind::ListFunction:
+      return "list function";
+    case Kind::Table:
+      return "table";
     case Kind::List:
       break;
   }
@@ -86,7 +93,13 @@ std::vector<VokTarnValueId> VokTarnOperatorDescriptor::ArrangeArguments(std::spa
       return {operands[1], result, operands[0]};
     case Kind::SecondInverseSymmetric:
       return {operands[0], result, operands[1]};
+    case Kind::ListFunction: {
+      std::vector<VokTarnValueId> arguments{result};
+      arguments.insert(arguments.end(), operands.begin(), operands.end());
+      return arguments;
+    }
     case Kind::List:
+    case Kind::Table:
       break;
   }
   return {operands.begin(), operands.end()};

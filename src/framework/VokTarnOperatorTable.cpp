@@ -41,6 +41,21 @@ std::optional<unsigned> WorkingOperand(const VokTarnOperatorDescriptor& row) {
   }
 }
 
+// The operand whose type the result of a row over abstract types takes: the right one; beside a list, the first that is
+// not a constant, for a constant's type need not hold more than one value.
+VokTarnValueId ModelOperand(const VokTarnNetwork& network, const VokTarnOperatorDescriptor& row,
+                            std::span<const VokTarnValueId> operands) {
+  if (row.TakesList()) {
+    const auto open = std::find_if(operands.begin(), operands.end(), [&network](VokTarnValueId operand) {
+      return network.GetValue(operand).GetCardinality() != 1;
+    });
+    if (open != operands.end()) {
+      return *open;
+    }
+  }
+  return operands.back();
+}
+
 }  // namespace
 
 VokTarnOperatorTable::VokTarnOperatorTable(const VokTarnModuleManager& manager) : fManager(manager) {
@@ -169,13 +184,16 @@ std::optional<VokTarnOperatorTable::Choice> VokTarnOperatorTable::Choose(
 }
 
 const VokTarnOperatorDescriptor* VokTarnOperatorTable::ChooseList(std::string_view name,
-                                                                  std::span<const VokTarnType> operandTypes) const {
+                                                                  std::span<const VokTarnType> memberTypes,
+                                                                  VokTarnType beside) const {
   for (const VokTarnOperatorDescriptor* row : GetRows(name)) {
-    if (row->GetKind() != VokTarnOperatorDescriptor::Kind::List || row->GetConstraint() == nullptr) {
+    const VokTarnType wanted = row->GetOperandType(1);
+    if (!row->TakesList() || row->GetConstraint() == nullptr || (wanted == nullptr) != (beside == nullptr) ||
+        (wanted != nullptr && wanted->IsMatched(beside) == 0)) {
       continue;
     }
     const VokTarnType element = row->GetOperandType(0);
-    if (element != nullptr && std::all_of(operandTypes.begin(), operandTypes.end(),
+    if (element != nullptr && std::all_of(memberTypes.begin(), memberTypes.end(),
                                           [element](VokTarnType type) { return element->IsMatched(type) != 0; })) {
       return row;
     }
@@ -183,11 +201,11 @@ const VokTarnOperatorDescriptor* VokTarnOperatorTable::ChooseList(std::string_vi
   return nullptr;
 }
 
-// A row over abstract types has a result of the right operand's type where that fits, else of the first
-// published type that does.
-VokTarnType VokTarnOperatorTable::ResultType(VokTarnType declared, VokTarnType rightOperand) const noexcept {
-  if (IsConcrete(declared) || declared->IsMatched(rightOperand) != 0) {
-    return IsConcrete(declared) ? declared : rightOperand;
+// A row over abstract types has a result of the operand's type where that fits, else of the first published type that
+// does.
+VokTarnType VokTarnOperatorTable::ResultType(VokTarnType declared, VokTarnType operand) const noexcept {
+  if (IsConcrete(declared) || declared->IsMatched(operand) != 0) {
+    return IsConcrete(declared) ? declared : operand;
   }
   const auto found = std::find_if(fTypes.begin(), fTypes.end(), [declared](VokTarnType type) {
     return IsConcrete(type) && declared->IsMatched(type) != 0;
@@ -207,7 +225,7 @@ VokTarnValueId VokTarnOperatorTable::Convert(VokTarnNetwork& network, VokTarnVal
 
 VokTarnValueId VokTarnOperatorTable::Apply(VokTarnNetwork& network, const Choice& choice,
                                            std::span<const VokTarnValueId> operands, VokTarnValueId result,
-                                           bool wantResult) const {
+                                           bool wantResult, std::span<const VokLong> constants) const {
   std::vector<VokTarnValueId> taken(operands.begin(), operands.end());
   for (std::size_t i = 0; i < choice.fConversions.size(); ++i) {
     if (choice.fConversions[i] != nullptr) {
@@ -215,10 +233,12 @@ VokTarnValueId VokTarnOperatorTable::Apply(VokTarnNetwork& network, const Choice
     }
   }
   if (result == vokNoValue && wantResult && choice.fOperator->GetResultType() != nullptr) {
-    result = network.AddValue(ResultType(choice.fOperator->GetResultType(), network.GetType(taken.back())));
+    result = network.AddValue(ResultType(choice.fOperator->GetResultType(),
+                                         network.GetType(ModelOperand(network, *choice.fOperator, taken))));
   }
   const std::vector<VokTarnValueId> arguments = choice.fOperator->ArrangeArguments(taken, result);
-  VokTarnConstraint* constraint = choice.fOperator->GetConstraint()->Create(arguments, choice.fOperator->GetForm());
+  VokTarnConstraint* constraint =
+      choice.fOperator->GetConstraint()->Create(arguments, choice.fOperator->GetForm(), constants);
   if (constraint == nullptr) {
     throw std::bad_alloc();
   }

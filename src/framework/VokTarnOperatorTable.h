@@ -47,8 +47,10 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
   std::span<const VokTarnOperatorDescriptor* const> GetRows(std::string_view name) const noexcept;
 
   std::optional<Choice> Choose(std::string_view name, std::span<const VokTarnType> operandTypes) const;
-  // The list operator of that name that takes all these types, or null.
-  const VokTarnOperatorDescriptor* ChooseList(std::string_view name, std::span<const VokTarnType> operandTypes) const;
+  // The operator of that name that takes a list of members of these types, and beside it an operand of type `beside`
+  // (null: none); null when there is none.
+  const VokTarnOperatorDescriptor* ChooseList(std::string_view name, std::span<const VokTarnType> memberTypes,
+                                              VokTarnType beside = nullptr) const;
   // Whether a value of type `from` can be kept equal to one of type `to`.
   bool CanConvert(VokTarnType from, VokTarnType to) const noexcept;
   // Whether a cast row leads from one type to the other, either way: a cast is an equality.
@@ -58,12 +60,12 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
   // vokNoValue and `wantResult` is set. Returns the result's number (vokNoValue when there is none).
   // Throws std::bad_alloc; std::invalid_argument when a value cannot be built.
   VokTarnValueId Apply(VokTarnNetwork& network, const Choice& choice, std::span<const VokTarnValueId> operands,
-                       VokTarnValueId result, bool wantResult) const;
+                       VokTarnValueId result, bool wantResult, std::span<const VokLong> constants = {}) const;
   // A new value of type `to`, kept equal to value `from`.
   VokTarnValueId Convert(VokTarnNetwork& network, VokTarnValueId from, VokTarnType to) const;
 
  private:
-  VokTarnType ResultType(VokTarnType declared, VokTarnType rightOperand) const noexcept;
+  VokTarnType ResultType(VokTarnType declared, VokTarnType operand) const noexcept;
 
   const VokTarnModuleManager& fManager;
   std::vector<VokTarnType> fTypes;

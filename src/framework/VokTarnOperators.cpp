@@ -48,9 +48,19 @@ VokTarnObjectDescriptor* VokTarnCreateListOperator(const VokString& name, VokTar
   return new VokTarnOperatorDescriptor(name, Kind::List, element, nullptr, nullptr, nullptr, c);
 }
 
+VokTarnObjectDescriptor* VokTarnCreateListFunction(const VokString& name, VokTarnType element, VokTarnType b,
+                                                   VokTarnType r, VokTarnConstraintType c) {
+  return new VokTarnOperatorDescriptor(name, Kind::ListFunction, element, b, r, nullptr, c);
+}
+
+VokTarnObjectDescriptor* VokTarnCreateTableOperator(const VokString& name, VokTarnType element,
+                                                    VokTarnConstraintType c) {
+  return new VokTarnOperatorDescriptor(name, Kind::Table, element, nullptr, nullptr, nullptr, c);
+}
+
 VokTarnObjectDescriptor* VokTarnCreateOperator(VokTarnOperatorKind kind, const VokString& name,
                                                std::span<const VokTarnType> types, VokTarnConstraintType c) {
-  constexpr unsigned kTypes[] = {2, 3, 3, 3, 4, 4, 4, 1};  // by kind
+  constexpr unsigned kTypes[] = {2, 3, 3, 3, 4, 4, 4, 1, 2, 1};  // by kind
   if (types.size() < kTypes[static_cast<unsigned>(kind)]) {
     return nullptr;
   }
@@ -69,6 +79,11 @@ VokTarnObjectDescriptor* VokTarnCreateOperator(VokTarnOperatorKind kind, const V
       return VokTarnCreateSecondInverseBinaryOperator(name, types[0], types[1], types[2], types[3], c);
     case Kind::SecondInverseSymmetric:
       return VokTarnCreateSecondInverseSymmetricBinaryOperator(name, types[0], types[1], types[2], types[3], c);
+    case Kind::ListFunction:
+      return VokTarnCreateListFunction(name, types[0], types.size() > 2 ? types[1] : nullptr,
+                                       types[types.size() > 2 ? 2 : 1], c);
+    case Kind::Table:
+      return VokTarnCreateTableOperator(name, types[0], c);
     case Kind::List:
       break;
   }

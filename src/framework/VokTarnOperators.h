@@ -21,7 +21,9 @@ enum class VokTarnOperatorKind {
   FirstInverseBinary,
   SecondInverseBinary,
   SecondInverseSymmetric,
-  List
+  List,
+  ListFunction,
+  Table
 };
 
 // op a is r with C(a, r).
@@ -55,8 +57,17 @@ VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateSecondInverseSymmetricBinar
 VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateListOperator(const VokString& name, VokTarnType element,
                                                                   VokTarnConstraintType c);
 
+// op ((a1, .., an), b) is r with C(r, b, a1, .., an), any number of list members that match `element`; without b
+// where that is null. Constants, one for each member where the constraint wants them, go to the constraint.
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateListFunction(const VokString& name, VokTarnType element,
+                                                                  VokTarnType b, VokTarnType r,
+                                                                  VokTarnConstraintType c);
+// op ((a1, .., an), (k11, .., k1n), ..) is a statement with C(a1, .., an) and the constants k11, .., kmn.
+VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateTableOperator(const VokString& name, VokTarnType element,
+                                                                   VokTarnConstraintType c);
+
 // The factory of that kind, for tables of operators. `types` stand in the order of the factory's parameters; null when
-// they are too few.
+// they are too few; a list function takes them with b null when they are two.
 VOKTARN_EXPORT VokTarnObjectDescriptor* VokTarnCreateOperator(VokTarnOperatorKind kind, const VokString& name,
                                                               std::span<const VokTarnType> types,
                                                               VokTarnConstraintType c);

@@ -30,6 +30,6 @@ int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, s
 // Writes the narrowed network to the file `path`. Throws ProgramError when that fails; nothing is left of it then.
 int RunSave(Session& session, const std::string& path, std::ostream& err);
 // Lists one module, or all that are loaded.
-int RunModules(Session& session, const std::optional<std::string>& name, std::ostream& out);
+int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
 
 }  // namespace tarn

@@ -73,6 +73,7 @@ struct Formula {
 struct Statement {
   std::size_t fLine;
   std::size_t fOffset;
+  std::size_t fEnd;  // behind its last token; the ";" is not one of them
   std::variant<Declaration, Use, Formula> fBody;
 };
 

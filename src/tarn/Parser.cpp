@@ -44,20 +44,6 @@ Word Parser::MakeWord(std::string_view text, std::size_t offset) {
   return {fModel.Intern(text), static_cast<std::uint32_t>(offset)};
 }
 
-std::string Parser::TakeName(Lexer& lexer, const Names& names, std::string& words) const {
-  std::string name;
-  Lexer ahead = lexer;
-  for (std::size_t count = 0; count < fVocabulary.GetLongestName() && ahead.IsWordAhead(); ++count) {
-    words += count == 0 ? "" : " ";
-    words += ahead.Next().fText;
-    if (names.contains(words)) {
-      name = words;
-      lexer = ahead;
-    }
-  }
-  return name;
-}
-
 std::optional<Statement> Parser::Next() {
   fToken = {Token::Kind::End, {}, fLexer.GetOffset()};
   do {
@@ -70,7 +56,7 @@ std::optional<Statement> Parser::Next() {
   fLine += static_cast<std::size_t>(std::ranges::count(skipped, '\n'));
   fCounted = fToken.fOffset;
 
-  Statement statement{fLine, fToken.fOffset, Use{}};
+  Statement statement{fLine, fToken.fOffset, 0, Use{}};
   if (IsDeclarationAhead()) {
     statement.fBody = ParseDeclaration();
   } else if (fToken.Is("use")) {
@@ -82,6 +68,7 @@ std::optional<Statement> Parser::Next() {
   if (!fToken.Is(";")) {
     FailUnfinished();
   }
+  statement.fEnd = fLastEnd;
   return statement;
 }
 

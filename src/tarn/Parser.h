@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <set>
 #include <string>
 
 #include "tarn/Lexer.h"
@@ -26,7 +25,6 @@ class Parser {
   std::optional<Statement> Next();
 
  private:
-  using Names = std::set<std::string, std::less<>>;
   class DepthGuard;
 
   void Advance();
@@ -37,7 +35,20 @@ class Parser {
   Word MakeWord(std::string_view text, std::size_t offset);
   // The longest of `names` that the words ahead of `lexer` spell, the empty text when there is none; the lexer
   // is left behind it. `words` becomes what was read in search of it.
-  std::string TakeName(Lexer& lexer, const Names& names, std::string& words) const;
+  template <class Names>
+  std::string TakeName(Lexer& lexer, const Names& names, std::string& words) const {
+    std::string name;
+    Lexer ahead = lexer;
+    for (std::size_t count = 0; count < fVocabulary.GetLongestName() && ahead.IsWordAhead(); ++count) {
+      words += count == 0 ? "" : " ";
+      words += ahead.Next().fText;
+      if (names.contains(words)) {
+        name = words;
+        lexer = ahead;
+      }
+    }
+    return name;
+  }
 
   bool IsDeclarationAhead();
   Declaration ParseDeclaration();

@@ -1,49 +1,11 @@
 #include "tarn/Session.h"
 
-#include <filesystem>
 #include <sstream>
 
 #include "tarn/Diagnostic.h"
 #include "tarn/Parser.h"
-#include "tarn/ValueText.h"
 
 namespace tarn {
-
-void Session::AddDirectory(const std::string& directory) {
-  std::error_code error;
-  const std::filesystem::path path = std::filesystem::absolute(directory, error);
-  if (error || fManager.AddSearchDirectory(path.string()) == 0) {
-    throw ProgramError("tarn: error: cannot search the directory " + Quote(MakePrintable(directory)));
-  }
-}
-
-VokTarnModule& Session::Open(const std::string& module) {
-  VokTarnModule* opened = TryOpen(module);
-  if (opened == nullptr) {
-    throw ProgramError("tarn: error: cannot open the module " + Quote(MakePrintable(module)) + ": " +
-                       MakePrintable(fManager.GetError()));
-  }
-  return *opened;
-}
-
-VokTarnModule* Session::TryOpen(std::string_view module) {
-  VokTarnModule* opened = fManager.OpenModule(VokString(module));
-  if (opened == nullptr) {
-    return nullptr;
-  }
-  fTable.Refresh();
-  for (const VokTarnType type : fTable.GetTypes()) {
-    if (IsConcrete(type)) {
-      fVocabulary.AddType(type->GetName().View());
-    }
-  }
-  for (const std::string_view name : fTable.GetOperatorNames()) {
-    for (const VokTarnOperatorDescriptor* row : fTable.GetRows(name)) {
-      fVocabulary.AddOperator(name, row->GetOperandCount());
-    }
-  }
-  return opened;
-}
 
 void Session::Read(const Source& source) {
   if (VokTarnNetworkFile::IsNetworkFile(source.GetText())) {
@@ -54,7 +16,7 @@ void Session::Read(const Source& source) {
     fContents.fModelName = source.GetName();
   }
   fContents.fModelText += source.GetText();
-  Parser parser(source, fVocabulary, fModel);
+  Parser parser(source, fModules.GetVocabulary(), fModel);
   while (std::optional<Statement> statement = parser.Next()) {
     Execute(*std::move(statement));
   }
@@ -63,9 +25,9 @@ void Session::Read(const Source& source) {
 void Session::Execute(Statement statement) {
   const VokULong first = fNetwork.GetConstraintCount();
   if (const auto* use = std::get_if<Use>(&statement.fBody)) {
-    if (TryOpen(use->fModule.fText) == nullptr) {
+    if (fModules.TryOpen(use->fModule.fText) == nullptr) {
       throw ModelError(use->fModule.fOffset,
-                       "cannot open the module " + Quote(use->fModule.fText) + ": " + fManager.GetError());
+                       "cannot open the module " + Quote(use->fModule.fText) + ": " + fModules.GetManager().GetError());
     }
   } else if (const auto* declaration = std::get_if<Declaration>(&statement.fBody)) {
     fCompiler.Declare(*declaration);
@@ -86,16 +48,16 @@ void Session::AddVariables(const Declaration& declaration) {
 void Session::Restore(const Source& source) {
   std::istringstream bytes{std::string(source.GetText())};
   std::string error;
-  fRestored = VokTarnNetworkFile::Read(bytes, fManager, fContents, error);
+  fRestored = VokTarnNetworkFile::Read(bytes, fModules.GetManager(), fContents, error);
   if (fRestored == nullptr) {
     throw ProgramError(source.GetName() + ": error: " + MakePrintable(error));
   }
   for (const std::string& module : fContents.fModules) {
-    Open(module);
+    fModules.Open(module);
   }
   const Source text(MakePrintable(fContents.fModelName), fContents.fModelText);
   try {
-    Parser parser(text, fVocabulary, fModel);
+    Parser parser(text, fModules.GetVocabulary(), fModel);
     while (std::optional<Statement> statement = parser.Next()) {
       if (const auto* declaration = std::get_if<Declaration>(&statement->fBody)) {
         AddVariables(*declaration);
@@ -127,7 +89,7 @@ void Session::CheckVariables(const Source& source) const {
 VokTarnNetworkFile::Contents Session::GetContents() const {
   VokTarnNetworkFile::Contents contents = fContents;
   contents.fModules.clear();
-  for (const VokTarnModule* module : fManager.GetModules()) {
+  for (const VokTarnModule* module : fModules.GetManager().GetModules()) {
     contents.fModules.emplace_back(module->GetName().View());
   }
   contents.fVariables = GetVariables();

@@ -78,13 +78,13 @@ void Vocabulary::AddType(std::string_view name) {
   NoteWords(name);
 }
 
-void Vocabulary::AddOperator(std::string_view name, unsigned operands) {
+void Vocabulary::AddOperator(std::string_view name, VokTarnOperatorKind kind) {
   // A name in parentheses is a cast, which the language writes with the name of the type.
   if (name.empty() || name.front() == '(') {
     return;
   }
-  if (operands == 0) {
-    fLists.emplace(name);
+  if (kind >= VokTarnOperatorKind::List) {
+    fLists[std::string(name)] = kind;
     NoteWords(name);
     return;
   }
@@ -92,7 +92,7 @@ void Vocabulary::AddOperator(std::string_view name, unsigned operands) {
   if (IsRelation(name)) {
     return;
   }
-  if (operands == 1) {
+  if (kind == VokTarnOperatorKind::Unary || kind == VokTarnOperatorKind::InverseUnary) {
     fPrefixes.emplace(name);
   } else {
     fInfixes.try_emplace(std::string(name), Infix{IsWord(name) ? Product : Sum, Associativity::Left});

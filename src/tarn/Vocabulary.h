@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+
+#include "framework/VokTarnOperators.h"
 
 namespace tarn {
 
@@ -27,8 +30,8 @@ class Vocabulary {
   Vocabulary();
 
   void AddType(std::string_view name);
-  // `operands` is 1, 2 or 0 for a list operator. A name may be added once for each.
-  void AddOperator(std::string_view name, unsigned operands);
+  // A name may be added once for each kind.
+  void AddOperator(std::string_view name, VokTarnOperatorKind kind);
 
   // The length of the longest symbol at the start of `text`, or 0.
   std::size_t MatchSymbol(std::string_view text) const noexcept;
@@ -44,7 +47,8 @@ class Vocabulary {
   bool IsReserved(std::string_view word) const noexcept;
 
   const std::set<std::string, std::less<>>& GetTypes() const noexcept { return fTypes; }
-  const std::set<std::string, std::less<>>& GetListOperators() const noexcept { return fLists; }
+  // The operators that take lists, each with its kind: List, ListFunction or Table.
+  const std::map<std::string, VokTarnOperatorKind, std::less<>>& GetListOperators() const noexcept { return fLists; }
   // The number of words of the longest name of a type or a list operator.
   std::size_t GetLongestName() const noexcept { return fLongestName; }
 
@@ -61,7 +65,7 @@ class Vocabulary {
   std::set<std::string, std::less<>> fPrefixes;
   std::set<std::string, std::less<>> fSymbols;
   std::set<std::string, std::less<>> fTypes;
-  std::set<std::string, std::less<>> fLists;
+  std::map<std::string, VokTarnOperatorKind, std::less<>> fLists;
   std::size_t fLongestSymbol = 1;
   std::size_t fLongestName = 1;
 };

@@ -128,7 +128,7 @@ NodeIndex Parser::ParseName() {
   }
   if (fToken.Is("(")) {
     std::vector<std::string> notes{"the operators over lists, which make a statement, are:"};
-    for (const std::string& name : fVocabulary.GetListOperators()) {
+    for (const auto& [name, kind] : fVocabulary.GetListOperators()) {
       notes.push_back("  " + name);
     }
     throw ModelError(token.fOffset, "unknown operator " + Quote(token.fText), std::move(notes));

@@ -9,17 +9,18 @@ namespace tarn {
 namespace {
 
 int Run(const CommandLine& line) {
-  Session session;
+  Modules modules;
   for (const std::string& directory : line.fDirectories) {
-    session.AddDirectory(directory);
+    modules.AddDirectory(directory);
   }
-  session.Open(Session::sDefaultModule);
+  modules.Open(Modules::sDefault);
   for (const std::string& module : line.fModules) {
-    session.Open(module);
+    modules.Open(module);
   }
   if (line.fCommand == CommandLine::Command::Modules) {
-    return RunModules(session, line.fModule, std::cout);
+    return RunModules(modules, line.fModule, std::cout);
   }
+  Session session(modules);
   const Source source = Source::ReadFile(line.fFile);
   CatchInterrupts();
   try {

@@ -73,13 +73,13 @@ void PrintModule(const VokTarnModule& module, std::ostream& out) {
 
 }  // namespace
 
-int RunModules(Session& session, const std::optional<std::string>& name, std::ostream& out) {
+int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out) {
   if (name) {
-    PrintModule(session.Open(*name), out);
+    PrintModule(modules.Open(*name), out);
     return Solved;
   }
   bool isFirst = true;
-  for (const VokTarnModule* module : session.GetManager().GetModules()) {
+  for (const VokTarnModule* module : modules.GetManager().GetModules()) {
     out << (isFirst ? "" : "\n");
     isFirst = false;
     PrintModule(*module, out);

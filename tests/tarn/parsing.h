@@ -13,9 +13,11 @@ inline tarn::Vocabulary MakeVocabulary() {
   }
   const std::vector<const char*> operators[] = {
       {"all different", "all", "sorted"}, {"parity", "~"}, {"gcd", "<=>", "**"}};  // of lists, one and two operands
-  for (unsigned operands = 0; operands < 3; ++operands) {
-    for (const char* name : operators[operands]) {
-      vocabulary.AddOperator(name, operands);
+  const VokTarnOperatorKind kinds[] = {VokTarnOperatorKind::List, VokTarnOperatorKind::Unary,
+                                       VokTarnOperatorKind::Binary};
+  for (unsigned i = 0; i < 3; ++i) {
+    for (const char* name : operators[i]) {
+      vocabulary.AddOperator(name, kinds[i]);
     }
   }
   return vocabulary;

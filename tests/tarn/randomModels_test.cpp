@@ -17,7 +17,6 @@ int GetValue(const VokTarnAny& value) {
 }
 
 void Read(tarn::Session& session, const tarn::Source& source) {
-  session.Open(tarn::Session::sDefaultModule);
   try {
     session.Read(source);
   } catch (const tarn::ModelError& error) {
@@ -41,8 +40,8 @@ std::vector<Assignment> Solve(tarn::Session& session) {
   return solutions;
 }
 
-std::vector<Assignment> Solve(const std::string& text) {
-  tarn::Session session;
+std::vector<Assignment> Solve(tarn::Modules& modules, const std::string& text) {
+  tarn::Session session(modules);
   Read(session, tarn::Source("model", text));
   return Solve(session);
 }
@@ -51,16 +50,15 @@ constexpr unsigned sModels = 3000;
 
 class RandomModels : public testing::Test {
  protected:
-  RandomModels() { fKeepsModulesLoaded.Open(tarn::Session::sDefaultModule); }
+  RandomModels() { fModules.Open(tarn::Modules::sDefault); }
 
- private:
-  tarn::Session fKeepsModulesLoaded;
+  tarn::Modules fModules;
 };
 
 TEST_F(RandomModels, HaveTheSolutionsOfPlainEnumeration) {
   for (unsigned seed = 1; seed <= sModels && !HasFailure(); ++seed) {
     const RandomModel model(seed);
-    std::vector<Assignment> solutions = Solve(model.GetText());
+    std::vector<Assignment> solutions = Solve(fModules, model.GetText());
     std::ranges::sort(solutions);
     EXPECT_EQ(solutions, model.Enumerate()) << "seed " << seed << "\n" << model.GetText();
   }
@@ -70,13 +68,13 @@ TEST_F(RandomModels, HaveTheSameSolutionsInTheSameOrderWhenSavedAndRestored) {
   for (unsigned seed = 1; seed <= sModels / 4 && !HasFailure(); ++seed) {
     RandomModel model(seed);
     const std::string text = model.GetText() + (seed % 3 == 0 ? "minimize " + model.MakeObjective().fText + ";" : "");
-    tarn::Session session;
+    tarn::Session session(fModules);
     Read(session, tarn::Source("model", text));
     session.GetNetwork().Propagate();
     std::ostringstream bytes;
     std::string error;
     EXPECT_TRUE(VokTarnNetworkFile::Write(bytes, session.GetNetwork(), session.GetContents(), error)) << error;
-    tarn::Session restored;
+    tarn::Session restored(fModules);
     Read(restored, tarn::Source("saved", bytes.str()));
     EXPECT_EQ(Solve(restored), Solve(session)) << "seed " << seed << "\n" << text;
   }
@@ -95,7 +93,7 @@ TEST_F(RandomModels, HaveTheOptimumOfPlainEnumeration) {
         best = value;
       }
     }
-    const std::vector<Assignment> solutions = Solve(text);
+    const std::vector<Assignment> solutions = Solve(fModules, text);
     EXPECT_EQ(solutions.empty() ? Value() : objective.fValue(solutions.back()), best) << "seed " << seed << "\n"
                                                                                       << text;
   }

@@ -13,8 +13,9 @@ struct Figures {
 };
 
 Figures Count(const std::string& text) {
-  tarn::Session session;
-  session.Open(tarn::Session::sDefaultModule);
+  tarn::Modules modules;
+  modules.Open(tarn::Modules::sDefault);
+  tarn::Session session(modules);
   session.Read(tarn::Source("test", text));
   return {session.GetNetwork().GetValueCount(), session.GetNetwork().GetConstraintCount()};
 }
@@ -49,8 +50,9 @@ TEST(Compiler, AddsNoMoreThanTheModelNeeds) {
 }
 
 TEST(Session, KnowsTheConstraintsOfEachStatement) {
-  tarn::Session session;
-  session.Open(tarn::Session::sDefaultModule);
+  tarn::Modules modules;
+  modules.Open(tarn::Modules::sDefault);
+  tarn::Session session(modules);
   session.Read(tarn::Source("test", "x, y : enum int [1, 9];\nx < y <> 3;\n\nx + y = 4;"));
   const std::vector<tarn::Statement>& statements = session.GetModel().GetStatements();
   const std::vector<tarn::Session::Constraints>& constraints = session.GetConstraints();
@@ -64,8 +66,9 @@ TEST(Session, KnowsTheConstraintsOfEachStatement) {
 }
 
 TEST(Session, GoesOnWithAFurtherText) {
-  tarn::Session session;
-  session.Open(tarn::Session::sDefaultModule);
+  tarn::Modules modules;
+  modules.Open(tarn::Modules::sDefault);
+  tarn::Session session(modules);
   session.Read(tarn::Source("first", "x : enum int [1, 9];"));
   session.Read(tarn::Source("second", "x < 2;"));
   EXPECT_THROW(session.Read(tarn::Source("third", "x : bool;")), tarn::ModelError);
