@@ -43,6 +43,7 @@ class Vocabulary {
   static bool IsRelation(std::string_view spelling) noexcept;
   bool IsType(std::string_view name) const noexcept { return fTypes.contains(name); }
   bool IsListOperator(std::string_view name) const noexcept { return fLists.contains(name); }
+  bool IsListFunction(std::string_view name) const noexcept;
   // A word with a meaning of its own, which no variable can have as its name.
   bool IsReserved(std::string_view word) const noexcept;
 
