@@ -124,7 +124,7 @@ bool Vocabulary::IsListFunction(std::string_view name) const noexcept {
 
 bool Vocabulary::IsReserved(std::string_view word) const noexcept {
   return std::ranges::find(sStatementWords, word) != std::end(sStatementWords) || IsPrefix(word) ||
-         FindInfix(word) != nullptr || IsType(word) || IsListOperator(word);
+         FindInfix(word) != nullptr || IsType(word);
 }
 
 }  // namespace tarn
