@@ -35,5 +35,6 @@ class VOKTARN_EXPORT VokTarnLinearConstraint final : public VokTarnConstraintOf<
   struct Term;
 
   Term MakeTerm(const VokTarnObjectEnvironment& environment, unsigned i) const;
+  int NarrowTerm(const VokTarnObjectEnvironment& environment, unsigned i, const Term& own, const Term& others) const;
   std::int64_t GetCoefficient(unsigned i) const noexcept;
 };

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <tuple>
 
 #include "constraints/VokTarnLinearConstraint.h"
 #include "constraints/narrowing.h"
@@ -36,7 +35,7 @@ std::int64_t DivideUp(std::int64_t a, std::int64_t b) {
 struct VokTarnLinearConstraint::Term {
   std::int64_t lower = 0;
   std::int64_t upper = 0;
-  // 1 where x reaches the end of the integer range, beyond which nothing is known.
+  // 1 where x reaches the end of the integer range: it may not be the end, but how far it goes is not known.
   std::int64_t openBelow = 0;
   std::int64_t openAbove = 0;
 
@@ -63,18 +62,17 @@ VokTarnLinearConstraint::Term VokTarnLinearConstraint::MakeTerm(const VokTarnObj
                                                                 unsigned i) const {
   const VokTarnInteger& x = environment.Integer(i);
   const std::int64_t c = GetCoefficient(i);
-  const std::int64_t least = std::max<std::int64_t>(x.GetLowerBound(), -kLargest);
-  const std::int64_t greatest = std::min<std::int64_t>(x.GetUpperBound(), kLargest);
-  if (least > greatest) {
+  const std::int64_t least = x.GetLowerBound();
+  const std::int64_t greatest = x.GetUpperBound();
+  if (least > kLargest || greatest < -kLargest) {
     return {1, 0};
   }
-  Term t;
-  std::tie(t.lower, t.upper) = std::minmax({c * least, c * greatest});
-  t.lower = std::max(t.lower, -kLargest);
-  t.upper = std::min(t.upper, kLargest);
-  t.openBelow = c != 0 && (c > 0 ? x.GetLowerBound() < -kLargest : x.GetUpperBound() > kLargest) ? 1 : 0;
-  t.openAbove = c != 0 && (c > 0 ? x.GetUpperBound() > kLargest : x.GetLowerBound() < -kLargest) ? 1 : 0;
-  return t;
+  const std::int64_t first = c * std::max(least, -kLargest);
+  const std::int64_t last = c * std::min(greatest, kLargest);
+  const bool openAtFirst = c != 0 && least < -kLargest;
+  const bool openAtLast = c != 0 && greatest > kLargest;
+  return {std::max(std::min(first, last), -kLargest), std::min(std::max(first, last), kLargest),
+          c > 0 ? openAtFirst : openAtLast, c > 0 ? openAtLast : openAtFirst};
 }
 
 bool VokTarnLinearConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
@@ -108,25 +106,37 @@ int VokTarnLinearConstraint::Propagate(const VokTarnObjectEnvironment& environme
   }
   int changed = 0;
   for (unsigned i = 0; i < environment.Size(); ++i) {
+    const Term own = MakeTerm(environment, i);
     Term others = sum;
-    others.Subtract(MakeTerm(environment, i));
-    const std::int64_t lower = others.openAbove == 0 ? -others.upper : -kNoLimit;
-    const std::int64_t upper = others.openBelow == 0 ? -others.lower : kNoLimit;
-    const std::int64_t c = GetCoefficient(i);
-    if (c == 0) {
-      changed |= lower <= 0 && upper >= 0 ? 0 : environment.Fail();
-    } else {
-      changed |= KeepBetween(environment, i, DivideUp(c > 0 ? lower : upper, c), DivideDown(c > 0 ? upper : lower, c));
+    others.Subtract(own);
+    if (NarrowTerm(environment, i, own, others) == 0) {
+      continue;
     }
-    if (environment.IsFailed()) {
-      return changed;
-    }
+    changed = 1;
     const Term narrowed = MakeTerm(environment, i);
-    if (narrowed.IsEmpty()) {
-      return changed | environment.Fail();
+    if (environment.IsFailed() || narrowed.IsEmpty()) {
+      return environment.Fail();
     }
     sum = others;
     sum.Add(narrowed);
   }
   return changed;
+}
+
+// Keeps of the argument's values those whose terms are a product that may be, and make up for what the others can be.
+int VokTarnLinearConstraint::NarrowTerm(const VokTarnObjectEnvironment& environment, unsigned i, const Term& own,
+                                        const Term& others) const {
+  const std::int64_t lower =
+      std::max(own.openBelow != 0 ? -kNoLimit : -kLargest, others.openAbove != 0 ? -kNoLimit : -others.upper);
+  const std::int64_t upper =
+      std::min(own.openAbove != 0 ? kNoLimit : kLargest, others.openBelow != 0 ? kNoLimit : -others.lower);
+  const bool isClipped = own.lower == -kLargest || own.upper == kLargest;
+  if (!isClipped && lower <= own.lower && own.upper <= upper) {
+    return 0;
+  }
+  const std::int64_t c = GetCoefficient(i);
+  if (c == 0) {
+    return environment.Fail();
+  }
+  return KeepBetween(environment, i, DivideUp(c > 0 ? lower : upper, c), DivideDown(c > 0 ? upper : lower, c));
 }

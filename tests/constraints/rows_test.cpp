@@ -423,6 +423,7 @@ TEST_F(Rows, ListConstraintsAtTheEnds) {
        {{"int", "2147483000"}, {"interval int", "[0, 9]"}, {"interval int", "[-2000000000, 2000000000]"}},
        {2147483000, -2147483000},
        "2147483000; [0, 1]; [-1, 0]"},
+      {"sum", {{"interval int", ""}, {"interval int", "[-9, 9]"}}, {1500000000}, "[-1500000000, 1500000000]; [-1, 1]"},
       // One open term gets its value, a set from narrow bounds; nothing is known beside two that are open.
       {"sum", {{"int", "7"}, {"enum int", ""}, {"int", "1"}}, {-3, 1}, "7; -2; 1"},
       {"sum", {{"int", "7"}, {"enum int", ""}, {"int", "2"}}, {-3, 1}, "failed"},
