@@ -8,9 +8,6 @@
 
 namespace {
 
-// The interrupt is asked once for this many steps: often enough for limits in milliseconds.
-constexpr unsigned kInterruptInterval = 64;
-
 // The only event so far: the value lost possible values.
 constexpr int kChanged = 1;
 
@@ -120,22 +117,6 @@ void VokTarnNetwork::Schedule(VokULong constraint) {
     fAgenda[fConstraints[constraint]->GetPriority()].push_back(constraint);
     fWaiting[constraint] = true;
   }
-}
-
-bool VokTarnNetwork::PollInterrupt() {
-  if (!fInterrupt) {
-    return false;
-  }
-  if (fStepsToPoll != 0) {
-    --fStepsToPoll;
-    return false;
-  }
-  // A stop is asked for again at the next step, until the caller takes the interrupt away.
-  if (fInterrupt()) {
-    return true;
-  }
-  fStepsToPoll = kInterruptInterval;
-  return false;
 }
 
 VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {

@@ -57,11 +57,11 @@ class VOKTARN_EXPORT VokTarnNetwork {
   bool IsFailed() const noexcept { return fFailed; }
   // The constraint that was being filtered when the last propagation failed; null when it did not fail so.
   const VokTarnConstraint* GetFailedConstraint() const noexcept { return fFailedConstraint; }
-  // Asked now and then during propagation; true ends it with Interrupted, the rest of the agenda kept.
+  // Asked before each step of propagation, so it should be quick; true ends it with Interrupted, the rest of the agenda
+  // kept.
   void SetInterrupt(std::function<bool()> interrupt) { fInterrupt = std::move(interrupt); }
-  // One step of work that may be interrupted: asks now and then, true when the work is to stop. For those who
-  // drive the network, so that they stop even where nothing propagates.
-  bool PollInterrupt();
+  // Whether the work is to stop. For those who drive the network, so that they stop even where nothing propagates.
+  bool PollInterrupt() const { return fInterrupt && fInterrupt(); }
 
   // Write access for search and constraints: saves the value on the trail; NoteChange after each change.
   VokTarnAny& Touch(VokTarnValueId id);
@@ -122,7 +122,6 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;
-  unsigned fStepsToPoll = 0;
   VokULong fStampCounter = 0;
   VokULong fAllocationFailures;
   bool fFailed = false;
