@@ -67,9 +67,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }
-  // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer).
-  // A number may be appended more than once.
-  void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept { fChangeLog = log; }
+  // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer), once until
+  // the log is cleared: one propagation can change a value billions of times.
+  void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept;
+  void ClearChangeLog() noexcept;
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
@@ -96,6 +97,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
     VokTarnAny* fObject;
     const VokTarnObjectDescriptor* fType;
     VokULong fStamp;  // the stamp of the level at which the value was saved last
+    bool fIsLogged;
     std::vector<Watcher> fWatchers;
   };
   struct Saved {
@@ -109,6 +111,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   };
 
   void ClearAgenda() noexcept;
+  void LogChange(VokTarnValueId id);
 
   std::vector<Slot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;

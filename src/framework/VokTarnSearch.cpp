@@ -188,7 +188,7 @@ void VokTarnSearch::BeginAgain() {
   ++fStatistics.fRestarts;
   fFailuresToRestart = fStatistics.fFailures + kRunLength * fRestartSequence.Next();
   Shuffle();
-  fChanged.clear();
+  fNetwork.ClearChangeLog();
   EnterAll();
 }
 
@@ -205,7 +205,7 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
       Enter(fPlaces[id]);
     }
   }
-  fChanged.clear();
+  fNetwork.ClearChangeLog();
   if (fCandidates.size() > 4 * fVariables.size() + 64) {  // mostly stale by now
     EnterAll();
   }

@@ -83,6 +83,8 @@ class VOKTARN_EXPORT VokTarnSearch {
   Status Next();
 
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
+  // How many choices the search is in.
+  unsigned GetDepth() const noexcept { return static_cast<unsigned>(fChoices.size()); }
   // The objective's value in the last solution.
   std::optional<VokLong> GetBest() const noexcept { return fBest; }
   // What no solution's objective is better than, as far as propagation at the root knows. Nothing before the root has

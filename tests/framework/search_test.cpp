@@ -171,7 +171,11 @@ TEST(Search, RestartsEndAndLoseNothing) {
   EXPECT_GT(search.GetStatistics().fRestarts, 0U);
 }
 
-TEST(Search, TheLubySequenceDoublesReluctantly) {
+TEST(Search, EveryMachineDrawsTheSameNumbers) {
+  VokTarnRandom random(1234567);
+  for (const std::uint64_t number : {6457827717110365317U, 3203168211198807973U, 9817491932198370423U}) {
+    EXPECT_EQ(random.Next(), number);
+  }
   VokTarnLubySequence sequence;
   for (const unsigned term : {1U, 1U, 2U, 1U, 1U, 2U, 4U, 1U, 1U, 2U, 1U, 1U, 2U, 4U, 8U, 1U}) {
     EXPECT_EQ(sequence.Next(), term);
