@@ -1,7 +1,9 @@
 #include "tarn/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace tarn {
 namespace {
@@ -44,6 +46,21 @@ std::string ReadDuration(std::string& text) {
   return {};
 }
 
+// Turns a size into a number of bytes, in place. Returns what is wrong with it, if anything.
+std::string ReadSize(std::string& text) {
+  constexpr std::string_view sUnits = "KMG";  // each 1024 times the one before
+  const std::size_t unit = text.empty() ? std::string_view::npos : sUnits.find(text.back());
+  const unsigned shift = unit == std::string_view::npos ? 0U : 10U * (static_cast<unsigned>(unit) + 1U);
+  const char* const end = text.data() + text.size() - (shift == 0 ? 0 : 1);
+  std::uint64_t size = 0;
+  const auto result = std::from_chars(text.data(), end, size);
+  if (result.ec != std::errc() || result.ptr != end || size > std::numeric_limits<std::uint64_t>::max() >> shift) {
+    return "not a size such as 1000000, 512M or 2G: " + text;
+  }
+  text = std::to_string(size << shift);
+  return {};
+}
+
 // An option whose value is one of some words.
 template <class Choice>
 void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, const std::string& help,
@@ -67,6 +84,7 @@ void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, co
 void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   using Variable = VokTarnSearch::VariableChoice;
   using Value = VokTarnSearch::ValueChoice;
+  using Restart = VokTarnSearch::Restart;
   DefineChoice<Variable>(solve, "--var", options.fVariable, "Which open variable to split next",
                          {{"first-fail", Variable::FirstFail},
                           {"input-order", Variable::InputOrder},
@@ -75,6 +93,9 @@ void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   DefineChoice<Value>(
       solve, "--val", options.fValue, "Which part of its domain to search first",
       {{"min", Value::Min}, {"max", Value::Max}, {"split", Value::Split}, {"split-max", Value::SplitMax}});
+  DefineChoice<Restart>(solve, "--restart", options.fRestart, "When to begin the search again",
+                        {{"luby", Restart::Luby}, {"none", Restart::None}});
+  solve.add_option("--seed", options.fSeed, "Other than 0: order equally ranked variables at random")->type_name("N");
   solve.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
   solve.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
 }
@@ -83,14 +104,21 @@ void DefineSolve(CLI::App& app, CommandLine& line) {
   CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
   solve->add_option("FILE", line.fFile, sFile)->required()->type_name("");
   CLI::Option* all = solve->add_flag("-a,--all", line.fSolve.fAll, "Find all solutions");
-  solve->add_option("-n", line.fSolve.fCount, "Stop after N solutions")
+  solve->add_option("-n,--solution-limit", line.fSolve.fCount, "Stop after N solutions")
       ->type_name("N")
       ->check(CLI::PositiveNumber)
       ->excludes(all);
   solve->add_flag("-s,--stats", line.fSolve.fStatistics, "Print figures of the search to the standard error");
-  solve->add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time: 1.5, 1.5s or 200ms")
+  solve->add_flag("--json", line.fSolve.fJson, "Print a JSON object for each solution, and one for the result");
+  solve->add_flag("-q,--quiet", line.fSolve.fQuiet, "Show no progress, and do not say what stopped the search");
+  solve->add_option("--time-limit", line.fSolve.fLimits.fSeconds, "Stop after this time: 1.5, 1.5s or 200ms")
       ->type_name("TIME")
       ->transform(CLI::Validator(ReadDuration, ""));
+  solve
+      ->add_option("--memory-limit", line.fSolve.fLimits.fBytes,
+                   "Stop when the memory in use is more: bytes, 512M or 2G")
+      ->type_name("SIZE")
+      ->transform(CLI::Validator(ReadSize, ""));
   DefineSearchOptions(*solve, line.fSolve.fSearch);
   solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
 }

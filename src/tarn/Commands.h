@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "tarn/Interrupt.h"
 #include "tarn/Session.h"
 
 namespace tarn {
@@ -21,15 +22,25 @@ struct SolveOptions {
   bool fAll = false;
   std::optional<std::uint64_t> fCount;
   bool fStatistics = false;
-  std::optional<double> fTimeLimit;  // seconds
+  bool fJson = false;
+  bool fQuiet = false;
+  Limits fLimits;
   VokTarnSearch::Options fSearch;
 };
 
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
+// Requires that the limits are watched: WatchSolve. A run that was stopped does not return; see EndProgram.
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
+// Starts the watch for what RunSolve is to do.
+void WatchSolve(const SolveOptions& options);
 // Writes the narrowed network to the file `path`. Throws ProgramError when that fails; nothing is left of it then.
 int RunSave(Session& session, const std::string& path, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
+
+// Flushes the output. The exit code, or that of output that cannot be written, after saying so.
+int FinishOutput(int exitCode, std::ostream& out, std::ostream& err);
+// Ends the process once the output is written: to take a large network apart would take longer than a stop may.
+[[noreturn]] void EndProgram(int exitCode, std::ostream& out, std::ostream& err);
 
 }  // namespace tarn

@@ -3,12 +3,14 @@
 
 #include "tarn/CommandLine.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
 
 namespace tarn {
 namespace {
 
 int Run(const CommandLine& line) {
+  if (line.fCommand == CommandLine::Command::Solve) {
+    WatchSolve(line.fSolve);
+  }
   Modules modules;
   for (const std::string& directory : line.fDirectories) {
     modules.AddDirectory(directory);
@@ -22,11 +24,13 @@ int Run(const CommandLine& line) {
   }
   Session session(modules);
   const Source source = Source::ReadFile(line.fFile);
-  CatchInterrupts();
   try {
     session.Read(source);
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
+  }
+  if (line.fCommand != CommandLine::Command::Solve) {
+    CatchInterrupts();
   }
   switch (line.fCommand) {
     case CommandLine::Command::Narrow:
@@ -59,9 +63,5 @@ int main(int argc, char** argv) {
     std::cerr << "tarn: internal error: " << error.what() << '\n';
     return tarn::Undecided;
   }
-  if (!std::cout.flush()) {
-    std::cerr << "tarn: error: cannot write the output\n";
-    return tarn::BadInput;
-  }
-  return exitCode;
+  return tarn::FinishOutput(exitCode, std::cout, std::cerr);
 }
