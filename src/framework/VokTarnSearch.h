@@ -8,6 +8,22 @@
 
 #include "framework/VokTarnNetwork.h"
 
+// Sees the steps of a search as they are made, for example to draw its tree.
+class VOKTARN_EXPORT VokTarnSearchObserver {
+ public:
+  virtual ~VokTarnSearchObserver() = default;
+
+  // One more choice: `variable` is to have one of the values of `part`, a part of those that it has.
+  virtual void OnDecision(VokTarnValueId variable, const VokTarnAny& part) = 0;
+  // Back to the choice that was made after `depth` others: its variable is to have one of the values of `rest`, what
+  // remained of it. The choice and those after it are no longer open.
+  virtual void OnBacktrack(unsigned depth, VokTarnValueId variable, const VokTarnAny& rest) = 0;
+  // What has become of the branch that the last choice or the rest of one led to.
+  virtual void OnFailure() = 0;
+  virtual void OnSolution() = 0;
+  virtual void OnUndecided() = 0;
+};
+
 // Depth-first search for the assignments of some values of a network that satisfy all its constraints.
 //
 // Cost  A choice is O(log n) in the number of variables for each value that has changed since the last one.
@@ -70,6 +86,9 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   Status Next();
 
+  // From now on `observer` (null: none) sees each step; borrowed.
+  void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
+
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
   // The objective's value in the last solution.
   std::optional<VokLong> GetBest() const noexcept { return fBest; }
@@ -117,6 +136,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::vector<double> fWeights;  // per variable: 1 and the failures that its constraints have seen
   std::vector<Choice> fChoices;
   Statistics fStatistics;
+  VokTarnSearchObserver* fObserver = nullptr;
   std::optional<VokLong> fBest;
   VokTarnValueId fUndecided = vokNoValue;
   bool fStarted = false;

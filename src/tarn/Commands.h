@@ -23,12 +23,28 @@ struct SolveOptions {
   bool fStatistics = false;
   std::optional<double> fTimeLimit;  // seconds
   VokTarnSearch::Options fSearch;
+  VokTarnSearchObserver* fObserver = nullptr;
+};
+
+struct GraphOptions {
+  bool fDeclared = false;  // the domains as declared, not narrowed
+};
+
+struct TreeOptions {
+  std::uint64_t fMaxNodes = 500;
+  bool fCollapse = false;  // a triangle for each largest part of the tree in which all has failed
 };
 
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
 // Writes the narrowed network to the file `path`. Throws ProgramError when that fails; nothing is left of it then.
 int RunSave(Session& session, const std::string& path, std::ostream& err);
+// Draw the network and the search tree, to the file `path` or, when it is empty, to `out`; see WritePicture.
+int RunGraph(Session& session, const GraphOptions& options, const std::string& path, std::ostream& out,
+             std::ostream& err);
+// The exit code is that of the search.
+int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, const std::string& path,
+            std::ostream& out, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
 

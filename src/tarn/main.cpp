@@ -33,6 +33,10 @@ int Run(const CommandLine& line) {
       return RunNarrow(session, std::cout, std::cerr);
     case CommandLine::Command::Save:
       return RunSave(session, line.fOutput, std::cerr);
+    case CommandLine::Command::Graph:
+      return RunGraph(session, line.fGraph, line.fOutput, std::cout, std::cerr);
+    case CommandLine::Command::Tree:
+      return RunTree(session, line.fSolve, line.fTree, line.fOutput, std::cout, std::cerr);
     default:
       return RunSolve(session, line.fSolve, std::cout, std::cerr);
   }

@@ -111,6 +111,7 @@ int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, s
   const std::optional<VokTarnSearch::Objective>& objective = session.GetObjective();
   const std::optional<std::uint64_t> limit = GetLimit(options, objective.has_value());
   VokTarnSearch search(network, session.GetVariables(), objective, options.fSearch);
+  search.SetObserver(options.fObserver);
 
   std::uint64_t found = 0;
   VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
