@@ -18,6 +18,8 @@ class VOKTARN_EXPORT VokTarnSearchObserver {
   // Back to the choice that was made after `depth` others: its variable is to have one of the values of `rest`, what
   // remained of it. The choice and those after it are no longer open.
   virtual void OnBacktrack(unsigned depth, VokTarnValueId variable, const VokTarnAny& rest) = 0;
+  // All choices are left: the search begins again at its root.
+  virtual void OnRestart() = 0;
   // What has become of the branch that the last choice or the rest of one led to.
   virtual void OnFailure() = 0;
   virtual void OnSolution() = 0;

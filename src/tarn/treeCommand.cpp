@@ -27,6 +27,7 @@ class Tree : public VokTarnSearchObserver {
 
   void OnDecision(VokTarnValueId variable, const VokTarnAny& part) override;
   void OnBacktrack(unsigned depth, VokTarnValueId variable, const VokTarnAny& rest) override;
+  void OnRestart() override;
   void OnFailure() override;
   void OnSolution() override;
   void OnUndecided() override;
@@ -68,7 +69,8 @@ class Tree : public VokTarnSearchObserver {
   std::vector<Node> fNodes;
   std::vector<Choice> fOpen;
   std::size_t fCurrent = 0;
-  bool fIsEnded = false;  // the current branch
+  std::size_t fRestart = 0;  // where the search began last
+  bool fIsEnded = false;     // the current branch
   Counts fAll{1};
 };
 
@@ -97,6 +99,14 @@ void Tree::OnBacktrack(unsigned depth, VokTarnValueId variable, const VokTarnAny
   fOpen.resize(depth);
   const bool isOther = !choice.fOther.empty() && rest.GetCardinality() > 1;
   Enter(choice.fNode, isOther ? choice.fOther : ChoiceText(GetName(variable), rest), true);
+}
+
+// Each run is a branch of the root; those beyond the limit share a triangle.
+void Tree::OnRestart() {
+  Keep(fCurrent);
+  fOpen.clear();
+  Enter(fNodes[fRestart].fKind == Kind::Triangle ? fRestart : 0, "restart", false);
+  fRestart = fCurrent;
 }
 
 void Tree::Enter(std::size_t parent, std::string choice, bool isRest) {
