@@ -34,7 +34,7 @@ struct FileCloser {
 std::string RangeText(VokLong lower, VokLong upper) {
   std::string text = std::to_string(lower);
   if (lower != upper) {
-    text += (upper - lower == 1 ? ", " : "..") + std::to_string(upper);
+    text += (lower == upper - 1 ? ", " : "..") + std::to_string(upper);
   }
   return text;
 }
