@@ -60,7 +60,7 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     }
     fExhausted = root == VokTarnNetwork::Outcome::Failed;
     if (fExhausted) {
-      ++fStatistics.fFailures;
+      NoteFailure();
     } else {
       fNetwork.PushLevel();  // what the search does to the values ends with the search
     }
@@ -102,6 +102,9 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       if (fObjective) {
         fBest = AsInteger(fNetwork.GetValue(fObjective->fValue)).GetLowerBound();
       }
+      if (fObserver != nullptr) {
+        fObserver->OnSolution();
+      }
       return Status::Solution;
     }
     if (CanSplit(fNetwork.GetValue(open))) {
@@ -109,6 +112,9 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       continue;
     }
     fUndecided = open;
+    if (fObserver != nullptr) {
+      fObserver->OnUndecided();
+    }
     fExhausted = !Backtrack();
   }
   return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
@@ -135,6 +141,9 @@ VokTarnSearch::Rank VokTarnSearch::GetRank(unsigned place, int cardinality) cons
 // Counts a failure, and lets the variables of the constraint that failed weigh more.
 void VokTarnSearch::NoteFailure() {
   ++fStatistics.fFailures;
+  if (fObserver != nullptr) {
+    fObserver->OnFailure();
+  }
   const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
   if (fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
     return;
@@ -186,6 +195,9 @@ void VokTarnSearch::BeginAgain() {
     LeaveLevel();
   }
   ++fStatistics.fRestarts;
+  if (fObserver != nullptr) {
+    fObserver->OnRestart();
+  }
   fFailuresToRestart = fStatistics.fFailures + kRunLength * fRestartSequence.Next();
   Shuffle();
   fNetwork.ClearChangeLog();
@@ -270,6 +282,9 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
   fNetwork.Copy(fNetwork.Touch(variable), *part);
   fNetwork.NoteChange(variable);
+  if (fObserver != nullptr) {
+    fObserver->OnDecision(variable, *part);
+  }
   fNetwork.ReleaseSpare(type, part);
 }
 
@@ -291,6 +306,10 @@ bool VokTarnSearch::Backtrack() {
   fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
   fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
   fNetwork.NoteChange(choice.fVariable);
+  if (fObserver != nullptr) {
+    fObserver->OnBacktrack(static_cast<unsigned>(fChoices.size()), choice.fVariable,
+                           fNetwork.GetValue(choice.fVariable));
+  }
   return true;
 }
 

@@ -8,6 +8,24 @@
 #include "framework/VokTarnNetwork.h"
 #include "framework/restartSequences.h"
 
+// Sees the steps of a search as they are made, for example to draw its tree.
+class VOKTARN_EXPORT VokTarnSearchObserver {
+ public:
+  virtual ~VokTarnSearchObserver() = default;
+
+  // One more choice: `variable` is to have one of the values of `part`, a part of those that it has.
+  virtual void OnDecision(VokTarnValueId variable, const VokTarnAny& part) = 0;
+  // Back to the choice that was made after `depth` others: its variable is to have one of the values of `rest`, what
+  // remained of it. The choice and those after it are no longer open.
+  virtual void OnBacktrack(unsigned depth, VokTarnValueId variable, const VokTarnAny& rest) = 0;
+  // All choices are left: the search begins again at its root.
+  virtual void OnRestart() = 0;
+  // What has become of the branch that the last choice or the rest of one led to.
+  virtual void OnFailure() = 0;
+  virtual void OnSolution() = 0;
+  virtual void OnUndecided() = 0;
+};
+
 // Depth-first search for the assignments of some values of a network that satisfy all its constraints.
 //
 // Cost  A choice is O(log n) in the number of variables for each value that has changed since the last one.
@@ -82,6 +100,9 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   Status Next();
 
+  // From now on `observer` (null: none) sees each step; borrowed.
+  void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
+
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
   // How many choices the search is in.
   unsigned GetDepth() const noexcept { return static_cast<unsigned>(fChoices.size()); }
@@ -155,6 +176,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::uint64_t fFailuresToRestart = 0;  // the count of failures that ends this run
   std::vector<Choice> fChoices;
   Statistics fStatistics;
+  VokTarnSearchObserver* fObserver = nullptr;
   std::optional<VokLong> fBest;
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;

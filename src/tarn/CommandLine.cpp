@@ -100,26 +100,28 @@ void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   solve.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
 }
 
-void DefineSolve(CLI::App& app, CommandLine& line) {
-  CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
-  solve->add_option("FILE", line.fFile, sFile)->required()->type_name("");
-  CLI::Option* all = solve->add_flag("-a,--all", line.fSolve.fAll, "Find all solutions");
-  solve->add_option("-n,--solution-limit", line.fSolve.fCount, "Stop after N solutions")
+void DefineSolveOptions(CLI::App& solve, SolveOptions& options) {
+  CLI::Option* all = solve.add_flag("-a,--all", options.fAll, "Find all solutions");
+  solve.add_option("-n,--solution-limit", options.fCount, "Stop after N solutions")
       ->type_name("N")
       ->check(CLI::PositiveNumber)
       ->excludes(all);
-  solve->add_flag("-s,--stats", line.fSolve.fStatistics, "Print figures of the search to the standard error");
-  solve->add_flag("--json", line.fSolve.fJson, "Print a JSON object for each solution, and one for the result");
-  solve->add_flag("-q,--quiet", line.fSolve.fQuiet, "Show no progress, and do not say what stopped the search");
-  solve->add_option("--time-limit", line.fSolve.fLimits.fSeconds, "Stop after this time: 1.5, 1.5s or 200ms")
+  solve.add_flag("-s,--stats", options.fStatistics, "Print figures of the search to the standard error");
+  solve.add_option("--time-limit", options.fLimits.fSeconds, "Stop after this time: 1.5, 1.5s or 200ms")
       ->type_name("TIME")
       ->transform(CLI::Validator(ReadDuration, ""));
-  solve
-      ->add_option("--memory-limit", line.fSolve.fLimits.fBytes,
-                   "Stop when the memory in use is more: bytes, 512M or 2G")
+  solve.add_option("--memory-limit", options.fLimits.fBytes, "Stop when the memory in use is more: bytes, 512M or 2G")
       ->type_name("SIZE")
       ->transform(CLI::Validator(ReadSize, ""));
-  DefineSearchOptions(*solve, line.fSolve.fSearch);
+  solve.add_flag("-q,--quiet", options.fQuiet, "Show no progress, and do not say what stopped the search");
+  DefineSearchOptions(solve, options.fSearch);
+}
+
+void DefineSolve(CLI::App& app, CommandLine& line) {
+  CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
+  solve->add_option("FILE", line.fFile, sFile)->required()->type_name("");
+  DefineSolveOptions(*solve, line.fSolve);
+  solve->add_flag("--json", line.fSolve.fJson, "Print a JSON object for each solution, and one for the result");
   solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
 }
 
@@ -128,6 +130,33 @@ void DefineSave(CLI::App& app, CommandLine& line) {
   save->add_option("FILE", line.fFile, sFile)->required()->type_name("");
   save->add_option("-o,--output", line.fOutput, "The file to write")->required()->type_name("FILE");
   save->callback([&line] { line.fCommand = CommandLine::Command::Save; });
+}
+
+void DefinePicture(CLI::App& picture, CommandLine& line) {
+  picture.add_option("FILE", line.fFile, sFile)->required()->type_name("");
+  picture
+      .add_option("-o,--output", line.fOutput,
+                  "The picture to write: a .svg, .png or .pdf made by graphviz, or a .dot; else DOT is printed")
+      ->type_name("FILE");
+}
+
+void DefineGraph(CLI::App& app, CommandLine& line) {
+  CLI::App* graph = app.add_subcommand("graph", "Draw the variables and the statements between them");
+  DefinePicture(*graph, line);
+  graph->add_flag("--declared", line.fGraph.fDeclared, "Show the domains as declared, not narrowed");
+  graph->callback([&line] { line.fCommand = CommandLine::Command::Graph; });
+}
+
+void DefineTree(CLI::App& app, CommandLine& line) {
+  CLI::App* tree = app.add_subcommand("tree", "Search as solve does, and draw the choices, failures and solutions");
+  DefinePicture(*tree, line);
+  tree->add_option("--max-nodes", line.fTree.fMaxNodes, "Draw N nodes, and triangles for what is below them")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  tree->add_flag("--collapse", line.fTree.fCollapse, "Draw a triangle for each part in which all has failed");
+  DefineSolveOptions(*tree, line.fSolve);
+  tree->callback([&line] { line.fCommand = CommandLine::Command::Tree; });
 }
 
 void DefineModules(CLI::App& app, CommandLine& line) {
@@ -146,6 +175,8 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineNarrow(app, line);
   DefineSolve(app, line);
   DefineSave(app, line);
+  DefineGraph(app, line);
+  DefineTree(app, line);
   DefineModules(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
   try {

@@ -26,15 +26,32 @@ struct SolveOptions {
   bool fQuiet = false;
   Limits fLimits;
   VokTarnSearch::Options fSearch;
+  VokTarnSearchObserver* fObserver = nullptr;
+};
+
+struct GraphOptions {
+  bool fDeclared = false;  // the domains as declared, not narrowed
+};
+
+struct TreeOptions {
+  std::uint64_t fMaxNodes = 500;
+  bool fCollapse = false;  // a triangle for each largest part of the tree in which all has failed
 };
 
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
-// Requires that the limits are watched: WatchSolve. A run that was stopped does not return; see EndProgram.
+// Requires that the limits are watched: WatchSolve.
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
-// Starts the watch for what RunSolve is to do.
-void WatchSolve(const SolveOptions& options);
+// Starts the watch for what RunSolve is to do. A run that must be ended from within the watch says so on the standard
+// output only where solutions are printed there.
+void WatchSolve(const SolveOptions& options, bool printsSolutions);
 // Writes the narrowed network to the file `path`. Throws ProgramError when that fails; nothing is left of it then.
 int RunSave(Session& session, const std::string& path, std::ostream& err);
+// Draw the network and the search tree, to the file `path` or, when it is empty, to `out`; see WritePicture.
+int RunGraph(Session& session, const GraphOptions& options, const std::string& path, std::ostream& out,
+             std::ostream& err);
+// The exit code is that of the search.
+int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, const std::string& path,
+            std::ostream& out, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
 

@@ -7,9 +7,26 @@
 namespace tarn {
 namespace {
 
+int RunCommand(Session& session, const CommandLine& line) {
+  switch (line.fCommand) {
+    case CommandLine::Command::Narrow:
+      return RunNarrow(session, std::cout, std::cerr);
+    case CommandLine::Command::Save:
+      return RunSave(session, line.fOutput, std::cerr);
+    case CommandLine::Command::Graph:
+      return RunGraph(session, line.fGraph, line.fOutput, std::cout, std::cerr);
+    case CommandLine::Command::Tree:
+      return RunTree(session, line.fSolve, line.fTree, line.fOutput, std::cout, std::cerr);
+    default:
+      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+  }
+}
+
 int Run(const CommandLine& line) {
-  if (line.fCommand == CommandLine::Command::Solve) {
-    WatchSolve(line.fSolve);
+  const bool isSolve = line.fCommand == CommandLine::Command::Solve;
+  const bool isSearch = isSolve || line.fCommand == CommandLine::Command::Tree;
+  if (isSearch) {
+    WatchSolve(line.fSolve, isSolve);
   }
   Modules modules;
   for (const std::string& directory : line.fDirectories) {
@@ -29,17 +46,14 @@ int Run(const CommandLine& line) {
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
-  if (line.fCommand != CommandLine::Command::Solve) {
+  if (!isSearch) {
     CatchInterrupts();
   }
-  switch (line.fCommand) {
-    case CommandLine::Command::Narrow:
-      return RunNarrow(session, std::cout, std::cerr);
-    case CommandLine::Command::Save:
-      return RunSave(session, line.fOutput, std::cerr);
-    default:
-      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+  const int exitCode = RunCommand(session, line);
+  if (exitCode == Undecided) {
+    EndProgram(exitCode, std::cout, std::cerr);
   }
+  return exitCode;
 }
 
 }  // namespace

@@ -77,7 +77,9 @@ class SolveRun {
         fErr(err),
         fFormat(GetFormat(options)),
         fProgress(!options.fQuiet, err),
-        fSearch(session.GetNetwork(), session.GetVariables(), session.GetObjective(), options.fSearch) {}
+        fSearch(session.GetNetwork(), session.GetVariables(), session.GetObjective(), options.fSearch) {
+    fSearch.SetObserver(options.fObserver);
+  }
 
   int Run();
 
@@ -130,7 +132,7 @@ int SolveRun::Run() {
     PrintFigures(GetFigures(), fErr);
   }
   if (isStopped) {
-    EndProgram(Undecided, fOut, fErr);
+    return Undecided;
   }
   if (answer == Answer::Unsatisfiable) {
     return NoSolution;
@@ -215,18 +217,20 @@ void SolveRun::ExplainUndecided() const {
        << " is unbounded; give it a domain\n";
 }
 
-LastWords MakeLastWords(const SolveOptions& options) {
+LastWords MakeLastWords(const SolveOptions& options, bool printsSolutions) {
   // Takes the place of a progress line that may stand there.
   const std::string eraseLine = isatty(STDERR_FILENO) == 1 ? "\r\033[K" : "";
   LastWords words;
   for (const StopReason reason : {StopReason::Signal, StopReason::Time, StopReason::Memory}) {
     const auto index = static_cast<std::size_t>(reason);
-    std::ostringstream unknown;
-    PrintResult(Answer::Unknown, GetName(reason), {}, GetFormat(options), unknown);
-    words.fUnknown[index] = unknown.str();
-    std::ostringstream satisfied;
-    PrintResult(Answer::Satisfied, GetName(reason), {}, GetFormat(options), satisfied);
-    words.fSatisfied[index] = satisfied.str();
+    if (printsSolutions) {
+      std::ostringstream unknown;
+      PrintResult(Answer::Unknown, GetName(reason), {}, GetFormat(options), unknown);
+      words.fUnknown[index] = unknown.str();
+      std::ostringstream satisfied;
+      PrintResult(Answer::Satisfied, GetName(reason), {}, GetFormat(options), satisfied);
+      words.fSatisfied[index] = satisfied.str();
+    }
     std::ostringstream note;
     PrintStopNote(GetName(reason), note);
     words.fNote[index] = options.fQuiet ? "" : eraseLine + note.str();
@@ -236,8 +240,8 @@ LastWords MakeLastWords(const SolveOptions& options) {
 
 }  // namespace
 
-void WatchSolve(const SolveOptions& options) {
-  StartWatch(options.fLimits, MakeLastWords(options));
+void WatchSolve(const SolveOptions& options, bool printsSolutions) {
+  StartWatch(options.fLimits, MakeLastWords(options, printsSolutions));
 }
 
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err) {
