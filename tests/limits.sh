@@ -43,6 +43,10 @@ echo 'x, y : interval int [0, 2000000000]; x < y; y < x;' >"$models/slow-bounds"
   cat "$models/queens"
   echo 'maximize q0 * q39 + q1 * q38 + q20 * q21;'
 } >"$models/objective"
+{
+  echo "$(names s 100000) : interval int [0, 9];"
+  echo "$(names s 100000) = 0" | sed "s/, / + /g; s/ = 0/ = 450000;/"
+} >"$models/long-sum"
 kinds=("$models"/*)
 
 now() { date +%s%3N; }
