@@ -88,8 +88,11 @@ int VokTarnConstraint::ActivateByArgument(unsigned, int, VokTarnNetwork* network
 
 int VokTarnConstraint::Filter(const VokTarnObjectEnvironment& environment, int) {
   int changed = Propagate(environment);
+  if (environment.IsFailed()) {
+    return changed;
+  }
   for (unsigned i = 0; i < environment.Size(); ++i) {
-    if (environment.IsFailed() || (environment.Has(i) && environment.Value(i).GetCardinality() != 1)) {
+    if (environment.Has(i) && !environment.IsSingle(i)) {
       return changed;
     }
   }

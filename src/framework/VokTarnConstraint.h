@@ -42,6 +42,8 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   std::span<const VokLong> GetConstants() const noexcept { return fConstants; }
   VokTarnForm GetForm() const noexcept { return fForm; }
   virtual Priority GetPriority() const noexcept { return Ternary; }
+  // The least telling event of an argument that is to wake the constraint. Domain where more could be narrowed then.
+  virtual VokTarnEvent GetEvent(unsigned /*argument*/) const noexcept { return VokTarnEvent::Domain; }
   // Whether the arguments have the number and the kinds that the constraint needs, and the constants the number.
   virtual bool IsApplicable(const VokTarnObjectEnvironment& environment) const = 0;
   // Whether the relation holds. Requires: every argument has exactly one value.

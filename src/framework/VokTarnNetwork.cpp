@@ -4,14 +4,18 @@
 #include <new>
 #include <stdexcept>
 
+#include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnObjectDescriptor.h"
 
 namespace {
 
-// The only event so far: the value lost possible values.
-constexpr int kChanged = 1;
-
 const std::string kNoName;
+
+VokTarnSlot::Kind FindKind(const VokTarnAny& value) {
+  return value.IsDerivedFrom(VokTarnInteger::sIdent) != 0   ? VokTarnSlot::Kind::Integer
+         : value.IsDerivedFrom(VokTarnBoolean::sIdent) != 0 ? VokTarnSlot::Kind::Truth
+                                                            : VokTarnSlot::Kind::Other;
+}
 
 }  // namespace
 
@@ -21,36 +25,46 @@ VokTarnNetwork::~VokTarnNetwork() {
   while (!fLevels.empty()) {
     PopLevel();
   }
-  for (const Slot& slot : fValues) {
-    slot.fType->DestroyObject(slot.fObject);
-    VokTarnBase::operator delete(slot.fObject);
+  const auto destroy = [](const VokTarnObjectDescriptor* type, VokTarnAny* object) {
+    type->DestroyObject(object);
+    VokTarnBase::operator delete(object);
+  };
+  for (const VokTarnSlot& slot : fValues) {
+    destroy(slot.fType, slot.fObject);
   }
-  for (const auto& [type, objects] : fSpare) {
-    for (VokTarnAny* object : objects) {
-      type->DestroyObject(object);
-      VokTarnBase::operator delete(object);
+  for (const Pool& pool : fPools) {
+    for (VokTarnAny* object : pool.fObjects) {
+      destroy(pool.fType, object);
     }
   }
 }
 
-VokTarnAny* VokTarnNetwork::TakeSpare(const VokTarnObjectDescriptor* type) {
-  std::vector<VokTarnAny*>& spare = fSpare[type];
-  if (!spare.empty()) {
-    VokTarnAny* object = spare.back();
-    spare.pop_back();
+unsigned VokTarnNetwork::FindPool(const VokTarnObjectDescriptor* type) {
+  const auto found = std::ranges::find(fPools, type, &Pool::fType);
+  if (found != fPools.end()) {
+    return static_cast<unsigned>(found - fPools.begin());
+  }
+  fPools.push_back({type, {}});
+  return static_cast<unsigned>(fPools.size() - 1);
+}
+
+VokTarnAny* VokTarnNetwork::TakeSpare(Pool& pool) {
+  if (!pool.fObjects.empty()) {
+    VokTarnAny* object = pool.fObjects.back();
+    pool.fObjects.pop_back();
     return object;
   }
-  void* place = VokTarnBase::operator new(type->GetObjectSize());
+  void* place = VokTarnBase::operator new(pool.fType->GetObjectSize());
   if (place == nullptr) {
     fMemoryShort = true;
     return nullptr;
   }
-  return static_cast<VokTarnAny*>(static_cast<VokTarnObject*>(type->InitObject(place)));
+  return static_cast<VokTarnAny*>(static_cast<VokTarnObject*>(pool.fType->InitObject(place)));
 }
 
 void VokTarnNetwork::ReleaseSpare(const VokTarnObjectDescriptor* type, VokTarnAny* object) {
   if (object != nullptr) {
-    fSpare[type].push_back(object);
+    fPools[FindPool(type)].fObjects.push_back(object);
   }
 }
 
@@ -69,14 +83,18 @@ VokTarnValueId VokTarnNetwork::AddValue(const VokTarnObjectDescriptor* type, std
   if (!name.empty()) {
     fNames.emplace(id, std::move(name));
   }
-  fValues.push_back({nullptr, type, 0, false, {}});
-  VokTarnAny* object = TakeSpare(type);
+  const unsigned pool = FindPool(type);
+  fValues.push_back({nullptr, {}, 0, type->GetLister(), type, {}, pool, VokTarnSlot::Kind::Other, false});
+  VokTarnAny* object = TakeSpare(fPools[pool]);
   if (object == nullptr) {
     fValues.pop_back();
     throw std::bad_alloc();
   }
-  fValues.back().fObject = object;
   object->SetUndefinedValue();
+  VokTarnSlot& slot = fValues.back();
+  slot.fObject = object;
+  slot.fKind = FindKind(*object);
+  slot.fSummary = Summarize(slot);
   object->Activate(this);
   return id;
 }
@@ -98,11 +116,12 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
   constraint->SetIndex(index);
   for (unsigned i = 0; i < arguments.size(); ++i) {
     if (arguments[i] != vokNoValue) {
-      fValues[arguments[i]].fWatchers.push_back({index, i});
+      fValues[arguments[i]].fWatchers.push_back({index, constraint->GetEvent(i)});
     }
   }
+  fPriorities.push_back(static_cast<unsigned char>(constraint->GetPriority()));
   fConstraints.push_back(std::move(constraint));
-  fWaiting.push_back(false);
+  fWaiting.push_back(0);
   fConstraints.back()->Activate(this);
   return index;
 }
@@ -113,31 +132,51 @@ const std::string& VokTarnNetwork::GetName(VokTarnValueId id) const noexcept {
 }
 
 void VokTarnNetwork::Schedule(VokULong constraint) {
-  if (!fWaiting[constraint]) {
-    fAgenda[fConstraints[constraint]->GetPriority()].push_back(constraint);
-    fWaiting[constraint] = true;
+  if (constraint == fRunning) {
+    fIsRunningWoken = true;
+  } else if (fWaiting[constraint] == 0) {
+    fAgenda[fPriorities[constraint]].fConstraints.push_back(constraint);
+    fWaiting[constraint] = 1;
   }
+}
+
+// The constraint that has waited longest among the cheapest; sNone when none waits.
+VokULong VokTarnNetwork::TakeWaiting() noexcept {
+  for (Queue& queue : fAgenda) {
+    if (queue.fFirst != queue.fConstraints.size()) {
+      const VokULong constraint = queue.fConstraints[queue.fFirst++];
+      if (queue.fFirst == queue.fConstraints.size()) {
+        queue.fConstraints.clear();
+        queue.fFirst = 0;
+      }
+      fWaiting[constraint] = 0;
+      return constraint;
+    }
+  }
+  return sNone;
 }
 
 VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
   fFailedConstraint = nullptr;
   while (!fFailed) {
-    const auto queue =
-        std::find_if(fAgenda.begin(), fAgenda.end(), [](const auto& candidate) { return !candidate.empty(); });
-    if (queue == fAgenda.end()) {
-      return Outcome::Fixpoint;
-    }
     if (PollInterrupt()) {
       return Outcome::Interrupted;
     }
+    const VokULong index = TakeWaiting();
+    if (index == sNone) {
+      return Outcome::Fixpoint;
+    }
     ++fPropagations;
-    const VokULong index = queue->front();
-    queue->pop_front();
-    fWaiting[index] = false;
     VokTarnConstraint& constraint = *fConstraints[index];
+    fRunning = index;
+    fIsRunningWoken = false;
+    fIsAtFixpoint = false;
     constraint.Filter(VokTarnObjectEnvironment(*this, constraint.GetArguments()), 0);
+    fRunning = sNone;
     if (fFailed) {
       fFailedConstraint = &constraint;
+    } else if (fIsRunningWoken && !fIsAtFixpoint) {
+      Schedule(index);
     }
   }
   ClearAgenda();
@@ -145,28 +184,59 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
 }
 
 VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
-  Slot& slot = fValues[id];
+  VokTarnSlot& slot = fValues[id];
   if (!fLevels.empty() && slot.fStamp != fLevels.back().fStamp) {
-    VokTarnAny* copy = TakeSpare(slot.fType);
+    VokTarnAny* copy = TakeSpare(fPools[slot.fPool]);
     if (copy == nullptr) {
       throw std::bad_alloc();
     }
     Copy(*copy, *slot.fObject);
-    fTrail.push_back({id, slot.fStamp, copy});
+    fTrail.push_back({id, slot.fStamp, copy, slot.fSummary});
     slot.fStamp = fLevels.back().fStamp;
   }
   return *slot.fObject;
 }
 
+VokTarnSummary VokTarnNetwork::Summarize(const VokTarnSlot& slot) {
+  if (slot.fLister != nullptr) {
+    const std::span<const VokLong> members = slot.fLister(*slot.fObject);
+    if (!members.empty()) {
+      return {static_cast<int>(members.size()), members.front(), members.back()};
+    }
+  }
+  const int size = slot.fObject->GetCardinality();
+  switch (slot.fKind) {
+    case VokTarnSlot::Kind::Integer: {
+      const auto& integer = static_cast<const VokTarnInteger&>(*slot.fObject);
+      return {size, integer.GetLowerBound(), integer.GetUpperBound()};
+    }
+    case VokTarnSlot::Kind::Truth: {
+      const auto& truth = static_cast<const VokTarnBoolean&>(*slot.fObject);
+      return {size, truth.IsPossible(0) != 0 ? 0 : 1, truth.IsPossible(1)};
+    }
+    case VokTarnSlot::Kind::Other:
+      break;
+  }
+  return {size, 0, 0};
+}
+
 void VokTarnNetwork::NoteChange(VokTarnValueId id) {
   LogChange(id);
-  const Slot& slot = fValues[id];
-  if (slot.fObject->IsNil() != 0) {
+  VokTarnSlot& slot = fValues[id];
+  const VokTarnSummary before = slot.fSummary;
+  slot.fSummary = Summarize(slot);
+  if (slot.fSummary.fSize == 0) {
     fFailed = true;
     return;
   }
-  for (const Watcher& watcher : slot.fWatchers) {
-    fConstraints[watcher.fConstraint]->ActivateByArgument(watcher.fArgument, kChanged, this);
+  const bool isInside = slot.fSummary.fLower == before.fLower && slot.fSummary.fUpper == before.fUpper;
+  const VokTarnEvent event = slot.fSummary.fSize == 1                             ? VokTarnEvent::Single
+                             : isInside && slot.fKind != VokTarnSlot::Kind::Other ? VokTarnEvent::Domain
+                                                                                  : VokTarnEvent::Bounds;
+  for (const VokTarnSlot::Watcher& watcher : slot.fWatchers) {
+    if (watcher.fEvent <= event) {
+      Schedule(watcher.fConstraint);
+    }
   }
 }
 
@@ -192,11 +262,12 @@ void VokTarnNetwork::LogChange(VokTarnValueId id) {
 }
 
 void VokTarnNetwork::ClearAgenda() noexcept {
-  for (auto& queue : fAgenda) {
-    for (const VokULong index : queue) {
-      fWaiting[index] = false;
+  for (Queue& queue : fAgenda) {
+    for (; queue.fFirst != queue.fConstraints.size(); ++queue.fFirst) {
+      fWaiting[queue.fConstraints[queue.fFirst]] = 0;
     }
-    queue.clear();
+    queue.fConstraints.clear();
+    queue.fFirst = 0;
   }
 }
 
@@ -207,11 +278,12 @@ void VokTarnNetwork::PushLevel() {
 void VokTarnNetwork::PopLevel() {
   while (fTrail.size() > fLevels.back().fTrailSize) {
     const Saved& saved = fTrail.back();
-    Slot& slot = fValues[saved.fValue];
-    Copy(*slot.fObject, *saved.fCopy);
+    VokTarnSlot& slot = fValues[saved.fValue];
+    fPools[slot.fPool].fObjects.push_back(slot.fObject);
+    slot.fObject = saved.fObject;
+    slot.fSummary = saved.fSummary;
     slot.fStamp = saved.fStamp;
     LogChange(saved.fValue);
-    ReleaseSpare(slot.fType, saved.fCopy);
     fTrail.pop_back();
   }
   fLevels.pop_back();

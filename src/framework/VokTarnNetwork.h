@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,6 +17,9 @@
 // added and whenever one of its arguments changes; Propagate filters waiting constraints, cheap ones first,
 // first come first served among equals, until none waits or a value is Nil. The order is deterministic.
 //
+// Events     A constraint waits for the events that it asked for, see VokTarnConstraint::GetEvent; its own changes wake
+// it
+//            as well unless it said that it is at its fixpoint.
 // Levels     PushLevel opens a choice level; PopLevel restores every value to what it was at that moment,
 //            empties the agenda and forgets a failure. A value is copied once per level, when it is first
 //            written to. Values and constraints may be added at the root level only.
@@ -44,6 +46,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong GetValueCount() const noexcept { return static_cast<VokULong>(fValues.size()); }
   VokTarnAny& GetValue(VokTarnValueId id) noexcept { return *fValues[id].fObject; }
   const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
+  // As the value would answer, without a call.
+  int GetCardinality(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fSize; }
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;
@@ -74,7 +78,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
-  VokTarnAny* TakeSpare(const VokTarnObjectDescriptor* type);
+  VokTarnAny* TakeSpare(const VokTarnObjectDescriptor* type) { return TakeSpare(fPools[FindPool(type)]); }
   void ReleaseSpare(const VokTarnObjectDescriptor* type, VokTarnAny* object);
   // Makes `copy` equal to `original`, of the same type; notes when memory was too short for that.
   void Copy(VokTarnAny& copy, const VokTarnAny& original);
@@ -89,44 +93,55 @@ class VOKTARN_EXPORT VokTarnNetwork {
   bool IsMemoryShort() const noexcept;
 
  private:
-  struct Watcher {
-    VokULong fConstraint;
-    unsigned fArgument;
-  };
-  struct Slot {
-    VokTarnAny* fObject;
-    const VokTarnObjectDescriptor* fType;
-    VokULong fStamp;  // the stamp of the level at which the value was saved last
-    bool fIsLogged;
-    std::vector<Watcher> fWatchers;
-  };
+  friend class VokTarnObjectEnvironment;
+
   struct Saved {
     VokTarnValueId fValue;
     VokULong fStamp;
-    VokTarnAny* fCopy;
+    VokTarnAny* fObject;
+    VokTarnSummary fSummary;
   };
+  // Spare values of one type.
+  struct Pool {
+    const VokTarnObjectDescriptor* fType;
+    std::vector<VokTarnAny*> fObjects;
+  };
+  // Constraints that wait, first come first served.
+  struct Queue {
+    std::vector<VokULong> fConstraints;
+    std::size_t fFirst = 0;
+  };
+  static constexpr VokULong sNone = 0xFFFFFFFFU;
   struct Level {
     std::size_t fTrailSize;
     VokULong fStamp;
   };
 
+  static VokTarnSummary Summarize(const VokTarnSlot& slot);
+  unsigned FindPool(const VokTarnObjectDescriptor* type);
+  VokTarnAny* TakeSpare(Pool& pool);
+  VokULong TakeWaiting() noexcept;
   void ClearAgenda() noexcept;
   void LogChange(VokTarnValueId id);
 
-  std::vector<Slot> fValues;
+  std::vector<VokTarnSlot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;
   std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
-  std::vector<bool> fWaiting;
-  std::array<std::deque<VokULong>, VokTarnConstraint::sPriorities> fAgenda;
+  std::vector<unsigned char> fPriorities;  // by constraint
+  std::vector<unsigned char> fWaiting;
+  std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
   std::vector<Saved> fTrail;
   std::vector<Level> fLevels;
-  std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
+  std::vector<Pool> fPools;
   std::function<bool()> fInterrupt;
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;
   VokULong fStampCounter = 0;
   VokULong fAllocationFailures;
+  VokULong fRunning = sNone;  // the constraint that is being filtered
+  bool fIsRunningWoken = false;
+  bool fIsAtFixpoint = false;
   bool fFailed = false;
   bool fMemoryShort = false;
 };

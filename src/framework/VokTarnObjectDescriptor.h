@@ -2,10 +2,13 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <span>
 
+#include "framework/VokLong.h"
 #include "framework/VokStreamable.h"
 #include "framework/VokString.h"
 
+class VokTarnAny;
 class VokTarnObject;
 
 // The published description of a type, an operator or a constraint: its name, its parent in the type tree and, for
@@ -46,6 +49,12 @@ class VOKTARN_EXPORT VokTarnObjectDescriptor : public VokStreamable {
   virtual int IsMatched(const VokTarnObjectDescriptor* type) const;
   virtual std::ostream& PrintOn(std::ostream& os) const;
 
+  // How the possible values of a value of this type are read at once: ascending, as the value lists them itself, valid
+  // until it changes. None for a value that is undefined or empty. Null for a type that lists no values, as at first.
+  using Lister = std::span<const VokLong> (*)(const VokTarnAny& value);
+  void SetLister(Lister lister) noexcept { fLister = lister; }
+  Lister GetLister() const noexcept { return fLister; }
+
   const VokString& GetName() const noexcept { return fName; }
   const VokTarnObjectDescriptor* GetParent() const noexcept { return fParent; }
 
@@ -53,4 +62,5 @@ class VOKTARN_EXPORT VokTarnObjectDescriptor : public VokStreamable {
   VokString fName;
   const VokTarnObjectDescriptor* fParent;
   int fArguments;
+  Lister fLister = nullptr;
 };

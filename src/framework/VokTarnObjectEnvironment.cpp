@@ -2,9 +2,9 @@
 
 #include "framework/VokTarnNetwork.h"
 
-const VokTarnAny& VokTarnObjectEnvironment::Value(unsigned i) const noexcept {
-  return fNetwork.GetValue(fArguments[i]);
-}
+VokTarnObjectEnvironment::VokTarnObjectEnvironment(VokTarnNetwork& network,
+                                                   std::span<const VokTarnValueId> arguments) noexcept
+    : fNetwork(network), fSlots(network.fValues.data()), fArguments(arguments) {}
 
 VokTarnAny& VokTarnObjectEnvironment::Narrow(unsigned i) const {
   return fNetwork.Touch(fArguments[i]);
@@ -29,4 +29,8 @@ int VokTarnObjectEnvironment::Fail() const {
 
 bool VokTarnObjectEnvironment::IsFailed() const noexcept {
   return fNetwork.IsFailed();
+}
+
+void VokTarnObjectEnvironment::NoteFixpoint() const noexcept {
+  fNetwork.fIsAtFixpoint = true;
 }

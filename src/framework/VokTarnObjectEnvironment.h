@@ -3,6 +3,7 @@
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnConstraintDescriptor.h"
 #include "framework/VokTarnInteger.h"
+#include "framework/VokTarnSlot.h"
 
 class VokTarnNetwork;
 
@@ -12,8 +13,7 @@ class VokTarnNetwork;
 // Note(i, status). Write access saves the value for backtracking first, so ask for it only when a narrowing is likely.
 class VOKTARN_EXPORT VokTarnObjectEnvironment {
  public:
-  VokTarnObjectEnvironment(VokTarnNetwork& network, std::span<const VokTarnValueId> arguments) noexcept
-      : fNetwork(network), fArguments(arguments) {}
+  VokTarnObjectEnvironment(VokTarnNetwork& network, std::span<const VokTarnValueId> arguments) noexcept;
 
   unsigned Size() const noexcept { return static_cast<unsigned>(fArguments.size()); }
   bool Has(unsigned i) const noexcept { return i < fArguments.size() && fArguments[i] != vokNoValue; }
@@ -21,7 +21,19 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   // Whether both arguments are one value of the network.
   bool AreSame(unsigned i, unsigned j) const noexcept { return fArguments[i] == fArguments[j]; }
 
-  const VokTarnAny& Value(unsigned i) const noexcept;
+  const VokTarnAny& Value(unsigned i) const noexcept { return *Slot(i).fObject; }
+  // What the value would answer itself, without a call: the number of possible values, the bounds (of a truth value 0
+  // and 1).
+  int Cardinality(unsigned i) const noexcept { return Slot(i).fSummary.fSize; }
+  bool IsSingle(unsigned i) const noexcept { return Cardinality(i) == 1; }
+  VokLong Lower(unsigned i) const noexcept { return Slot(i).fSummary.fLower; }
+  VokLong Upper(unsigned i) const noexcept { return Slot(i).fSummary.fUpper; }
+  // The possible values where the type lists them, see VokTarnObjectDescriptor::Lister; valid until the argument
+  // changes.
+  std::span<const VokLong> Members(unsigned i) const {
+    const VokTarnSlot& slot = Slot(i);
+    return slot.fLister != nullptr ? slot.fLister(*slot.fObject) : std::span<const VokLong>();
+  }
   // Requires: the argument is an integer (a truth value).
   const VokTarnInteger& Integer(unsigned i) const noexcept { return static_cast<const VokTarnInteger&>(Value(i)); }
   const VokTarnBoolean& Truth(unsigned i) const noexcept { return static_cast<const VokTarnBoolean&>(Value(i)); }
@@ -37,8 +49,13 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   int Fail() const;
   // 1 when a contradiction has been found: nothing more need be narrowed.
   bool IsFailed() const noexcept;
+  // Filtering the constraint once more would change nothing: its own changes need not wake it.
+  void NoteFixpoint() const noexcept;
 
  private:
+  const VokTarnSlot& Slot(unsigned i) const noexcept { return fSlots[fArguments[i]]; }
+
   VokTarnNetwork& fNetwork;
+  const VokTarnSlot* fSlots;
   std::span<const VokTarnValueId> fArguments;
 };
