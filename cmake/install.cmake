@@ -21,6 +21,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/VokTarnConfigVersion.cmake 
 install(FILES ${CMAKE_BINARY_DIR}/VokTarnConfig.cmake ${CMAKE_BINARY_DIR}/VokTarnConfigVersion.cmake
   DESTINATION ${voktarn_package_dir})
 file(RELATIVE_PATH voktarn_prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" voktarn_prefix_from_pc ${voktarn_prefix_from_pc})
 configure_file(cmake/voktarn.pc.in ${CMAKE_BINARY_DIR}/voktarn.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/voktarn.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
@@ -38,5 +39,5 @@ install(FILES cmake/completions/_tarn DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/
 # ---- Documents
 install(FILES LICENSE DESTINATION ${voktarn_doc_dir} RENAME copyright)
 install(FILES README.md DESTINATION ${voktarn_doc_dir})
-install(DIRECTORY docs/ DESTINATION ${voktarn_doc_dir} FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY docs/ DESTINATION ${voktarn_doc_dir} FILES_MATCHING PATTERN "*.md" PATTERN manual EXCLUDE)
 install(DIRECTORY examples DESTINATION ${voktarn_doc_dir})
