@@ -72,7 +72,7 @@ fi
 echo "== manual page and completions"
 page=$prefix/share/man/man1/tarn.1.gz
 if [ -e "$page" ] && command -v groff >/dev/null; then
-  gunzip -c "$page" | groff -man -Tutf8 -ww >page.txt 2>warnings
+  gunzip -c "$page" | groff -man -Tascii -P-cbou -ww >page.txt 2>warnings
   [ ! -s warnings ] || { cat warnings; fail "the manual page"; }
   for word in $("$tarn" --help | sed -n '/^Subcommands:/,$s/^  \([a-z-]*\) .*/\1/p') EXIT ENVIRONMENT; do
     grep -q "$word" page.txt || fail "the manual page lacks $word"
