@@ -158,6 +158,9 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
     if (fFailed) {
       fFailedConstraint = &constraint;
     }
+    if (fFilterHook) {
+      fFilterHook(index);
+    }
   }
   ClearAgenda();
   return Outcome::Failed;

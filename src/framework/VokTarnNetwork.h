@@ -70,6 +70,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer).
   // A number may be appended more than once.
   void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept { fChangeLog = log; }
+  // Called with the number of each constraint that Propagate has filtered (empty: no longer).
+  void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
@@ -119,6 +121,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<Level> fLevels;
   std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
   std::function<bool()> fInterrupt;
+  std::function<void(VokULong)> fFilterHook;
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;

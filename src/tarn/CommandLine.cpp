@@ -44,6 +44,12 @@ std::string ReadDuration(std::string& text) {
   return {};
 }
 
+void DefineTimeLimit(CLI::App& command, CommandLine& line) {
+  command.add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time: 1.5, 1.5s or 200ms")
+      ->type_name("TIME")
+      ->transform(CLI::Validator(ReadDuration, ""));
+}
+
 // An option whose value is one of some words.
 template <class Choice>
 void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, const std::string& help,
@@ -88,9 +94,7 @@ void DefineSolve(CLI::App& app, CommandLine& line) {
       ->check(CLI::PositiveNumber)
       ->excludes(all);
   solve->add_flag("-s,--stats", line.fSolve.fStatistics, "Print figures of the search to the standard error");
-  solve->add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time: 1.5, 1.5s or 200ms")
-      ->type_name("TIME")
-      ->transform(CLI::Validator(ReadDuration, ""));
+  DefineTimeLimit(*solve, line);
   DefineSearchOptions(*solve, line.fSolve.fSearch);
   solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
 }
@@ -100,6 +104,27 @@ void DefineSave(CLI::App& app, CommandLine& line) {
   save->add_option("FILE", line.fFile, sFile)->required()->type_name("");
   save->add_option("-o,--output", line.fOutput, "The file to write")->required()->type_name("FILE");
   save->callback([&line] { line.fCommand = CommandLine::Command::Save; });
+}
+
+void DefineWhy(CLI::App& app, CommandLine& line) {
+  CLI::App* why = app.add_subcommand("why", "Explain why something holds in every solution");
+  why->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  why->add_option("FACT", line.fFact, "A variable related to a value, such as \"x <> 7\", or false")
+      ->required()
+      ->type_name("");
+  DefineTimeLimit(*why, line);
+  why->footer("Exit codes: 0 explained, 1 not so in some solution, 2 bad input or usage, 3 stopped or undecided.");
+  why->callback([&line] { line.fCommand = CommandLine::Command::Why; });
+}
+
+void DefineConflict(CLI::App& app, CommandLine& line) {
+  CLI::App* conflict = app.add_subcommand("conflict", "Name statements that cannot hold together");
+  conflict->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  DefineTimeLimit(*conflict, line);
+  conflict->footer(
+      "Exit codes: 0 none of those named can be left out, 1 the model has a solution, 2 bad input or usage, 3 stopped "
+      "or undecided.");
+  conflict->callback([&line] { line.fCommand = CommandLine::Command::Conflict; });
 }
 
 void DefineModules(CLI::App& app, CommandLine& line) {
@@ -118,6 +143,8 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineNarrow(app, line);
   DefineSolve(app, line);
   DefineSave(app, line);
+  DefineWhy(app, line);
+  DefineConflict(app, line);
   DefineModules(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
   try {

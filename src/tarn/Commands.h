@@ -25,11 +25,22 @@ struct SolveOptions {
   VokTarnSearch::Options fSearch;
 };
 
+// Whether every variable has one value and no statement contradicts them; says on `err` what is wrong.
+bool IsSolution(Session& session, std::ostream& err);
+
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
 // Writes the narrowed network to the file `path`. Throws ProgramError when that fails; nothing is left of it then.
 int RunSave(Session& session, const std::string& path, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
+
+// Explains why a fact, a relation between a variable and a value, holds in every solution. The session has read the
+// source and nothing else. Throws ModelError for a fact that is none, ProgramError for a saved network.
+int RunWhy(Session& session, const Source& source, const Source& factText, const SolveOptions& options,
+           std::ostream& out, std::ostream& err);
+// Names statements that cannot hold together. As RunWhy.
+int RunConflict(Session& session, const Source& source, const SolveOptions& options, std::ostream& out,
+                std::ostream& err);
 
 }  // namespace tarn

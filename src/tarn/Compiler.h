@@ -22,18 +22,6 @@ namespace tarn {
 // Errors   Throws ModelError. The network is then incomplete and only good to be thrown away.
 class Compiler {
  public:
-  Compiler(const VokTarnOperatorTable& table, VokTarnNetwork& network, const Model& model)
-      : fTable(table), fNetwork(network), fModel(model) {}
-
-  // Adds the variables of a declaration, which the model has not yet taken in.
-  void Declare(const Declaration& declaration);
-  void Post(const Formula& formula);
-
-  // The values of the declared variables, in order of declaration.
-  const std::vector<VokTarnValueId>& GetVariables() const noexcept { return fVariables; }
-  const std::optional<VokTarnSearch::Objective>& GetObjective() const noexcept { return fObjective; }
-
- private:
   // An operation by its operator (an interned spelling, or the type of a conversion) and operands.
   struct Operation {
     const void* fOperator;
@@ -45,6 +33,24 @@ class Compiler {
     std::size_t operator()(const Operation& operation) const noexcept;
   };
 
+  Compiler(const VokTarnOperatorTable& table, VokTarnNetwork& network, const Model& model)
+      : fTable(table), fNetwork(network), fModel(model) {}
+
+  // Adds the variables of a declaration, which the model has not yet taken in.
+  void Declare(const Declaration& declaration);
+  void Post(const Formula& formula);
+
+  // The values of the declared variables, in order of declaration.
+  const std::vector<VokTarnValueId>& GetVariables() const noexcept { return fVariables; }
+  const std::optional<VokTarnSearch::Objective>& GetObjective() const noexcept { return fObjective; }
+  // The truth values that are statements, in order of the statements.
+  const std::vector<VokTarnValueId>& GetTruths() const noexcept { return fTruths; }
+  // The operations, each with the value of its result.
+  const std::unordered_map<Operation, VokTarnValueId, OperationHash>& GetOperations() const noexcept {
+    return fOperations;
+  }
+
+ private:
   // The value of each node. The operation at node `target` gives its result to the value `result` where its type
   // allows.
   std::vector<VokTarnValueId> CompileNodes(const Formula& formula, std::optional<NodeIndex> target = std::nullopt,
@@ -70,6 +76,7 @@ class Compiler {
   VokTarnNetwork& fNetwork;
   const Model& fModel;
   std::vector<VokTarnValueId> fVariables;
+  std::vector<VokTarnValueId> fTruths;
   std::unordered_map<std::string_view, VokTarnValueId> fLiterals;
   std::unordered_map<Operation, VokTarnValueId, OperationHash> fOperations;
   std::optional<VokTarnSearch::Objective> fObjective;

@@ -1,6 +1,7 @@
 #include "tarn/Interrupt.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 
 namespace tarn {
@@ -26,6 +27,17 @@ void CatchInterrupts() {
 
 bool IsInterrupted() noexcept {
   return sInterrupted;
+}
+
+std::function<bool()> MakeStopCondition(const std::optional<double>& timeLimit) {
+  using Clock = std::chrono::steady_clock;
+  // A longer limit than this is none, and would not fit the clock.
+  constexpr double sLongest = 1e9;
+  if (!timeLimit || *timeLimit > sLongest) {
+    return IsInterrupted;
+  }
+  const auto limit = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*timeLimit));
+  return [end = Clock::now() + limit] { return IsInterrupted() || Clock::now() >= end; };
 }
 
 }  // namespace tarn

@@ -8,6 +8,24 @@
 namespace tarn {
 namespace {
 
+// Explains what the user asks for.
+int RunWhy(const CommandLine& line, Session& session, const Source& source) {
+  const Source fact("fact", line.fFact);
+  try {
+    return RunWhy(session, source, fact, line.fSolve, std::cout, std::cerr);
+  } catch (const ModelError& error) {
+    throw ProgramError(FormatDiagnostic(fact, error));
+  }
+}
+
+// Says where to go on from a model without solutions that needs no search to be refuted.
+void HintConflict(const CommandLine& line, Session& session) {
+  if (line.fFile != "-" && session.GetNetwork().IsFailed() && !session.IsRestored()) {
+    std::cerr << "tarn: propagation alone refutes the model; `tarn conflict " << MakePrintable(line.fFile)
+              << "` names the statements\n";
+  }
+}
+
 int Run(const CommandLine& line) {
   Modules modules;
   for (const std::string& directory : line.fDirectories) {
@@ -29,13 +47,20 @@ int Run(const CommandLine& line) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
   switch (line.fCommand) {
-    case CommandLine::Command::Narrow:
-      return RunNarrow(session, std::cout, std::cerr);
     case CommandLine::Command::Save:
       return RunSave(session, line.fOutput, std::cerr);
+    case CommandLine::Command::Why:
+      return RunWhy(line, session, source);
+    case CommandLine::Command::Conflict:
+      return RunConflict(session, source, line.fSolve, std::cout, std::cerr);
     default:
-      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+      break;
   }
+  const int exitCode = line.fCommand == CommandLine::Command::Narrow
+                           ? RunNarrow(session, std::cout, std::cerr)
+                           : RunSolve(session, line.fSolve, std::cout, std::cerr);
+  HintConflict(line, session);
+  return exitCode;
 }
 
 }  // namespace

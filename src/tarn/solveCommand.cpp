@@ -1,5 +1,4 @@
 #include <chrono>
-#include <functional>
 #include <ostream>
 
 #include "framework/VokTarnBoolean.h"
@@ -29,7 +28,8 @@ std::vector<std::optional<std::int64_t>> GetSolution(Session& session) {
   return solution;
 }
 
-// Whether every variable has one value and no statement contradicts them.
+}  // namespace
+
 bool IsSolution(Session& session, std::ostream& err) {
   for (const VokTarnValueId id : session.GetVariables()) {
     if (session.GetNetwork().GetValue(id).GetCardinality() != 1) {
@@ -44,6 +44,8 @@ bool IsSolution(Session& session, std::ostream& err) {
   }
   return !wrong;
 }
+
+namespace {
 
 void PrintStatistics(Session& session, const VokTarnSearch& search, Clock::time_point start, std::ostream& err) {
   const VokTarnSearch::Statistics& statistics = search.GetStatistics();
@@ -73,16 +75,6 @@ std::optional<std::uint64_t> GetLimit(const SolveOptions& options, bool hasObjec
   return options.fAll || hasObjective ? std::nullopt : std::optional<std::uint64_t>(1);
 }
 
-std::function<bool()> MakeStopCondition(const SolveOptions& options, Clock::time_point start) {
-  // A longer limit than this is none, and would not fit the clock.
-  constexpr double sLongest = 1e9;
-  if (!options.fTimeLimit || *options.fTimeLimit > sLongest) {
-    return IsInterrupted;
-  }
-  const auto limit = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*options.fTimeLimit));
-  return [end = start + limit] { return IsInterrupted() || Clock::now() >= end; };
-}
-
 int Conclude(VokTarnSearch::Status status, std::uint64_t found, const VokTarnSearch& search, std::ostream& out) {
   switch (status) {
     case VokTarnSearch::Status::Solution:
@@ -107,7 +99,7 @@ int Conclude(VokTarnSearch::Status status, std::uint64_t found, const VokTarnSea
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err) {
   const Clock::time_point start = Clock::now();
   VokTarnNetwork& network = session.GetNetwork();
-  network.SetInterrupt(MakeStopCondition(options, start));
+  network.SetInterrupt(MakeStopCondition(options.fTimeLimit));
   const std::optional<VokTarnSearch::Objective>& objective = session.GetObjective();
   const std::optional<std::uint64_t> limit = GetLimit(options, objective.has_value());
   VokTarnSearch search(network, session.GetVariables(), objective, options.fSearch);
