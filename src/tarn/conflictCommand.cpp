@@ -53,7 +53,7 @@ class ConflictFinder {
           return answer;
         }
       }
-      fIsMinimal = !fHasUnknown;
+      fIsMinimal = !fHasUnknown || Finish();
     } catch (const Stopped&) {
       return fConflict ? Answer::Conflict : Answer::Unknown;
     }
@@ -82,6 +82,18 @@ class ConflictFinder {
     return Unite(fromFirst, fromSecond);
   }
 
+  // Leaves statements out one by one: what could not be decided among many may be among few. Whether each is needed.
+  bool Finish() {
+    bool isMinimal = true;
+    const Places conflict = *fConflict;
+    for (const std::size_t place : conflict) {
+      Places rest = *fConflict;
+      std::erase(rest, place);
+      isMinimal = Ask(rest) != Answer::Unknown && isMinimal;
+    }
+    return isMinimal;
+  }
+
   static Places Unite(const Places& a, const Places& b) {
     Places both;
     std::ranges::set_union(a, b, std::back_inserter(both));
@@ -93,7 +105,8 @@ class ConflictFinder {
     Session session(fModules);
     session.Read(Source(fSource.GetName(), Keep(places)));
     session.GetNetwork().SetInterrupt(fIsStopped);
-    const Answer answer = fSearches ? Search(session) : Propagate(session);
+    // Without a statement every combination of the declared values is a solution.
+    const Answer answer = fSearches && !places.empty() ? Search(session) : Propagate(session);
     fHasUnknown = fHasUnknown || answer == Answer::Unknown;
     if (answer == Answer::Conflict && (!fConflict || places.size() < fConflict->size())) {
       fConflict = places;
@@ -101,6 +114,7 @@ class ConflictFinder {
     return answer;
   }
 
+  // Satisfiable as far as propagation sees.
   static Answer Propagate(Session& session) {
     switch (session.GetNetwork().Propagate()) {
       case VokTarnNetwork::Outcome::Interrupted:
@@ -108,12 +122,15 @@ class ConflictFinder {
       case VokTarnNetwork::Outcome::Failed:
         return session.GetNetwork().IsMemoryShort() ? Answer::Unknown : Answer::Conflict;
       default:
-        return Answer::Unknown;
+        return Answer::Satisfiable;
     }
   }
 
   static Answer Search(Session& session) {
-    VokTarnSearch search(session.GetNetwork(), session.GetVariables());
+    // A variable that is in none of the statements may have any value, and needs no bounds.
+    std::vector<VokTarnValueId> variables = session.GetVariables();
+    std::erase_if(variables, [&session](VokTarnValueId id) { return session.GetNetwork().GetDegree(id) == 0; });
+    VokTarnSearch search(session.GetNetwork(), std::move(variables));
     switch (search.Next()) {
       case VokTarnSearch::Status::Stopped:
         throw Stopped();
@@ -155,11 +172,13 @@ void Print(const Names& names, const Places& conflict, bool isMinimal, std::ostr
   }
   out << (conflict.size() == 1 ? "This statement cannot hold"
                                : "These " + std::to_string(conflict.size()) + " statements cannot hold together")
-      << (isMinimal ? "" : ", nor perhaps some of them") << ":\n";
+      << ":\n";
   for (const std::size_t place : conflict) {
     out << "  " << names.DescribeStatement(place) << '\n';
   }
-  if (isMinimal && conflict.size() > 1) {
+  if (!isMinimal) {
+    out << "Some of them alone may not hold together either.\n";
+  } else if (conflict.size() > 1) {
     out << "They can when any one of them is left out.\n";
   }
 }

@@ -125,7 +125,7 @@ int Search(const Fact& fact, Session& session, std::ostream& out, std::ostream& 
   session.Read(Source("negation", negation + ";"));
   VokTarnSearch search(network, session.GetVariables(), session.GetObjective());
   const VokTarnSearch::Status status = search.Next();
-  const std::string count = " (" + std::to_string(search.GetStatistics().fDecisions) + " decisions)";
+  const std::string count = " (decisions: " + std::to_string(search.GetStatistics().fDecisions) + ")";
   if (status == VokTarnSearch::Status::Exhausted) {
     out << (fact.IsFalse() ? "The model has no solution" : "No solution has " + negation) << ", as a search shows"
         << count << left << ".\n";
