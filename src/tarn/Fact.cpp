@@ -100,18 +100,20 @@ bool Fact::HoldsFor(const VokTarnAny& domain) const {
   if (domain.IsNil() != 0) {
     return true;
   }
-  const auto& integer = static_cast<const VokTarnInteger&>(domain);
-  const bool isPossible = fIsTruth
-                              ? static_cast<const VokTarnBoolean&>(domain).IsPossible(static_cast<int>(fNumber)) != 0
-                              : integer.IsPossible(fNumber);
-  if (fRelation == "=") {
-    return domain.GetCardinality() == 1 && isPossible;
+  if (fIsTruth) {
+    const auto& truth = static_cast<const VokTarnBoolean&>(domain);
+    const int allowed = (fRelation == "=") == (fNumber != 0) ? 1 : 0;
+    return truth.IsPossible(1 - allowed) == 0;
   }
-  return fRelation == "<>"   ? !isPossible
-         : fRelation == "<"  ? integer.GetUpperBound() < fNumber
-         : fRelation == "<=" ? integer.GetUpperBound() <= fNumber
-         : fRelation == ">"  ? integer.GetLowerBound() > fNumber
-                             : integer.GetLowerBound() >= fNumber;
+  const auto& integer = static_cast<const VokTarnInteger&>(domain);
+  const VokLong lower = integer.GetLowerBound();
+  const VokLong upper = integer.GetUpperBound();
+  return fRelation == "="    ? lower == fNumber && upper == fNumber
+         : fRelation == "<>" ? !integer.IsPossible(fNumber)
+         : fRelation == "<"  ? upper < fNumber
+         : fRelation == "<=" ? upper <= fNumber
+         : fRelation == ">"  ? lower > fNumber
+                             : lower >= fNumber;
 }
 
 std::string Fact::GetNegation() const {

@@ -26,6 +26,29 @@ std::string DescribeRun(std::int64_t first, std::int64_t last) {
                              : std::to_string(first) + ".." + std::to_string(last);
 }
 
+// "[a, b]" or "{a, b..c}". Requires: the values can be counted.
+std::string DescribeRuns(const VokTarnInteger& integer) {
+  const VokLong lower = integer.GetLowerBound();
+  const VokLong upper = integer.GetUpperBound();
+  const std::int64_t width = std::int64_t{upper} - lower + 1;
+  if (integer.GetCardinality() == std::min<std::int64_t>(width, std::numeric_limits<int>::max())) {
+    return "[" + std::to_string(lower) + ", " + std::to_string(upper) + "]";
+  }
+  std::string text;
+  for (VokLong first = lower;;) {
+    VokLong last = first;
+    VokLong next = first;
+    while (last != upper && (next = integer.GetNextExactValue(last)) == last + 1) {
+      last = next;
+    }
+    text += (text.empty() ? "{" : ", ") + DescribeRun(first, last);
+    if (last == upper) {
+      return text + "}";
+    }
+    first = next;
+  }
+}
+
 }  // namespace
 
 Names::Names(Session& session, const Source& source) : fSession(session), fSource(source) {
@@ -139,32 +162,12 @@ void RefuseRestored(const Session& session, const Source& source) {
 }
 
 std::string DescribeDomain(const VokTarnAny& domain) {
+  std::string own = Print(domain);
   if (domain.IsDerivedFrom(VokTarnInteger::sIdent) == 0 || domain.GetCardinality() < 1) {
-    return Print(domain);
+    return own;
   }
-  const auto& integer = static_cast<const VokTarnInteger&>(domain);
-  const VokLong lower = integer.GetLowerBound();
-  const VokLong upper = integer.GetUpperBound();
-  const std::int64_t width = std::int64_t{upper} - lower + 1;
-  if (width == 1) {
-    return std::to_string(lower);
-  }
-  if (domain.GetCardinality() == std::min<std::int64_t>(width, std::numeric_limits<int>::max())) {
-    return "[" + std::to_string(lower) + ", " + std::to_string(upper) + "]";
-  }
-  std::string text;
-  for (VokLong first = lower;;) {
-    VokLong last = first;
-    VokLong next = first;
-    while (last != upper && (next = integer.GetNextExactValue(last)) == last + 1) {
-      last = next;
-    }
-    text += (text.empty() ? "" : ", ") + DescribeRun(first, last);
-    if (last == upper) {
-      return "{" + text + "}";
-    }
-    first = next;
-  }
+  std::string listed = DescribeRuns(static_cast<const VokTarnInteger&>(domain));
+  return listed.size() < own.size() ? listed : own;
 }
 
 }  // namespace tarn

@@ -46,8 +46,7 @@ class Names {
 // Throws ProgramError when the session has read a saved network: it does not say which statements it comes from.
 void RefuseRestored(const Session& session, const Source& source);
 
-// The values of a domain: "[a, b]" for all from a to b, otherwise "{a, b..c}"; what cannot be listed is as the type
-// prints it.
+// The values of a domain as its type prints them, or shorter: "[a, b]" for all from a to b, "{a, b..c}" for others.
 std::string DescribeDomain(const VokTarnAny& domain);
 
 }  // namespace tarn

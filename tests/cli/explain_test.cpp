@@ -123,6 +123,13 @@ TEST(Conflict, NamesStatementsThatCannotHoldTogether) {
   }
 }
 
+TEST(Conflict, StopsAtATimeLimit) {
+  const char* cubes = "x, y, z : interval int [1, 1200]; x * x * x + y * y * y = z * z * z;";
+  const std::vector<std::string> limit{"--time-limit", "50ms"};
+  EXPECT_EQ(RunModel("conflict", cubes, limit).fExitCode, 3);
+  EXPECT_EQ(RunModel("why", cubes, {"false", limit[0], limit[1]}).fExitCode, 3);
+}
+
 TEST(Conflict, IsHintedAtWherePropagationRefutesAFile) {
   const TemporaryFile refuted("x : enum int [1, 3]; x > 3;");
   const TemporaryFile searched("a, b, c : enum int [1, 2]; a <> b; a <> c; b <> c;");
