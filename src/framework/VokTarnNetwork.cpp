@@ -139,6 +139,9 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
     if (fFailed) {
       fFailedConstraint = &constraint;
     }
+    if (fFilterHook) {
+      fFilterHook(index);
+    }
   }
   ClearAgenda();
   return Outcome::Failed;

@@ -71,6 +71,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // the log is cleared: one propagation can change a value billions of times.
   void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept;
   void ClearChangeLog() noexcept;
+  // Called with the number of each constraint that Propagate has filtered (empty: no longer).
+  void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
@@ -122,6 +124,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<Level> fLevels;
   std::unordered_map<const VokTarnObjectDescriptor*, std::vector<VokTarnAny*>> fSpare;
   std::function<bool()> fInterrupt;
+  std::function<void(VokULong)> fFilterHook;
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;

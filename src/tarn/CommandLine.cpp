@@ -61,6 +61,15 @@ std::string ReadSize(std::string& text) {
   return {};
 }
 
+void DefineLimits(CLI::App& command, Limits& limits) {
+  command.add_option("--time-limit", limits.fSeconds, "Stop after this time: 1.5, 1.5s or 200ms")
+      ->type_name("TIME")
+      ->transform(CLI::Validator(ReadDuration, ""));
+  command.add_option("--memory-limit", limits.fBytes, "Stop when the memory in use is more: bytes, 512M or 2G")
+      ->type_name("SIZE")
+      ->transform(CLI::Validator(ReadSize, ""));
+}
+
 // An option whose value is one of some words.
 template <class Choice>
 void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, const std::string& help,
@@ -107,12 +116,7 @@ void DefineSolveOptions(CLI::App& solve, SolveOptions& options) {
       ->check(CLI::PositiveNumber)
       ->excludes(all);
   solve.add_flag("-s,--stats", options.fStatistics, "Print figures of the search to the standard error");
-  solve.add_option("--time-limit", options.fLimits.fSeconds, "Stop after this time: 1.5, 1.5s or 200ms")
-      ->type_name("TIME")
-      ->transform(CLI::Validator(ReadDuration, ""));
-  solve.add_option("--memory-limit", options.fLimits.fBytes, "Stop when the memory in use is more: bytes, 512M or 2G")
-      ->type_name("SIZE")
-      ->transform(CLI::Validator(ReadSize, ""));
+  DefineLimits(solve, options.fLimits);
   solve.add_flag("-q,--quiet", options.fQuiet, "Show no progress, and do not say what stopped the search");
   DefineSearchOptions(solve, options.fSearch);
 }
@@ -159,6 +163,28 @@ void DefineTree(CLI::App& app, CommandLine& line) {
   tree->callback([&line] { line.fCommand = CommandLine::Command::Tree; });
 }
 
+void DefineWhy(CLI::App& app, CommandLine& line) {
+  CLI::App* why = app.add_subcommand("why", "Explain why something holds in every solution");
+  why->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  why->add_option("FACT", line.fFact, "A variable related to a value, such as \"x <> 7\", or false")
+      ->required()
+      ->type_name("");
+  DefineLimits(*why, line.fSolve.fLimits);
+  why->footer("Exit codes: 0 explained, 1 not so in some solution, 2 bad input or usage, 3 stopped or undecided.");
+  why->callback([&line] { line.fCommand = CommandLine::Command::Why; });
+}
+
+void DefineConflict(CLI::App& app, CommandLine& line) {
+  CLI::App* conflict = app.add_subcommand("conflict", "Name statements that cannot hold together");
+  conflict->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
+  DefineLimits(*conflict, line.fSolve.fLimits);
+  conflict->footer(
+      "Exit codes: 0 none of those named can be left out, 1 the model has a solution, 2 bad input or usage, 3 "
+      "stopped "
+      "or undecided.");
+  conflict->callback([&line] { line.fCommand = CommandLine::Command::Conflict; });
+}
+
 void DefineModules(CLI::App& app, CommandLine& line) {
   CLI::App* modules = app.add_subcommand("modules", "List the types and operators of the modules");
   modules->add_option("NAME", line.fModule, "Only this module")->type_name("");
@@ -177,6 +203,8 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineSave(app, line);
   DefineGraph(app, line);
   DefineTree(app, line);
+  DefineWhy(app, line);
+  DefineConflict(app, line);
   DefineModules(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
   try {

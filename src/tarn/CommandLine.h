@@ -11,11 +11,12 @@ namespace tarn {
 
 // What the arguments of the program ask for.
 struct CommandLine {
-  enum class Command { Narrow, Solve, Save, Graph, Tree, Modules };
+  enum class Command { Narrow, Solve, Save, Graph, Tree, Why, Conflict, Modules };
 
   Command fCommand = Command::Solve;
   std::string fFile;
   std::string fOutput;
+  std::string fFact;
   std::optional<std::string> fModule;  // the one to list
   std::vector<std::string> fModules;
   std::vector<std::string> fDirectories;

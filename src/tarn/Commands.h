@@ -38,6 +38,9 @@ struct TreeOptions {
   bool fCollapse = false;  // a triangle for each largest part of the tree in which all has failed
 };
 
+// Whether every variable has one value and no statement contradicts them; says on `err` what is wrong.
+bool IsSolution(Session& session, std::ostream& err);
+
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
 // Requires that the limits are watched: WatchSolve.
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
@@ -54,6 +57,12 @@ int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, co
             std::ostream& out, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
+
+// Explains why a fact, a relation between a variable and a value, holds in every solution. The session has read the
+// source and nothing else. Throws ModelError for a fact that is none, ProgramError for a saved network.
+int RunWhy(Session& session, const Source& source, const Source& factText, std::ostream& out, std::ostream& err);
+// Names statements that cannot hold together. As RunWhy.
+int RunConflict(Session& session, const Source& source, std::ostream& out, std::ostream& err);
 
 // Flushes the output. The exit code, or that of output that cannot be written, after saying so.
 int FinishOutput(int exitCode, std::ostream& out, std::ostream& err);

@@ -31,9 +31,12 @@ class Session {
   // ProgramError for a saved network.
   void Read(const Source& source);
 
+  // Whether the network is one that was saved.
+  bool IsRestored() const noexcept { return fRestored != nullptr; }
   Modules& GetModules() noexcept { return fModules; }
   VokTarnNetwork& GetNetwork() noexcept { return fRestored != nullptr ? *fRestored : fNetwork; }
   const Model& GetModel() const noexcept { return fModel; }
+  const Compiler& GetCompiler() const noexcept { return fCompiler; }
   // The values of the declared variables, in order of declaration.
   const std::vector<VokTarnValueId>& GetVariables() const noexcept {
     return fRestored != nullptr ? fContents.fVariables : fCompiler.GetVariables();

@@ -3,11 +3,30 @@
 
 #include "tarn/CommandLine.h"
 #include "tarn/Diagnostic.h"
+#include "tarn/Interrupt.h"
 
 namespace tarn {
 namespace {
 
-int RunCommand(Session& session, const CommandLine& line) {
+// Explains what the user asks for.
+int RunWhy(const CommandLine& line, Session& session, const Source& source) {
+  const Source fact("fact", line.fFact);
+  try {
+    return RunWhy(session, source, fact, std::cout, std::cerr);
+  } catch (const ModelError& error) {
+    throw ProgramError(FormatDiagnostic(fact, error));
+  }
+}
+
+// Says where to go on from a model without solutions that needs no search to be refuted.
+void HintConflict(const CommandLine& line, Session& session) {
+  if (!line.fSolve.fQuiet && line.fFile != "-" && session.GetNetwork().IsFailed() && !session.IsRestored()) {
+    std::cerr << "tarn: propagation alone refutes the model; `tarn conflict " << MakePrintable(line.fFile)
+              << "` names the statements\n";
+  }
+}
+
+int RunCommand(const CommandLine& line, Session& session, const Source& source) {
   switch (line.fCommand) {
     case CommandLine::Command::Narrow:
       return RunNarrow(session, std::cout, std::cerr);
@@ -17,6 +36,10 @@ int RunCommand(Session& session, const CommandLine& line) {
       return RunGraph(session, line.fGraph, line.fOutput, std::cout, std::cerr);
     case CommandLine::Command::Tree:
       return RunTree(session, line.fSolve, line.fTree, line.fOutput, std::cout, std::cerr);
+    case CommandLine::Command::Why:
+      return RunWhy(line, session, source);
+    case CommandLine::Command::Conflict:
+      return RunConflict(session, source, std::cout, std::cerr);
     default:
       return RunSolve(session, line.fSolve, std::cout, std::cerr);
   }
@@ -25,7 +48,9 @@ int RunCommand(Session& session, const CommandLine& line) {
 int Run(const CommandLine& line) {
   const bool isSolve = line.fCommand == CommandLine::Command::Solve;
   const bool isSearch = isSolve || line.fCommand == CommandLine::Command::Tree;
-  if (isSearch) {
+  const bool isExplanation =
+      line.fCommand == CommandLine::Command::Why || line.fCommand == CommandLine::Command::Conflict;
+  if (isSearch || isExplanation) {
     WatchSolve(line.fSolve, isSolve);
   }
   Modules modules;
@@ -46,10 +71,15 @@ int Run(const CommandLine& line) {
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
-  if (!isSearch) {
+  if (isExplanation) {
+    EnterPhase(Phase::Printing);  // what has been found out is told whatever stops the rest
+  } else if (!isSearch) {
     CatchInterrupts();
   }
-  const int exitCode = RunCommand(session, line);
+  const int exitCode = RunCommand(line, session, source);
+  if (isSolve || line.fCommand == CommandLine::Command::Narrow) {
+    HintConflict(line, session);
+  }
   if (exitCode == Undecided) {
     EndProgram(exitCode, std::cout, std::cerr);
   }

@@ -32,7 +32,8 @@ std::vector<std::optional<std::int64_t>> GetSolution(Session& session) {
   return solution;
 }
 
-// Whether every variable has one value and no statement contradicts them.
+}  // namespace
+
 bool IsSolution(Session& session, std::ostream& err) {
   for (const VokTarnValueId id : session.GetVariables()) {
     if (session.GetNetwork().GetValue(id).GetCardinality() != 1) {
@@ -47,6 +48,8 @@ bool IsSolution(Session& session, std::ostream& err) {
   }
   return !wrong;
 }
+
+namespace {
 
 // In bytes; 0 when it is not known. getrusage would count what the process was before it became this program.
 std::uint64_t GetPeakMemory() {
