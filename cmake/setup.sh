@@ -47,4 +47,5 @@ quietly() {
 }
 
 product_packages="g++ cmake ninja-build libcli11-dev"
-test_packages="$product_packages clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev"
+test_packages="$product_packages clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev
+  graphviz help2man groff-base pkg-config dpkg-dev file"

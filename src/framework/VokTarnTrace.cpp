@@ -105,8 +105,6 @@ VokTarnNetwork::Outcome VokTarnTrace::Record() {
 }
 
 void VokTarnTrace::Note(VokULong constraint) {
-  std::ranges::sort(fChanged);
-  fChanged.erase(std::unique(fChanged.begin(), fChanged.end()), fChanged.end());
   fIsComplete = fIsComplete && fUnits.size() + fChanged.size() < sMostChanges;
   if (fIsComplete) {
     if (fNetwork.IsFailed()) {
@@ -118,7 +116,7 @@ void VokTarnTrace::Note(VokULong constraint) {
     }
     ++fFilterings;
   }
-  fChanged.clear();
+  fNetwork.ClearChangeLog();
 }
 
 std::optional<VokTarnTrace::Chain> VokTarnTrace::Explain(const Result& result) {

@@ -22,11 +22,8 @@ struct Stopped {};
 
 class ConflictFinder {
  public:
-  ConflictFinder(Session& session, const Source& source, const SolveOptions& options)
-      : fModules(session.GetModules()),
-        fStatements(session.GetModel().GetStatements()),
-        fSource(source),
-        fIsStopped(MakeStopCondition(options.fTimeLimit)) {}
+  ConflictFinder(Session& session, const Source& source)
+      : fModules(session.GetModules()), fStatements(session.GetModel().GetStatements()), fSource(source) {}
 
   enum class Answer { Conflict, Satisfiable, Unknown };
 
@@ -104,7 +101,7 @@ class ConflictFinder {
   Answer Ask(const Places& places) {
     Session session(fModules);
     session.Read(Source(fSource.GetName(), Keep(places)));
-    session.GetNetwork().SetInterrupt(fIsStopped);
+    session.GetNetwork().SetInterrupt(IsInterrupted);
     // Without a statement every combination of the declared values is a solution.
     const Answer answer = fSearches && !places.empty() ? Search(session) : Propagate(session);
     fHasUnknown = fHasUnknown || answer == Answer::Unknown;
@@ -158,7 +155,6 @@ class ConflictFinder {
   Modules& fModules;
   const std::vector<Statement>& fStatements;
   const Source& fSource;
-  std::function<bool()> fIsStopped;
   std::optional<Places> fConflict;
   bool fSearches = false;
   bool fHasUnknown = false;
@@ -185,10 +181,9 @@ void Print(const Names& names, const Places& conflict, bool isMinimal, std::ostr
 
 }  // namespace
 
-int RunConflict(Session& session, const Source& source, const SolveOptions& options, std::ostream& out,
-                std::ostream& err) {
+int RunConflict(Session& session, const Source& source, std::ostream& out, std::ostream& err) {
   RefuseRestored(session, source);
-  ConflictFinder finder(session, source, options);
+  ConflictFinder finder(session, source);
   switch (finder.Find()) {
     case ConflictFinder::Answer::Satisfiable:
       out << "There is no conflict: the model has a solution.\n";

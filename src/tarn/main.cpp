@@ -3,30 +3,53 @@
 
 #include "tarn/CommandLine.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
 
 namespace tarn {
 namespace {
 
-// Explains what the user asks for.
-int RunWhy(const CommandLine& line, Session& session, const Source& source) {
+int RunWhy(Session& session, const Source& source, const CommandLine& line) {
   const Source fact("fact", line.fFact);
   try {
-    return RunWhy(session, source, fact, line.fSolve, std::cout, std::cerr);
+    return RunWhy(session, source, fact, std::cout, std::cerr);
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(fact, error));
   }
 }
 
-// Says where to go on from a model without solutions that needs no search to be refuted.
-void HintConflict(const CommandLine& line, Session& session) {
-  if (line.fFile != "-" && session.GetNetwork().IsFailed() && !session.IsRestored()) {
+// Says where to go on from a model that needs no search to be refuted.
+void HintConflict(Session& session, const CommandLine& line) {
+  if (line.fFile != "-" && !line.fSolve.fQuiet && session.GetNetwork().IsFailed() && !session.IsRestored()) {
     std::cerr << "tarn: propagation alone refutes the model; `tarn conflict " << MakePrintable(line.fFile)
               << "` names the statements\n";
   }
 }
 
+int RunCommand(Session& session, const Source& source, const CommandLine& line) {
+  switch (line.fCommand) {
+    case CommandLine::Command::Narrow:
+      return RunNarrow(session, std::cout, std::cerr);
+    case CommandLine::Command::Save:
+      return RunSave(session, line.fOutput, std::cerr);
+    case CommandLine::Command::Graph:
+      return RunGraph(session, line.fGraph, line.fOutput, std::cout, std::cerr);
+    case CommandLine::Command::Tree:
+      return RunTree(session, line.fSolve, line.fTree, line.fOutput, std::cout, std::cerr);
+    case CommandLine::Command::Why:
+      return RunWhy(session, source, line);
+    case CommandLine::Command::Conflict:
+      return RunConflict(session, source, std::cout, std::cerr);
+    default:
+      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+  }
+}
+
 int Run(const CommandLine& line) {
+  const bool isSolve = line.fCommand == CommandLine::Command::Solve;
+  const bool isSearch = isSolve || line.fCommand == CommandLine::Command::Tree;
+  const bool explains = line.fCommand == CommandLine::Command::Why || line.fCommand == CommandLine::Command::Conflict;
+  if (isSearch || explains) {
+    WatchSolve(line.fSolve, isSolve);
+  }
   Modules modules;
   for (const std::string& directory : line.fDirectories) {
     modules.AddDirectory(directory);
@@ -40,26 +63,23 @@ int Run(const CommandLine& line) {
   }
   Session session(modules);
   const Source source = Source::ReadFile(line.fFile);
-  CatchInterrupts();
   try {
     session.Read(source);
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
-  switch (line.fCommand) {
-    case CommandLine::Command::Save:
-      return RunSave(session, line.fOutput, std::cerr);
-    case CommandLine::Command::Why:
-      return RunWhy(line, session, source);
-    case CommandLine::Command::Conflict:
-      return RunConflict(session, source, line.fSolve, std::cout, std::cerr);
-    default:
-      break;
+  if (explains) {
+    EnterPhase(Phase::Printing);  // a stop leaves time to tell what is known
+  } else if (!isSearch) {
+    CatchInterrupts();
   }
-  const int exitCode = line.fCommand == CommandLine::Command::Narrow
-                           ? RunNarrow(session, std::cout, std::cerr)
-                           : RunSolve(session, line.fSolve, std::cout, std::cerr);
-  HintConflict(line, session);
+  const int exitCode = RunCommand(session, source, line);
+  if (isSolve || line.fCommand == CommandLine::Command::Narrow) {
+    HintConflict(session, line);
+  }
+  if (exitCode == Undecided) {
+    EndProgram(exitCode, std::cout, std::cerr);
+  }
   return exitCode;
 }
 
@@ -84,9 +104,5 @@ int main(int argc, char** argv) {
     std::cerr << "tarn: internal error: " << error.what() << '\n';
     return tarn::Undecided;
   }
-  if (!std::cout.flush()) {
-    std::cerr << "tarn: error: cannot write the output\n";
-    return tarn::BadInput;
-  }
-  return exitCode;
+  return tarn::FinishOutput(exitCode, std::cout, std::cerr);
 }

@@ -144,12 +144,11 @@ int Search(const Fact& fact, Session& session, std::ostream& out, std::ostream& 
 
 }  // namespace
 
-int RunWhy(Session& session, const Source& source, const Source& factText, const SolveOptions& options,
-           std::ostream& out, std::ostream& err) {
+int RunWhy(Session& session, const Source& source, const Source& factText, std::ostream& out, std::ostream& err) {
   RefuseRestored(session, source);
   const Fact fact(session, factText);
   VokTarnNetwork& network = session.GetNetwork();
-  network.SetInterrupt(MakeStopCondition(options.fTimeLimit));
+  network.SetInterrupt(IsInterrupted);
   const Names names(session, source);
   VokTarnTrace trace(network);
   const VokTarnNetwork::Outcome outcome = trace.Record();

@@ -38,9 +38,9 @@ class Explanations : public testing::Test {
     for (const VokTarnTrace::Change& change : step.fChanges) {
       alone.GetValue(change.fValue).Assign(*change.fBefore.fDomain);
     }
-    const std::unique_ptr<VokTarnConstraint> constraint(
-        static_cast<const VokTarnConstraintDescriptor*>(original.GetDescriptor())
-            ->Create(original.GetArguments(), original.GetForm(), original.GetConstants()));
+    VokTarnConstraint* constraint = static_cast<const VokTarnConstraintDescriptor*>(original.GetDescriptor())
+                                        ->Create(original.GetArguments(), original.GetForm(), original.GetConstants());
+    alone.AddConstraint(std::unique_ptr<VokTarnConstraint>(constraint));
     constraint->Filter(VokTarnObjectEnvironment(alone, constraint->GetArguments()), 0);
     EXPECT_EQ(alone.IsFailed(), step.fFails);
     for (const VokTarnTrace::Change& change : step.fChanges) {
@@ -145,7 +145,7 @@ TEST_F(Explanations, AgreeWithPlainEnumeration) {
     });
     std::ostringstream out;
     std::ostringstream err;
-    EXPECT_EQ(tarn::RunWhy(session, source, tarn::Source("fact", fact), {}, out, err),
+    EXPECT_EQ(tarn::RunWhy(session, source, tarn::Source("fact", fact), out, err),
               holds ? tarn::Solved : tarn::NoSolution)
         << seed << "\n"
         << model.GetText() << fact << "\n"
@@ -163,7 +163,7 @@ TEST_F(Explanations, NameMinimalConflicts) {
     session.Read(source);
     std::ostringstream out;
     std::ostringstream err;
-    const int exitCode = tarn::RunConflict(session, source, {}, out, err);
+    const int exitCode = tarn::RunConflict(session, source, out, err);
     ASSERT_EQ(exitCode, model.Enumerate().empty() ? tarn::Solved : tarn::NoSolution) << out.str() << err.str();
     if (exitCode == tarn::NoSolution) {
       continue;
