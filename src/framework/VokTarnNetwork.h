@@ -67,12 +67,12 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }
+  // Called with the number of each constraint that Propagate has filtered (empty: no longer).
+  void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
   // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer), once until
   // the log is cleared: one propagation can change a value billions of times.
   void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept;
   void ClearChangeLog() noexcept;
-  // Called with the number of each constraint that Propagate has filtered (empty: no longer).
-  void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.

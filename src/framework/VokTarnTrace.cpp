@@ -105,7 +105,6 @@ VokTarnNetwork::Outcome VokTarnTrace::Record() {
 }
 
 void VokTarnTrace::Note(VokULong constraint) {
-  std::ranges::sort(fChanged);
   fIsComplete = fIsComplete && fUnits.size() + fChanged.size() < sMostChanges;
   if (fIsComplete) {
     if (fNetwork.IsFailed()) {
@@ -121,7 +120,11 @@ void VokTarnTrace::Note(VokULong constraint) {
 }
 
 std::optional<VokTarnTrace::Chain> VokTarnTrace::Explain(const Result& result) {
+  if (HoldsInitially(result)) {
+    return Chain{{}, true};
+  }
   fWork = 0;
+  fReplayed.clear();
   const std::optional<std::size_t> reached = Replay(fUnits, result, nullptr);
   if (!fIsComplete || !reached) {
     return std::nullopt;
@@ -133,8 +136,13 @@ std::optional<VokTarnTrace::Chain> VokTarnTrace::Explain(const Result& result) {
     return std::nullopt;
   }
   Relieve(chain.fSteps, result);
-  fReplayed.clear();
   return chain;
+}
+
+bool VokTarnTrace::HoldsInitially(const Result& result) const {
+  return result.fValue == vokNoValue
+             ? std::ranges::any_of(fInitial, [](const Domain& domain) { return domain->IsNil() != 0; })
+             : result.fHolds(*fInitial[result.fValue]);
 }
 
 VokTarnTrace::Bench& VokTarnTrace::GetBench(VokULong constraint) {
@@ -145,31 +153,31 @@ VokTarnTrace::Bench& VokTarnTrace::GetBench(VokULong constraint) {
   return *bench;
 }
 
-const VokTarnTrace::Outcome& VokTarnTrace::Filter(std::uint32_t filtering, VokULong constraint,
-                                                  std::vector<Domain> inputs) {
+const VokTarnTrace::Effect& VokTarnTrace::Filter(std::uint32_t filtering, VokULong constraint,
+                                                 std::vector<Domain> inputs) {
   Replayed& last = fReplayed[filtering];
   if (last.fInputs == inputs) {
-    return last.fOutcome;
+    return last.fEffect;
   }
   ++fWork;
   Bench& bench = GetBench(constraint);
-  std::vector<Domain> previous = std::move(last.fOutcome.fDomains);
-  last.fOutcome.fDomains = inputs;
+  std::vector<Domain> previous = std::move(last.fEffect.fDomains);
+  last.fEffect.fDomains = inputs;
   bench.Filter(inputs, [&](const VokTarnNetwork& after) {
-    last.fOutcome.fFails = after.IsFailed();
+    last.fEffect.fFails = after.IsFailed();
     for (VokTarnValueId i = 0; i < inputs.size() && !after.IsFailed(); ++i) {
       const VokTarnAny& domain = after.GetValue(i);
       const VokTarnValueId id = bench.GetValues()[i];
       // A domain that equals an older one is that one: what depends on it need not be filtered again.
       if (i < previous.size() && AreEqual(id, *previous[i], domain)) {
-        last.fOutcome.fDomains[i] = previous[i];
+        last.fEffect.fDomains[i] = previous[i];
       } else if (!AreEqual(id, *inputs[i], domain)) {
-        last.fOutcome.fDomains[i] = Keep(fNetwork.GetType(id), domain);
+        last.fEffect.fDomains[i] = Keep(fNetwork.GetType(id), domain);
       }
     }
   });
   last.fInputs = std::move(inputs);
-  return last.fOutcome;
+  return last.fEffect;
 }
 
 std::optional<std::size_t> VokTarnTrace::Replay(std::span<const Unit> units, const Result& result,
@@ -181,11 +189,6 @@ std::optional<std::size_t> VokTarnTrace::Replay(std::span<const Unit> units, con
     return found == states.end() ? State{fInitial[id]} : found->second;
   };
   const auto isReached = [&] { return result.fValue != vokNoValue && result.fHolds(*get(result.fValue).fDomain); };
-  if (isReached() ||
-      (result.fValue == vokNoValue &&
-       std::ranges::any_of(fInitial, &VokTarnAny::IsNil, [](const Domain& d) -> const VokTarnAny& { return *d; }))) {
-    return 0;
-  }
   for (std::size_t i = 0; i < units.size();) {
     const Unit& first = units[i];
     const std::vector<VokTarnValueId>& values = GetBench(first.fConstraint).GetValues();
@@ -195,15 +198,15 @@ std::optional<std::size_t> VokTarnTrace::Replay(std::span<const Unit> units, con
       step.fInputs.push_back({id, get(id)});
       inputs.push_back(step.fInputs.back().fState.fDomain);
     }
-    const Outcome& outcome = Filter(first.fFiltering, first.fConstraint, std::move(inputs));
-    step.fFails = outcome.fFails;
+    const Effect& effect = Filter(first.fFiltering, first.fConstraint, std::move(inputs));
+    step.fFails = effect.fFails;
     for (; i < units.size() && units[i].fFiltering == first.fFiltering; ++i) {
-      if (outcome.fFails || units[i].fValue == vokNoValue) {
+      if (effect.fFails || units[i].fValue == vokNoValue) {
         continue;
       }
       const auto at = static_cast<std::size_t>(std::ranges::find(values, units[i].fValue) - values.begin());
-      step.fChanges.push_back({units[i].fValue, step.fInputs[at].fState, outcome.fDomains[at]});
-      states[units[i].fValue] = {outcome.fDomains[at], count};
+      step.fChanges.push_back({units[i].fValue, step.fInputs[at].fState, effect.fDomains[at]});
+      states[units[i].fValue] = {effect.fDomains[at], count};
     }
     if (steps != nullptr) {
       std::erase_if(step.fInputs, [&step](const Input& input) {
@@ -212,8 +215,8 @@ std::optional<std::size_t> VokTarnTrace::Replay(std::span<const Unit> units, con
       steps->push_back(std::move(step));
     }
     ++count;
-    if (outcome.fFails || isReached()) {
-      return outcome.fFails == (result.fValue == vokNoValue) ? std::optional(i) : std::nullopt;
+    if (effect.fFails || isReached()) {
+      return effect.fFails == (result.fValue == vokNoValue) ? std::optional(i) : std::nullopt;
     }
   }
   return std::nullopt;

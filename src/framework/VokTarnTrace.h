@@ -87,14 +87,14 @@ class VOKTARN_EXPORT VokTarnTrace {
     VokULong fConstraint;
     VokTarnValueId fValue;
   };
-  struct Outcome {
+  struct Effect {
     std::vector<Domain> fDomains;  // of the constraint's values afterwards
     bool fFails = false;
   };
   // The last time that a recorded filtering was replayed.
   struct Replayed {
     std::vector<Domain> fInputs;
-    Outcome fOutcome;
+    Effect fEffect;
   };
   class Bench;
 
@@ -102,8 +102,9 @@ class VOKTARN_EXPORT VokTarnTrace {
   Domain Keep(const VokTarnObjectDescriptor* type, const VokTarnAny& original);
   bool IsSubset(const VokTarnObjectDescriptor* type, const VokTarnAny& a, const VokTarnAny& b);
   bool AreEqual(VokTarnValueId id, const VokTarnAny& a, const VokTarnAny& b);
+  bool HoldsInitially(const Result& result) const;
   Bench& GetBench(VokULong constraint);
-  const Outcome& Filter(std::uint32_t filtering, VokULong constraint, std::vector<Domain> inputs);
+  const Effect& Filter(std::uint32_t filtering, VokULong constraint, std::vector<Domain> inputs);
   // The number of units after which the result is reached; nothing when it is not. Appends to `steps` if there.
   std::optional<std::size_t> Replay(std::span<const Unit> units, const Result& result, std::vector<Step>* steps);
   std::vector<Unit> Slice(std::span<const Unit> units, const Result& result) const;

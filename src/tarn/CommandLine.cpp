@@ -179,8 +179,7 @@ void DefineConflict(CLI::App& app, CommandLine& line) {
   conflict->add_option("FILE", line.fFile, "The model; - is the standard input")->required()->type_name("");
   DefineLimits(*conflict, line.fSolve.fLimits);
   conflict->footer(
-      "Exit codes: 0 none of those named can be left out, 1 the model has a solution, 2 bad input or usage, 3 "
-      "stopped "
+      "Exit codes: 0 none of those named can be left out, 1 the model has a solution, 2 bad input or usage, 3 stopped "
       "or undecided.");
   conflict->callback([&line] { line.fCommand = CommandLine::Command::Conflict; });
 }

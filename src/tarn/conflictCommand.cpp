@@ -127,7 +127,7 @@ class ConflictFinder {
     // A variable that is in none of the statements may have any value, and needs no bounds.
     std::vector<VokTarnValueId> variables = session.GetVariables();
     std::erase_if(variables, [&session](VokTarnValueId id) { return session.GetNetwork().GetDegree(id) == 0; });
-    VokTarnSearch search(session.GetNetwork(), std::move(variables));
+    VokTarnSearch search(session.GetNetwork(), variables);
     switch (search.Next()) {
       case VokTarnSearch::Status::Stopped:
         throw Stopped();

@@ -3,13 +3,11 @@
 
 #include "tarn/CommandLine.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
 
 namespace tarn {
 namespace {
 
-// Explains what the user asks for.
-int RunWhy(const CommandLine& line, Session& session, const Source& source) {
+int RunWhy(Session& session, const Source& source, const CommandLine& line) {
   const Source fact("fact", line.fFact);
   try {
     return RunWhy(session, source, fact, std::cout, std::cerr);
@@ -18,15 +16,15 @@ int RunWhy(const CommandLine& line, Session& session, const Source& source) {
   }
 }
 
-// Says where to go on from a model without solutions that needs no search to be refuted.
-void HintConflict(const CommandLine& line, Session& session) {
-  if (!line.fSolve.fQuiet && line.fFile != "-" && session.GetNetwork().IsFailed() && !session.IsRestored()) {
+// Says where to go on from a model that needs no search to be refuted.
+void HintConflict(Session& session, const CommandLine& line) {
+  if (line.fFile != "-" && !line.fSolve.fQuiet && session.GetNetwork().IsFailed() && !session.IsRestored()) {
     std::cerr << "tarn: propagation alone refutes the model; `tarn conflict " << MakePrintable(line.fFile)
               << "` names the statements\n";
   }
 }
 
-int RunCommand(const CommandLine& line, Session& session, const Source& source) {
+int RunCommand(Session& session, const Source& source, const CommandLine& line) {
   switch (line.fCommand) {
     case CommandLine::Command::Narrow:
       return RunNarrow(session, std::cout, std::cerr);
@@ -37,7 +35,7 @@ int RunCommand(const CommandLine& line, Session& session, const Source& source) 
     case CommandLine::Command::Tree:
       return RunTree(session, line.fSolve, line.fTree, line.fOutput, std::cout, std::cerr);
     case CommandLine::Command::Why:
-      return RunWhy(line, session, source);
+      return RunWhy(session, source, line);
     case CommandLine::Command::Conflict:
       return RunConflict(session, source, std::cout, std::cerr);
     default:
@@ -48,9 +46,8 @@ int RunCommand(const CommandLine& line, Session& session, const Source& source) 
 int Run(const CommandLine& line) {
   const bool isSolve = line.fCommand == CommandLine::Command::Solve;
   const bool isSearch = isSolve || line.fCommand == CommandLine::Command::Tree;
-  const bool isExplanation =
-      line.fCommand == CommandLine::Command::Why || line.fCommand == CommandLine::Command::Conflict;
-  if (isSearch || isExplanation) {
+  const bool explains = line.fCommand == CommandLine::Command::Why || line.fCommand == CommandLine::Command::Conflict;
+  if (isSearch || explains) {
     WatchSolve(line.fSolve, isSolve);
   }
   Modules modules;
@@ -71,14 +68,14 @@ int Run(const CommandLine& line) {
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
-  if (isExplanation) {
-    EnterPhase(Phase::Printing);  // what has been found out is told whatever stops the rest
+  if (explains) {
+    EnterPhase(Phase::Printing);  // a stop leaves time to tell what is known
   } else if (!isSearch) {
     CatchInterrupts();
   }
-  const int exitCode = RunCommand(line, session, source);
+  const int exitCode = RunCommand(session, source, line);
   if (isSolve || line.fCommand == CommandLine::Command::Narrow) {
-    HintConflict(line, session);
+    HintConflict(session, line);
   }
   if (exitCode == Undecided) {
     EndProgram(exitCode, std::cout, std::cerr);

@@ -38,9 +38,9 @@ class Explanations : public testing::Test {
     for (const VokTarnTrace::Change& change : step.fChanges) {
       alone.GetValue(change.fValue).Assign(*change.fBefore.fDomain);
     }
-    const std::unique_ptr<VokTarnConstraint> constraint(
-        static_cast<const VokTarnConstraintDescriptor*>(original.GetDescriptor())
-            ->Create(original.GetArguments(), original.GetForm(), original.GetConstants()));
+    VokTarnConstraint* constraint = static_cast<const VokTarnConstraintDescriptor*>(original.GetDescriptor())
+                                        ->Create(original.GetArguments(), original.GetForm(), original.GetConstants());
+    alone.AddConstraint(std::unique_ptr<VokTarnConstraint>(constraint));
     constraint->Filter(VokTarnObjectEnvironment(alone, constraint->GetArguments()), 0);
     EXPECT_EQ(alone.IsFailed(), step.fFails);
     for (const VokTarnTrace::Change& change : step.fChanges) {
@@ -118,6 +118,39 @@ TEST_F(Explanations, ConsistOfStepsThatEachHold) {
     }
   }
   EXPECT_GT(explained, 600U);
+}
+
+TEST_F(Explanations, AgreeWithPlainEnumeration) {
+  std::mt19937 random(1);
+  const auto pick = [&random](int from, int to) { return std::uniform_int_distribution<int>(from, to)(random); };
+  for (unsigned seed = 1; seed <= 600 && !HasFailure(); ++seed) {
+    const RandomModel model(seed);
+    const tarn::Source source("model", model.GetText());
+    tarn::Session session(fModules);
+    session.Read(source);
+    const auto i = static_cast<std::size_t>(pick(0, static_cast<int>(model.GetVariableCount()) - 1));
+    const bool isTruth =
+        session.GetNetwork().GetValue(session.GetVariables()[i]).IsDerivedFrom(VokTarnBoolean::sIdent) != 0;
+    const char* const sRelations[] = {"=", "<>", "<", "<=", ">", ">="};
+    const std::string relation = sRelations[pick(0, isTruth ? 1 : 5)];
+    const int v = isTruth ? pick(0, 1) : pick(-5, 6);
+    const std::string fact = session.GetModel().GetVariables()[i].fName + relation + std::to_string(v);
+    const bool holds = std::ranges::all_of(model.Enumerate(), [&](const Assignment& a) {
+      return relation == "="    ? a[i] == v
+             : relation == "<>" ? a[i] != v
+             : relation == "<"  ? a[i] < v
+             : relation == "<=" ? a[i] <= v
+             : relation == ">"  ? a[i] > v
+                                : a[i] >= v;
+    });
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(tarn::RunWhy(session, source, tarn::Source("fact", fact), out, err),
+              holds ? tarn::Solved : tarn::NoSolution)
+        << seed << "\n"
+        << model.GetText() << fact << "\n"
+        << out.str() << err.str();
+  }
 }
 
 TEST_F(Explanations, NameMinimalConflicts) {
