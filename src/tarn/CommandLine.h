@@ -11,12 +11,13 @@ namespace tarn {
 
 // What the arguments of the program ask for.
 struct CommandLine {
-  enum class Command { Narrow, Solve, Save, Modules };
+  enum class Command { Narrow, Solve, Save, Modules, Repl };
 
   Command fCommand = Command::Solve;
   std::string fFile;
   std::string fOutput;
-  std::optional<std::string> fModule;  // the one to list
+  std::optional<std::string> fModule;   // the one to list
+  std::optional<std::string> fOpening;  // the model that a session begins with
   std::vector<std::string> fModules;
   std::vector<std::string> fDirectories;
   SolveOptions fSolve;

@@ -32,4 +32,7 @@ int RunSave(Session& session, const std::string& path, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
 
+// Holds a session with whoever writes lines to the standard input, first on the model in `file`, if any.
+int RunRepl(Modules& modules, const std::optional<std::string>& file, std::ostream& out, std::ostream& err);
+
 }  // namespace tarn

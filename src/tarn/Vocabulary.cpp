@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
+#include <sstream>
 
 #include "tarn/Lexer.h"
 
@@ -120,6 +122,23 @@ bool Vocabulary::IsRelation(std::string_view spelling) noexcept {
 bool Vocabulary::IsReserved(std::string_view word) const noexcept {
   return std::ranges::find(sStatementWords, word) != std::end(sStatementWords) || IsPrefix(word) ||
          FindInfix(word) != nullptr || IsType(word) || IsListOperator(word);
+}
+
+std::set<std::string, std::less<>> Vocabulary::GetWords() const {
+  std::set<std::string, std::less<>> words(std::begin(sStatementWords), std::end(sStatementWords));
+  const auto add = [&words](const std::string& name) {
+    std::istringstream parts(name);
+    for (std::string part; parts >> part;) {
+      if (IsWord(part)) {
+        words.insert(part);
+      }
+    }
+  };
+  std::ranges::for_each(fPrefixes, add);
+  std::ranges::for_each(fTypes, add);
+  std::ranges::for_each(fInfixes | std::views::keys, add);
+  std::ranges::for_each(fLists | std::views::keys, add);
+  return words;
 }
 
 }  // namespace tarn
