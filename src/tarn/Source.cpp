@@ -28,7 +28,7 @@ constexpr std::size_t sMaxSize = std::numeric_limits<std::uint32_t>::max();
 }  // namespace
 
 Source Source::ReadFile(const std::string& path) {
-  const std::string name = path == "-" ? "standard input" : path;
+  const std::string name = path == "-" ? "standard input" : MakePrintable(path);
   const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   if (file == nullptr) {
     throw ProgramError(name + ": error: cannot open the file: " + std::strerror(errno));
