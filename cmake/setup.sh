@@ -47,4 +47,4 @@ quietly() {
 }
 
 product_packages="g++ cmake ninja-build libcli11-dev libedit-dev"
-test_packages="$product_packages clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev"
+test_packages="$product_packages clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev graphviz"

@@ -10,10 +10,13 @@
 #include "constraints/VokTarnBooleanLessOrEqualConstraint.h"
 #include "constraints/VokTarnBooleanNotConstraint.h"
 #include "constraints/VokTarnBooleanOrConstraint.h"
+#include "constraints/VokTarnCountConstraint.h"
+#include "constraints/VokTarnElementConstraint.h"
 #include "constraints/VokTarnEqualConstraint.h"
 #include "constraints/VokTarnEqualTernaryConstraint.h"
 #include "constraints/VokTarnLessOrEqualTernaryConstraint.h"
 #include "constraints/VokTarnLessTernaryConstraint.h"
+#include "constraints/VokTarnLinearConstraint.h"
 #include "constraints/VokTarnMaximumConstraint.h"
 #include "constraints/VokTarnMinimumConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
@@ -22,6 +25,7 @@
 #include "constraints/VokTarnPowerConstraint.h"
 #include "constraints/VokTarnRemainderConstraint.h"
 #include "constraints/VokTarnSignumConstraint.h"
+#include "constraints/VokTarnTableConstraint.h"
 #include "constraints/VokTarnUnequalTernaryConstraint.h"
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnInteger.h"
@@ -70,7 +74,11 @@ bool PublishConstraints(VokTarnModule& module) {
          Publish<VokTarnBooleanAndConstraint>(module, 3, Operands::Any) &&
          Publish<VokTarnBooleanOrConstraint>(module, 3, Operands::Any) &&
          Publish<VokTarnBooleanImpliesConstraint>(module, 3, Operands::Any) &&
-         Publish<VokTarnAllDifferentConstraint>(module, any, Operands::Any);
+         Publish<VokTarnAllDifferentConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnLinearConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnElementConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnCountConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnTableConstraint>(module, any, Operands::Any);
 }
 
 // Relations see of an integer only what every type offers, so they are published once for all types, and a
@@ -95,7 +103,9 @@ int PublishOperators(VokTarnModule& module) {
         VokTarnCreateSecondInverseBinaryOperator(">==", i, i, b, i, isLessOrEqual),
         VokTarnCreateSecondInverseSymmetricBinaryOperator("<<", i, i, b, i, isLess),
         VokTarnCreateSecondInverseSymmetricBinaryOperator("<==", i, i, b, i, isLessOrEqual),
-        VokTarnCreateListOperator("all different", i, VokTarnAllDifferentConstraint::sDescriptor)}) {
+        VokTarnCreateListOperator("all different", i, VokTarnAllDifferentConstraint::sDescriptor),
+        VokTarnCreateListFunction("element", i, i, i, VokTarnElementConstraint::sDescriptor),
+        VokTarnCreateTableOperator("table", i, VokTarnTableConstraint::sDescriptor)}) {
     added &= row != nullptr ? module.AddObjectDescriptor(row) : 0;
   }
   return added;

@@ -55,14 +55,6 @@ int EliminateKnown(const VokTarnObjectEnvironment& environment) {
   return changed;
 }
 
-std::vector<VokLong> ListValues(const VokTarnInteger& x) {
-  std::vector<VokLong> values = {x.GetLowerBound()};
-  while (values.back() != x.GetUpperBound()) {
-    values.push_back(x.GetNextExactValue(values.back()));
-  }
-  return values;
-}
-
 // Takes the values that no assignment with all values different has. An argument that is known already has no other
 // argument's value after the elimination, so only the open ones are matched.
 int EliminateUnsupported(const VokTarnObjectEnvironment& environment) {

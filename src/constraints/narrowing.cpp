@@ -1,5 +1,7 @@
 #include "constraints/narrowing.h"
 
+#include <algorithm>
+
 #include "numbers/VokFenIntervalInteger.h"
 #include "numbers/VokFenSingleInteger.h"
 
@@ -21,9 +23,8 @@ bool UnderstandsEquality(const VokTarnAny& x, const VokTarnAny& y) {
          IsA(x, VokFenIntervalInteger::sIdent);
 }
 
-// Narrows argument i to the values that argument j has.
-int NarrowToOther(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
-  const VokTarnInteger& other = environment.Integer(j);
+// Narrows argument i to the values that `other` has.
+int NarrowTo(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnInteger& other) {
   if (other.IsUndefined() != 0) {
     return 0;
   }
@@ -35,6 +36,25 @@ int NarrowToOther(const VokTarnObjectEnvironment& environment, unsigned i, unsig
     x.SetNilValue();
   }
   return environment.Note(i, changed);
+}
+
+// How many values an undefined set takes over.
+constexpr std::size_t kMostTaken = 1023;
+
+// Makes argument i, which is undefined, hold the values. A type that cannot hold them all stays undefined.
+int TakeValues(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values) {
+  if (values.size() > kMostTaken) {
+    return 0;
+  }
+  VokTarnInteger& x = environment.NarrowInteger(i);
+  x.SetExactValue(values.front());
+  for (const VokLong v : values.subspan(1)) {
+    if (x.AddExactValue(v) == 0) {
+      x.SetUndefinedValue();
+      return 0;
+    }
+  }
+  return environment.Note(i, x.IsUndefined() != 0 ? 0 : 1);
 }
 
 }  // namespace
@@ -53,6 +73,42 @@ int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::in
   }
   const VokFenSingleInteger bound(static_cast<VokLong>(limit));
   return environment.Note(i, environment.NarrowInteger(i).CalcNotLessValue(bound));
+}
+
+int KeepBetween(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper) {
+  const std::int64_t least = environment.Integer(i).GetLowerBound();
+  const std::int64_t greatest = environment.Integer(i).GetUpperBound();
+  if (lower <= least && upper >= greatest) {
+    return 0;
+  }
+  lower = std::max<std::int64_t>(lower, SubIntBase::sMin);
+  upper = std::min<std::int64_t>(upper, SubIntBase::sMax);
+  if (lower > upper || lower > greatest || upper < least) {
+    return environment.MakeNil(i);
+  }
+  return NarrowTo(environment, i, VokFenIntervalInteger(static_cast<VokLong>(lower), static_cast<VokLong>(upper)));
+}
+
+int KeepValues(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values) {
+  if (values.empty()) {
+    return environment.MakeNil(i);
+  }
+  int changed = KeepBetween(environment, i, values.front(), values.back());
+  const VokTarnInteger& x = environment.Integer(i);
+  if (environment.IsFailed() || IsInterval(x)) {
+    return changed;
+  }
+  if (x.IsUndefined() != 0) {
+    return changed | TakeValues(environment, i, values);
+  }
+  auto kept = values.begin();
+  for (const VokLong v : ListValues(x)) {
+    kept = std::lower_bound(kept, values.end(), v);
+    if (kept == values.end() || *kept != v) {
+      changed |= RemoveValue(environment, i, v);
+    }
+  }
+  return changed;
 }
 
 int RemoveValue(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
@@ -85,8 +141,8 @@ int KeepEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned 
     }
     return changed;
   }
-  const int changed = NarrowToOther(environment, i, j);
-  return environment.IsFailed() ? changed : changed | NarrowToOther(environment, j, i);
+  const int changed = NarrowTo(environment, i, environment.Integer(j));
+  return environment.IsFailed() ? changed : changed | NarrowTo(environment, j, environment.Integer(i));
 }
 
 int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
@@ -141,4 +197,20 @@ std::int64_t ExactValue(const VokTarnObjectEnvironment& environment, unsigned i)
     return environment.Truth(i).IsPossible(1);
   }
   return environment.Integer(i).GetLowerBound();
+}
+
+std::vector<VokLong> ListValues(const VokTarnInteger& x) {
+  std::vector<VokLong> values = {x.GetLowerBound()};
+  while (values.back() != x.GetUpperBound()) {
+    values.push_back(x.GetNextExactValue(values.back()));
+  }
+  return values;
+}
+
+bool HaveCommonValue(const VokTarnInteger& x, const VokTarnInteger& y) {
+  return x.VokTarnInteger::IsIntersected(y) != 0;
+}
+
+bool IsInterval(const VokTarnInteger& x) {
+  return IsA(x, VokFenIntervalInteger::sIdent);
 }

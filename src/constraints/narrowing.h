@@ -3,12 +3,20 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
+#include <vector>
 
 #include "framework/VokTarnObjectEnvironment.h"
 
 // Argument i keeps its values up to (from) the limit. Limits beyond the integer range remove nothing.
 int KeepAtMost(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit);
 int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit);
+// Argument i keeps its values from `lower` to `upper`, whatever 64-bit numbers these are. An undefined set takes the
+// values between them where it can list them.
+int KeepBetween(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper);
+// Argument i keeps those of its values that are among `values`, which ascend within the integer range; an undefined
+// set takes them over where it can list them.
+int KeepValues(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values);
 // Argument i loses the value v.
 int RemoveValue(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v);
 // Truth value i keeps `truth` alone.
@@ -26,3 +34,11 @@ bool AreIntegers(const VokTarnObjectEnvironment& environment, unsigned from, uns
 bool AreTruthValues(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to);
 // Requires: the argument, an integer or a truth value, is single-valued.
 std::int64_t ExactValue(const VokTarnObjectEnvironment& environment, unsigned i);
+
+// The possible values, ascending. Requires: x is neither Nil nor undefined.
+std::vector<VokLong> ListValues(const VokTarnInteger& x);
+// Whether x and y have a value in common. Reads the values of both one by one: a type's own test need not know the
+// other type.
+bool HaveCommonValue(const VokTarnInteger& x, const VokTarnInteger& y);
+// Whether the type of x keeps every value between its bounds, so that listing them tells nothing.
+bool IsInterval(const VokTarnInteger& x);

@@ -8,9 +8,6 @@
 
 namespace {
 
-// The interrupt is asked once for this many steps: often enough for limits in milliseconds.
-constexpr unsigned kInterruptInterval = 64;
-
 // The only event so far: the value lost possible values.
 constexpr int kChanged = 1;
 
@@ -72,7 +69,7 @@ VokTarnValueId VokTarnNetwork::AddValue(const VokTarnObjectDescriptor* type, std
   if (!name.empty()) {
     fNames.emplace(id, std::move(name));
   }
-  fValues.push_back({nullptr, type, 0, {}});
+  fValues.push_back({nullptr, type, 0, false, {}});
   VokTarnAny* object = TakeSpare(type);
   if (object == nullptr) {
     fValues.pop_back();
@@ -122,22 +119,6 @@ void VokTarnNetwork::Schedule(VokULong constraint) {
   }
 }
 
-bool VokTarnNetwork::PollInterrupt() {
-  if (!fInterrupt) {
-    return false;
-  }
-  if (fStepsToPoll != 0) {
-    --fStepsToPoll;
-    return false;
-  }
-  // A stop is asked for again at the next step, until the caller takes the interrupt away.
-  if (fInterrupt()) {
-    return true;
-  }
-  fStepsToPoll = kInterruptInterval;
-  return false;
-}
-
 VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
   fFailedConstraint = nullptr;
   while (!fFailed) {
@@ -178,9 +159,7 @@ VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
 }
 
 void VokTarnNetwork::NoteChange(VokTarnValueId id) {
-  if (fChangeLog != nullptr) {
-    fChangeLog->push_back(id);
-  }
+  LogChange(id);
   const Slot& slot = fValues[id];
   if (slot.fObject->IsNil() != 0) {
     fFailed = true;
@@ -188,6 +167,27 @@ void VokTarnNetwork::NoteChange(VokTarnValueId id) {
   }
   for (const Watcher& watcher : slot.fWatchers) {
     fConstraints[watcher.fConstraint]->ActivateByArgument(watcher.fArgument, kChanged, this);
+  }
+}
+
+void VokTarnNetwork::SetChangeLog(std::vector<VokTarnValueId>* log) noexcept {
+  ClearChangeLog();
+  fChangeLog = log;
+}
+
+void VokTarnNetwork::ClearChangeLog() noexcept {
+  if (fChangeLog != nullptr) {
+    for (const VokTarnValueId id : *fChangeLog) {
+      fValues[id].fIsLogged = false;
+    }
+    fChangeLog->clear();
+  }
+}
+
+void VokTarnNetwork::LogChange(VokTarnValueId id) {
+  if (fChangeLog != nullptr && !fValues[id].fIsLogged) {
+    fValues[id].fIsLogged = true;
+    fChangeLog->push_back(id);
   }
 }
 
@@ -210,9 +210,7 @@ void VokTarnNetwork::PopLevel() {
     Slot& slot = fValues[saved.fValue];
     Copy(*slot.fObject, *saved.fCopy);
     slot.fStamp = saved.fStamp;
-    if (fChangeLog != nullptr) {
-      fChangeLog->push_back(saved.fValue);
-    }
+    LogChange(saved.fValue);
     ReleaseSpare(slot.fType, saved.fCopy);
     fTrail.pop_back();
   }

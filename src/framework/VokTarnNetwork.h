@@ -57,19 +57,20 @@ class VOKTARN_EXPORT VokTarnNetwork {
   bool IsFailed() const noexcept { return fFailed; }
   // The constraint that was being filtered when the last propagation failed; null when it did not fail so.
   const VokTarnConstraint* GetFailedConstraint() const noexcept { return fFailedConstraint; }
-  // Asked now and then during propagation; true ends it with Interrupted, the rest of the agenda kept.
+  // Asked before each step of propagation, so it should be quick; true ends it with Interrupted, the rest of the agenda
+  // kept.
   void SetInterrupt(std::function<bool()> interrupt) { fInterrupt = std::move(interrupt); }
-  // One step of work that may be interrupted: asks now and then, true when the work is to stop. For those who
-  // drive the network, so that they stop even where nothing propagates.
-  bool PollInterrupt();
+  // Whether the work is to stop. For those who drive the network, so that they stop even where nothing propagates.
+  bool PollInterrupt() const { return fInterrupt && fInterrupt(); }
 
   // Write access for search and constraints: saves the value on the trail; NoteChange after each change.
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }
-  // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer).
-  // A number may be appended more than once.
-  void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept { fChangeLog = log; }
+  // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer), once until
+  // the log is cleared: one propagation can change a value billions of times.
+  void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept;
+  void ClearChangeLog() noexcept;
   void Schedule(VokULong constraint);
 
   // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
@@ -96,6 +97,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
     VokTarnAny* fObject;
     const VokTarnObjectDescriptor* fType;
     VokULong fStamp;  // the stamp of the level at which the value was saved last
+    bool fIsLogged;
     std::vector<Watcher> fWatchers;
   };
   struct Saved {
@@ -109,6 +111,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   };
 
   void ClearAgenda() noexcept;
+  void LogChange(VokTarnValueId id);
 
   std::vector<Slot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;
@@ -122,7 +125,6 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;
-  unsigned fStepsToPoll = 0;
   VokULong fStampCounter = 0;
   VokULong fAllocationFailures;
   bool fFailed = false;

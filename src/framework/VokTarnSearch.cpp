@@ -13,6 +13,9 @@ const VokTarnInteger& AsInteger(const VokTarnAny& value) {
 
 constexpr unsigned kNoPlace = std::numeric_limits<unsigned>::max();
 
+// The failures of the shortest run between restarts.
+constexpr std::uint64_t kRunLength = 100;
+
 // More than one value, and they can be counted: the domain can be split.
 bool CanSplit(const VokTarnAny& value) {
   return value.GetCardinality() > 1;
@@ -20,18 +23,22 @@ bool CanSplit(const VokTarnAny& value) {
 
 }  // namespace
 
-VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables,
+VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
                              std::optional<Objective> objective, Options options)
     : fNetwork(network),
-      fVariables(std::move(variables)),
       fPlaces(network.GetValueCount(), kNoPlace),
       fObjective(objective),
       fOptions(options),
-      fWeights(fVariables.size(), 1.0) {
-  for (unsigned place = 0; place < fVariables.size(); ++place) {
-    fPlaces[fVariables[place]] = place;
-    Enter(place);
+      fRandom(options.fSeed),
+      fFailuresToRestart(kRunLength * fRestartSequence.Next()) {
+  fVariables.reserve(variables.size());
+  for (const VokTarnValueId id : variables) {
+    fVariables.push_back({id, 1});
   }
+  if (options.fSeed != 0) {
+    Shuffle();
+  }
+  EnterAll();
   network.SetChangeLog(&fChanged);
 }
 
@@ -53,7 +60,7 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     }
     fExhausted = root == VokTarnNetwork::Outcome::Failed;
     if (fExhausted) {
-      ++fStatistics.fFailures;
+      NoteFailure();
     } else {
       fNetwork.PushLevel();  // what the search does to the values ends with the search
     }
@@ -76,7 +83,13 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     if (outcome == VokTarnNetwork::Outcome::Failed) {
       NoteFailure();
       fExhausted = !Backtrack();
+      if (!fExhausted && IsRestartDue()) {
+        BeginAgain();
+      }
       continue;
+    }
+    if (fChoices.empty()) {
+      NoteBound();
     }
     if (const VokTarnValueId variable = ChooseVariable(); variable != vokNoValue) {
       Split(variable, false);
@@ -89,6 +102,9 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       if (fObjective) {
         fBest = AsInteger(fNetwork.GetValue(fObjective->fValue)).GetLowerBound();
       }
+      if (fObserver != nullptr) {
+        fObserver->OnSolution();
+      }
       return Status::Solution;
     }
     if (CanSplit(fNetwork.GetValue(open))) {
@@ -96,45 +112,102 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       continue;
     }
     fUndecided = open;
+    if (fObserver != nullptr) {
+      fObserver->OnUndecided();
+    }
     fExhausted = !Backtrack();
   }
   return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
 }
 
-double VokTarnSearch::GetRank(unsigned place, int cardinality) const {
+// Less is better.
+VokTarnSearch::Rank VokTarnSearch::GetRank(unsigned place, int cardinality) const {
+  const auto size = static_cast<std::uint64_t>(cardinality);
   switch (fOptions.fVariable) {
     case VariableChoice::FirstFail:
-      return cardinality;
+      return {size, 1};
     case VariableChoice::InputOrder:
-      return 0;
-    case VariableChoice::MostConstrained:
-      return cardinality + 1.0 / (1.0 + static_cast<double>(fNetwork.GetDegree(fVariables[place])));
+      return {0, 1};
+    case VariableChoice::MostConstrained: {
+      constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
+      return {(size << 32U) + kMost - std::min<std::uint64_t>(fNetwork.GetDegree(fVariables[place].fId), kMost), 1};
+    }
     case VariableChoice::Weighted:
       break;
   }
-  return cardinality / fWeights[place];
+  return {size, fVariables[place].fWeight};
 }
 
 // Counts a failure, and lets the variables of the constraint that failed weigh more.
 void VokTarnSearch::NoteFailure() {
   ++fStatistics.fFailures;
+  if (fObserver != nullptr) {
+    fObserver->OnFailure();
+  }
   const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
   if (fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
     return;
   }
   for (const VokTarnValueId id : failed->GetArguments()) {
     if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
-      ++fWeights[fPlaces[id]];
+      std::uint32_t& weight = fVariables[fPlaces[id]].fWeight;
+      weight += weight < std::numeric_limits<std::uint32_t>::max() ? 1U : 0U;
       fChanged.push_back(id);
     }
   }
 }
 
 void VokTarnSearch::Enter(unsigned place) {
-  const int cardinality = fNetwork.GetValue(fVariables[place]).GetCardinality();
+  const int cardinality = fNetwork.GetValue(fVariables[place].fId).GetCardinality();
   if (cardinality > 1) {
     fCandidates.push_back({GetRank(place, cardinality), place});
     std::push_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
+  }
+}
+
+void VokTarnSearch::EnterAll() {
+  fCandidates.clear();
+  for (unsigned place = 0; place < fVariables.size(); ++place) {
+    fPlaces[fVariables[place].fId] = place;
+    Enter(place);
+  }
+}
+
+// Puts the variables in a random order, which is that of choice among equals.
+void VokTarnSearch::Shuffle() {
+  if (fOptions.fVariable == VariableChoice::InputOrder) {
+    return;
+  }
+  for (std::size_t i = fVariables.size(); i > 1; --i) {
+    std::swap(fVariables[i - 1], fVariables[fRandom.Next() % i]);
+  }
+}
+
+// A second run would find what an enumeration has found already. With an objective it cannot: it has to be better.
+bool VokTarnSearch::IsRestartDue() const noexcept {
+  return fOptions.fRestart == Restart::Luby && fStatistics.fFailures >= fFailuresToRestart && !fChoices.empty() &&
+         (fObjective || fStatistics.fSolutions == 0);
+}
+
+// Leaves every choice. What was refuted at the root stays refuted.
+void VokTarnSearch::BeginAgain() {
+  while (!fChoices.empty()) {
+    LeaveLevel();
+  }
+  ++fStatistics.fRestarts;
+  if (fObserver != nullptr) {
+    fObserver->OnRestart();
+  }
+  fFailuresToRestart = fStatistics.fFailures + kRunLength * fRestartSequence.Next();
+  Shuffle();
+  fNetwork.ClearChangeLog();
+  EnterAll();
+}
+
+void VokTarnSearch::NoteBound() {
+  if (fObjective && fNetwork.GetValue(fObjective->fValue).GetCardinality() > 0) {
+    const VokTarnInteger& value = AsInteger(fNetwork.GetValue(fObjective->fValue));
+    fBound = fObjective->fSense == Sense::Minimize ? value.GetLowerBound() : value.GetUpperBound();
   }
 }
 
@@ -144,20 +217,19 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
       Enter(fPlaces[id]);
     }
   }
-  fChanged.clear();
+  fNetwork.ClearChangeLog();
   if (fCandidates.size() > 4 * fVariables.size() + 64) {  // mostly stale by now
-    fCandidates.clear();
-    for (unsigned place = 0; place < fVariables.size(); ++place) {
-      Enter(place);
-    }
+    EnterAll();
   }
   while (!fCandidates.empty()) {
     const Candidate best = fCandidates.front();
-    const VokTarnValueId variable = fVariables[best.fPlace];
+    const VokTarnValueId variable = fVariables[best.fPlace].fId;
     const int cardinality = fNetwork.GetValue(variable).GetCardinality();
-    if (cardinality > 1 && !(GetRank(best.fPlace, cardinality) < best.fRank) &&
-        !(best.fRank < GetRank(best.fPlace, cardinality))) {
-      return variable;
+    if (cardinality > 1) {
+      const Rank rank = GetRank(best.fPlace, cardinality);
+      if (!(rank < best.fRank) && !(best.fRank < rank)) {
+        return variable;
+      }
     }
     std::pop_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
     fCandidates.pop_back();
@@ -168,9 +240,9 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
 // A value that is not single: a variable that cannot be split, else an intermediate value, one that can be
 // split before one that cannot.
 VokTarnValueId VokTarnSearch::FindUndecided() const {
-  for (const VokTarnValueId variable : fVariables) {
-    if (fNetwork.GetValue(variable).GetCardinality() != 1) {
-      return variable;
+  for (const Variable& variable : fVariables) {
+    if (fNetwork.GetValue(variable.fId).GetCardinality() != 1) {
+      return variable.fId;
     }
   }
   VokTarnValueId open = vokNoValue;
@@ -210,6 +282,9 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
   fNetwork.Copy(fNetwork.Touch(variable), *part);
   fNetwork.NoteChange(variable);
+  if (fObserver != nullptr) {
+    fObserver->OnDecision(variable, *part);
+  }
   fNetwork.ReleaseSpare(type, part);
 }
 
@@ -231,6 +306,10 @@ bool VokTarnSearch::Backtrack() {
   fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
   fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
   fNetwork.NoteChange(choice.fVariable);
+  if (fObserver != nullptr) {
+    fObserver->OnBacktrack(static_cast<unsigned>(fChoices.size()), choice.fVariable,
+                           fNetwork.GetValue(choice.fVariable));
+  }
   return true;
 }
 

@@ -3,10 +3,28 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "framework/VokTarnNetwork.h"
+#include "framework/restartSequences.h"
+
+// Sees the steps of a search as they are made, for example to draw its tree.
+class VOKTARN_EXPORT VokTarnSearchObserver {
+ public:
+  virtual ~VokTarnSearchObserver() = default;
+
+  // One more choice: `variable` is to have one of the values of `part`, a part of those that it has.
+  virtual void OnDecision(VokTarnValueId variable, const VokTarnAny& part) = 0;
+  // Back to the choice that was made after `depth` others: its variable is to have one of the values of `rest`, what
+  // remained of it. The choice and those after it are no longer open.
+  virtual void OnBacktrack(unsigned depth, VokTarnValueId variable, const VokTarnAny& rest) = 0;
+  // All choices are left: the search begins again at its root.
+  virtual void OnRestart() = 0;
+  // What has become of the branch that the last choice or the rest of one led to.
+  virtual void OnFailure() = 0;
+  virtual void OnSolution() = 0;
+  virtual void OnUndecided() = 0;
+};
 
 // Depth-first search for the assignments of some values of a network that satisfy all its constraints.
 //
@@ -43,9 +61,20 @@ class VOKTARN_EXPORT VokTarnSearch {
   };
   // The part of a domain that is searched first.
   enum class ValueChoice { Min, Max, Split, SplitMax };
+  enum class Restart {
+    None,
+    Luby  // after 100 failures times the terms 1, 1, 2, 1, 1, 2, 4, ... (M. Luby, A. Sinclair, D. Zuckerman, "Optimal
+          // speedup of Las Vegas algorithms", 1993)
+  };
   struct Options {
     VariableChoice fVariable = VariableChoice::FirstFail;
     ValueChoice fValue = ValueChoice::Split;
+    // A search begins again from the root, the weights kept, while that loses nothing: until the first solution, with
+    // an objective also after it. The terms grow without bound, so the search still ends.
+    Restart fRestart = Restart::None;
+    // With a seed other than 0, or with restarts, equally ranked variables stand in a random order, a new one after
+    // each restart. InputOrder knows no equals.
+    std::uint64_t fSeed = 0;
     // The search is stopped for good once it has made this many decisions, or has failed this often.
     std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
@@ -54,25 +83,34 @@ class VOKTARN_EXPORT VokTarnSearch {
     std::uint64_t fDecisions = 0;
     std::uint64_t fFailures = 0;
     std::uint64_t fSolutions = 0;
+    std::uint64_t fRestarts = 0;
     unsigned fDepth = 0;  // the deepest level reached
   };
 
   // The network must be at its root level and outlive the search. The search leaves it at the root level
   // when it is destroyed.
-  VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables,
+  VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
                 std::optional<Objective> objective = std::nullopt)
-      : VokTarnSearch(network, std::move(variables), objective, Options()) {}
-  VokTarnSearch(VokTarnNetwork& network, std::vector<VokTarnValueId> variables, std::optional<Objective> objective,
-                Options options);
+      : VokTarnSearch(network, variables, objective, Options()) {}
+  VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
+                std::optional<Objective> objective, Options options);
   VokTarnSearch(const VokTarnSearch&) = delete;
   VokTarnSearch& operator=(const VokTarnSearch&) = delete;
   ~VokTarnSearch();
 
   Status Next();
 
+  // From now on `observer` (null: none) sees each step; borrowed.
+  void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
+
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
+  // How many choices the search is in.
+  unsigned GetDepth() const noexcept { return static_cast<unsigned>(fChoices.size()); }
   // The objective's value in the last solution.
   std::optional<VokLong> GetBest() const noexcept { return fBest; }
+  // What no solution's objective is better than, as far as propagation at the root knows. Nothing before the root has
+  // been propagated, and without an objective.
+  std::optional<VokLong> GetBound() const noexcept { return fBound; }
   // A variable that kept a branch undecided, or vokNoValue.
   VokTarnValueId GetUndecided() const noexcept { return fUndecided; }
 
@@ -83,21 +121,40 @@ class VOKTARN_EXPORT VokTarnSearch {
     bool fAuxiliary;    // an intermediate value: one completion is enough
   };
 
+  struct Variable {
+    VokTarnValueId fId;
+    std::uint32_t fWeight;  // 1 and the failures that its constraints have seen
+  };
+
+  // A fraction, so that every machine ranks alike.
+  struct Rank {
+    std::uint64_t fNumerator;  // times a denominator, below 2^64
+    std::uint32_t fDenominator;
+    bool operator<(const Rank& other) const noexcept {
+      return fNumerator * other.fDenominator < other.fNumerator * fDenominator;
+    }
+  };
+
   // A variable by its place among the variables, with the rank that it had when it was entered; the order is that
   // of choice.
   struct Candidate {
-    double fRank;
+    Rank fRank;
     unsigned fPlace;
     bool operator>(const Candidate& other) const noexcept {
-      return fRank > other.fRank || (!(fRank < other.fRank) && fPlace > other.fPlace);
+      return other.fRank < fRank || (!(fRank < other.fRank) && fPlace > other.fPlace);
     }
   };
 
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
   VokTarnValueId ChooseVariable();
-  double GetRank(unsigned place, int cardinality) const;
+  Rank GetRank(unsigned place, int cardinality) const;
   void Enter(unsigned place);
+  void EnterAll();
+  void Shuffle();
+  bool IsRestartDue() const noexcept;
+  void BeginAgain();
+  void NoteBound();
   void NoteFailure();
   VokTarnValueId FindUndecided() const;
   bool IsBound(VokTarnValueId id) const;
@@ -106,18 +163,22 @@ class VOKTARN_EXPORT VokTarnSearch {
   void SkipAuxiliaryChoices();
 
   VokTarnNetwork& fNetwork;
-  std::vector<VokTarnValueId> fVariables;
-  std::vector<unsigned> fPlaces;  // per value of the network, its place among the variables
+  std::vector<Variable> fVariables;  // equally ranked ones are chosen in this order
+  std::vector<unsigned> fPlaces;     // per value of the network, its place among the variables
   // Open variables, best first on top. Every open variable has an entry with its present rank; entries that a
   // change has made stale are dropped when they come up.
   std::vector<Candidate> fCandidates;
   std::vector<VokTarnValueId> fChanged;
   std::optional<Objective> fObjective;
   Options fOptions;
-  std::vector<double> fWeights;  // per variable: 1 and the failures that its constraints have seen
+  VokTarnRandom fRandom;
+  VokTarnLubySequence fRestartSequence;
+  std::uint64_t fFailuresToRestart = 0;  // the count of failures that ends this run
   std::vector<Choice> fChoices;
   Statistics fStatistics;
+  VokTarnSearchObserver* fObserver = nullptr;
   std::optional<VokLong> fBest;
+  std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;
   bool fStarted = false;
   bool fAtSolution = false;

@@ -14,8 +14,8 @@ namespace {
 
 using Kind = VokTarnOperatorKind;
 
-// Operands and result in the order of the creators. S is "int", V "interval int", B "bool"; a row with a
-// working type has it last.
+// Operands and result in the order of the creators. S is "int", V "interval int", I any integer, B "bool"; a row with
+// a working type has it last.
 struct Row {
   const char* name;
   Kind kind;
@@ -55,6 +55,8 @@ constexpr Row sRows[] = {
     {"||", Kind::Binary, "VokTarnBooleanOrConstraint", "BBB"},
     {"->", Kind::Binary, "VokTarnBooleanImpliesConstraint", "BBB"},
     {"<->", Kind::SecondInverseBinary, "VokTarnBooleanEqualConstraint", "BBBB"},
+    {"sum", Kind::ListFunction, "VokTarnLinearConstraint", "IV"},
+    {"count", Kind::ListFunction, "VokTarnCountConstraint", "IIV"},
 };
 
 VokTarnType TypeOf(char letter) {
@@ -63,6 +65,8 @@ VokTarnType TypeOf(char letter) {
       return VokFenSingleInteger::sDescriptor;
     case 'V':
       return VokFenIntervalInteger::sDescriptor;
+    case 'I':
+      return VokTarnInteger::sDescriptor;
     default:
       return VokFenSingleBoolean::sDescriptor;
   }

@@ -1,7 +1,9 @@
 #include "tarn/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace tarn {
 namespace {
@@ -44,6 +46,21 @@ std::string ReadDuration(std::string& text) {
   return {};
 }
 
+// Turns a size into a number of bytes, in place. Returns what is wrong with it, if anything.
+std::string ReadSize(std::string& text) {
+  constexpr std::string_view sUnits = "KMG";  // each 1024 times the one before
+  const std::size_t unit = text.empty() ? std::string_view::npos : sUnits.find(text.back());
+  const unsigned shift = unit == std::string_view::npos ? 0U : 10U * (static_cast<unsigned>(unit) + 1U);
+  const char* const end = text.data() + text.size() - (shift == 0 ? 0 : 1);
+  std::uint64_t size = 0;
+  const auto result = std::from_chars(text.data(), end, size);
+  if (result.ec != std::errc() || result.ptr != end || size > std::numeric_limits<std::uint64_t>::max() >> shift) {
+    return "not a size such as 1000000, 512M or 2G: " + text;
+  }
+  text = std::to_string(size << shift);
+  return {};
+}
+
 // An option whose value is one of some words.
 template <class Choice>
 void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, const std::string& help,
@@ -67,6 +84,7 @@ void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, co
 void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   using Variable = VokTarnSearch::VariableChoice;
   using Value = VokTarnSearch::ValueChoice;
+  using Restart = VokTarnSearch::Restart;
   DefineChoice<Variable>(solve, "--var", options.fVariable, "Which open variable to split next",
                          {{"first-fail", Variable::FirstFail},
                           {"input-order", Variable::InputOrder},
@@ -75,23 +93,35 @@ void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   DefineChoice<Value>(
       solve, "--val", options.fValue, "Which part of its domain to search first",
       {{"min", Value::Min}, {"max", Value::Max}, {"split", Value::Split}, {"split-max", Value::SplitMax}});
+  DefineChoice<Restart>(solve, "--restart", options.fRestart, "When to begin the search again",
+                        {{"luby", Restart::Luby}, {"none", Restart::None}});
+  solve.add_option("--seed", options.fSeed, "Other than 0: order equally ranked variables at random")->type_name("N");
   solve.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
   solve.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
+}
+
+void DefineSolveOptions(CLI::App& solve, SolveOptions& options) {
+  CLI::Option* all = solve.add_flag("-a,--all", options.fAll, "Find all solutions");
+  solve.add_option("-n,--solution-limit", options.fCount, "Stop after N solutions")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber)
+      ->excludes(all);
+  solve.add_flag("-s,--stats", options.fStatistics, "Print figures of the search to the standard error");
+  solve.add_option("--time-limit", options.fLimits.fSeconds, "Stop after this time: 1.5, 1.5s or 200ms")
+      ->type_name("TIME")
+      ->transform(CLI::Validator(ReadDuration, ""));
+  solve.add_option("--memory-limit", options.fLimits.fBytes, "Stop when the memory in use is more: bytes, 512M or 2G")
+      ->type_name("SIZE")
+      ->transform(CLI::Validator(ReadSize, ""));
+  solve.add_flag("-q,--quiet", options.fQuiet, "Show no progress, and do not say what stopped the search");
+  DefineSearchOptions(solve, options.fSearch);
 }
 
 void DefineSolve(CLI::App& app, CommandLine& line) {
   CLI::App* solve = app.add_subcommand("solve", "Search for solutions, or for the best one");
   solve->add_option("FILE", line.fFile, sFile)->required()->type_name("");
-  CLI::Option* all = solve->add_flag("-a,--all", line.fSolve.fAll, "Find all solutions");
-  solve->add_option("-n", line.fSolve.fCount, "Stop after N solutions")
-      ->type_name("N")
-      ->check(CLI::PositiveNumber)
-      ->excludes(all);
-  solve->add_flag("-s,--stats", line.fSolve.fStatistics, "Print figures of the search to the standard error");
-  solve->add_option("--time-limit", line.fSolve.fTimeLimit, "Stop after this time: 1.5, 1.5s or 200ms")
-      ->type_name("TIME")
-      ->transform(CLI::Validator(ReadDuration, ""));
-  DefineSearchOptions(*solve, line.fSolve.fSearch);
+  DefineSolveOptions(*solve, line.fSolve);
+  solve->add_flag("--json", line.fSolve.fJson, "Print a JSON object for each solution, and one for the result");
   solve->callback([&line] { line.fCommand = CommandLine::Command::Solve; });
 }
 
@@ -100,6 +130,33 @@ void DefineSave(CLI::App& app, CommandLine& line) {
   save->add_option("FILE", line.fFile, sFile)->required()->type_name("");
   save->add_option("-o,--output", line.fOutput, "The file to write")->required()->type_name("FILE");
   save->callback([&line] { line.fCommand = CommandLine::Command::Save; });
+}
+
+void DefinePicture(CLI::App& picture, CommandLine& line) {
+  picture.add_option("FILE", line.fFile, sFile)->required()->type_name("");
+  picture
+      .add_option("-o,--output", line.fOutput,
+                  "The picture to write: a .svg, .png or .pdf made by graphviz, or a .dot; else DOT is printed")
+      ->type_name("FILE");
+}
+
+void DefineGraph(CLI::App& app, CommandLine& line) {
+  CLI::App* graph = app.add_subcommand("graph", "Draw the variables and the statements between them");
+  DefinePicture(*graph, line);
+  graph->add_flag("--declared", line.fGraph.fDeclared, "Show the domains as declared, not narrowed");
+  graph->callback([&line] { line.fCommand = CommandLine::Command::Graph; });
+}
+
+void DefineTree(CLI::App& app, CommandLine& line) {
+  CLI::App* tree = app.add_subcommand("tree", "Search as solve does, and draw the choices, failures and solutions");
+  DefinePicture(*tree, line);
+  tree->add_option("--max-nodes", line.fTree.fMaxNodes, "Draw N nodes, and triangles for what is below them")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  tree->add_flag("--collapse", line.fTree.fCollapse, "Draw a triangle for each part in which all has failed");
+  DefineSolveOptions(*tree, line.fSolve);
+  tree->callback([&line] { line.fCommand = CommandLine::Command::Tree; });
 }
 
 void DefineModules(CLI::App& app, CommandLine& line) {
@@ -124,6 +181,8 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineNarrow(app, line);
   DefineSolve(app, line);
   DefineSave(app, line);
+  DefineGraph(app, line);
+  DefineTree(app, line);
   DefineModules(app, line);
   DefineRepl(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");

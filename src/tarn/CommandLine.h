@@ -11,7 +11,7 @@ namespace tarn {
 
 // What the arguments of the program ask for.
 struct CommandLine {
-  enum class Command { Narrow, Solve, Save, Modules, Repl };
+  enum class Command { Narrow, Solve, Save, Graph, Tree, Modules, Repl };
 
   Command fCommand = Command::Solve;
   std::string fFile;
@@ -21,6 +21,8 @@ struct CommandLine {
   std::vector<std::string> fModules;
   std::vector<std::string> fDirectories;
   SolveOptions fSolve;
+  GraphOptions fGraph;
+  TreeOptions fTree;
 
   // Reads the arguments. When they are answered at once (help, version, a mistake), prints the answer, sets
   // `exitCode` and returns nothing.

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "tarn/Interrupt.h"
 #include "tarn/Session.h"
 
 namespace tarn {
@@ -21,18 +22,45 @@ struct SolveOptions {
   bool fAll = false;
   std::optional<std::uint64_t> fCount;
   bool fStatistics = false;
-  std::optional<double> fTimeLimit;  // seconds
+  bool fJson = false;
+  bool fQuiet = false;
+  Limits fLimits;
   VokTarnSearch::Options fSearch;
+  VokTarnSearchObserver* fObserver = nullptr;
+};
+
+struct GraphOptions {
+  bool fDeclared = false;  // the domains as declared, not narrowed
+};
+
+struct TreeOptions {
+  std::uint64_t fMaxNodes = 500;
+  bool fCollapse = false;  // a triangle for each largest part of the tree in which all has failed
 };
 
 int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
+// Requires that the limits are watched: WatchSolve.
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
+// Starts the watch for what RunSolve is to do. A run that must be ended from within the watch says so on the standard
+// output only where solutions are printed there.
+void WatchSolve(const SolveOptions& options, bool printsSolutions);
 // Writes the narrowed network to the file `path`. Throws ProgramError when that fails; nothing is left of it then.
 int RunSave(Session& session, const std::string& path, std::ostream& err);
+// Draw the network and the search tree, to the file `path` or, when it is empty, to `out`; see WritePicture.
+int RunGraph(Session& session, const GraphOptions& options, const std::string& path, std::ostream& out,
+             std::ostream& err);
+// The exit code is that of the search.
+int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, const std::string& path,
+            std::ostream& out, std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
 
 // Holds a session with whoever writes lines to the standard input, first on the model in `file`, if any.
 int RunRepl(Modules& modules, const std::optional<std::string>& file, std::ostream& out, std::ostream& err);
+
+// Flushes the output. The exit code, or that of output that cannot be written, after saying so.
+int FinishOutput(int exitCode, std::ostream& out, std::ostream& err);
+// Ends the process once the output is written: to take a large network apart would take longer than a stop may.
+[[noreturn]] void EndProgram(int exitCode, std::ostream& out, std::ostream& err);
 
 }  // namespace tarn

@@ -1,6 +1,8 @@
 #include "tarn/Compiler.h"
 
 #include <array>
+#include <cmath>
+#include <limits>
 
 #include "framework/VokTarnBoolean.h"
 #include "tarn/CompileErrors.h"
@@ -11,6 +13,28 @@ namespace tarn {
 namespace {
 
 constexpr std::string_view sEquality = "=";
+constexpr std::string_view sSum = "sum";
+
+// The side of an equation that is an operation and may give its result to the value of the other side: rather one
+// that faces a variable than not, rather a sum than another operation. Behind the sides when there is none.
+std::size_t FindTarget(const Formula& formula, std::span<const Sum* const> sumOf) {
+  std::size_t target = formula.fRoots.size();
+  int best = 0;
+  for (const std::size_t side : {0U, 1U}) {
+    const Node& node = formula.fNodes[formula.fRoots[side]];
+    const Node& other = formula.fNodes[formula.fRoots[1 - side]];
+    if (node.fKind == Node::Kind::Variable || node.fKind == Node::Kind::Literal || node.fKind == Node::Kind::Cast) {
+      continue;
+    }
+    const int rank =
+        1 + (sumOf[formula.fRoots[side]] != nullptr ? 1 : 0) + (other.fKind == Node::Kind::Variable ? 2 : 0);
+    if (rank > best) {
+      best = rank;
+      target = side;
+    }
+  }
+  return target;
+}
 
 }  // namespace
 
@@ -42,6 +66,7 @@ void Compiler::Post(const Formula& formula) {
     case Formula::Kind::Truth:
       return PostTruth(formula);
     case Formula::Kind::List:
+    case Formula::Kind::Table:
       return PostList(formula);
     case Formula::Kind::Minimize:
     case Formula::Kind::Maximize:
@@ -50,23 +75,24 @@ void Compiler::Post(const Formula& formula) {
 }
 
 void Compiler::PostRelations(const Formula& formula) {
-  // "operation = name": the variable itself is the operation's result, without a value between them.
-  std::optional<NodeIndex> target;
-  VokTarnValueId result = vokNoValue;
-  if (formula.fOperators.size() == 1 && formula.fOperators[0].fText == sEquality) {
-    for (const std::size_t side : {0U, 1U}) {
-      const Node& name = formula.fNodes[formula.fRoots[side]];
-      const Node& other = formula.fNodes[formula.fRoots[1 - side]];
-      if (name.fKind == Node::Kind::Variable &&
-          (other.fKind == Node::Kind::Unary || other.fKind == Node::Kind::Binary)) {
-        target = formula.fRoots[1 - side];
-        result = fVariables[name.fLeft];
-      }
+  const bool isEquation = formula.fOperators.size() == 1 && formula.fOperators[0].fText == sEquality;
+  Nodes nodes(formula);
+  NodeIndex first = 0;
+  // "operation = expression": the expression's value itself is the operation's result, without a value between them.
+  const std::size_t target = isEquation ? FindTarget(formula, nodes.fSumOf) : formula.fRoots.size();
+  for (std::size_t i = 0; i < formula.fRoots.size(); ++i) {
+    if (i != target) {
+      CompileRange(nodes, first, formula.fRoots[i], vokNoValue);
     }
+    first = formula.fRoots[i] + 1;
   }
-  const std::vector<VokTarnValueId> values = CompileNodes(formula, target, result);
-  if (target && values[*target] == result) {
-    return;
+  const std::vector<VokTarnValueId>& values = nodes.fValues;
+  if (target < formula.fRoots.size()) {
+    const VokTarnValueId result = values[formula.fRoots[1 - target]];
+    CompileRange(nodes, target == 0 ? 0 : formula.fRoots[0] + 1, formula.fRoots[target], result);
+    if (values[formula.fRoots[target]] == result) {
+      return;
+    }
   }
   for (std::size_t i = 0; i < formula.fOperators.size(); ++i) {
     PostRelation(formula.fOperators[i], values[formula.fRoots[i]], values[formula.fRoots[i + 1]]);
@@ -102,7 +128,7 @@ void Compiler::PostList(const Formula& formula) {
   if (chosen == nullptr) {
     throw MakeOperatorError(fTable, name, types);
   }
-  Apply({chosen, std::vector<VokTarnType>(operands.size(), nullptr)}, operands, vokNoValue, false);
+  fTable.Apply(fNetwork, {chosen, {}}, operands, vokNoValue, false, formula.fConstants);
 }
 
 void Compiler::PostObjective(const Formula& formula) {
@@ -120,31 +146,113 @@ void Compiler::PostObjective(const Formula& formula) {
   fObjective = {value, bound, isMinimum ? VokTarnSearch::Sense::Minimize : VokTarnSearch::Sense::Maximize};
 }
 
-std::vector<VokTarnValueId> Compiler::CompileNodes(const Formula& formula, std::optional<NodeIndex> target,
-                                                   VokTarnValueId result) {
-  std::vector<VokTarnValueId> values;
-  values.reserve(formula.fNodes.size());
-  for (const Node& node : formula.fNodes) {
-    const VokTarnValueId wanted = target == values.size() ? result : vokNoValue;
-    switch (node.fKind) {
-      case Node::Kind::Variable:
-        values.push_back(fVariables[node.fLeft]);
-        break;
-      case Node::Kind::Literal:
-        values.push_back(CompileLiteral(node));
-        break;
-      case Node::Kind::Unary:
-        values.push_back(CompileOperation(node, std::array{values[node.fLeft]}, wanted));
-        break;
-      case Node::Kind::Binary:
-        values.push_back(CompileOperation(node, std::array{values[node.fLeft], values[node.fRight]}, wanted));
-        break;
-      case Node::Kind::Cast:
-        values.push_back(CompileCast(node, values[node.fLeft]));
-        break;
+Compiler::Nodes::Nodes(const Formula& formula)
+    : fFormula(formula),
+      fSums(FindSums(formula)),
+      fSumOf(formula.fNodes.size(), nullptr),
+      fValues(formula.fNodes.size(), vokNoValue) {
+  for (const Sum& sum : fSums) {
+    for (const NodeIndex node : sum.fInner) {
+      fSumOf[node] = &sum;
     }
   }
-  return values;
+}
+
+std::vector<VokTarnValueId> Compiler::CompileNodes(const Formula& formula) {
+  Nodes nodes(formula);
+  if (!formula.fNodes.empty()) {
+    CompileRange(nodes, 0, static_cast<NodeIndex>(formula.fNodes.size() - 1), vokNoValue);
+  }
+  return std::move(nodes.fValues);
+}
+
+void Compiler::CompileRange(Nodes& nodes, NodeIndex first, NodeIndex root, VokTarnValueId result) {
+  for (NodeIndex i = first; i <= root; ++i) {
+    const VokTarnValueId wanted = i == root ? result : vokNoValue;
+    const Sum* sum = nodes.fSumOf[i];
+    if (sum == nullptr) {
+      nodes.fValues[i] = CompileNode(nodes, i, wanted);
+    } else if (sum->GetTop() == i) {
+      nodes.fValues[i] = CompileSum(nodes, *sum, wanted);
+    }
+  }
+}
+
+VokTarnValueId Compiler::CompileNode(const Nodes& nodes, NodeIndex index, VokTarnValueId result) {
+  const Node& node = nodes.fFormula.fNodes[index];
+  switch (node.fKind) {
+    case Node::Kind::Variable:
+      return fVariables[node.fLeft];
+    case Node::Kind::Literal:
+      return CompileLiteral(node);
+    case Node::Kind::Unary:
+      return CompileOperation(node, std::array{nodes.fValues[node.fLeft]}, result);
+    case Node::Kind::Binary:
+      return CompileOperation(node, std::array{nodes.fValues[node.fLeft], nodes.fValues[node.fRight]}, result);
+    case Node::Kind::Cast:
+      return CompileCast(node, nodes.fValues[node.fLeft]);
+    case Node::Kind::Call:
+      break;
+  }
+  return CompileCall(nodes, node, result);
+}
+
+VokTarnValueId Compiler::CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId result) {
+  std::vector<VokTarnValueId> operands;
+  std::vector<VokLong> coefficients;
+  for (const Sum::Term& term : sum.fTerms) {
+    operands.push_back(nodes.fValues[term.fNode]);
+    coefficients.push_back(term.fCoefficient);
+  }
+  const VokTarnOperatorDescriptor* linear = fTable.ChooseList(sSum, GetTypes(operands));
+  if (linear != nullptr && IsLongSum(sum, operands, result)) {
+    const VokTarnValueId taken = CanBeResult(*linear, result) ? result : vokNoValue;
+    return fTable.Apply(fNetwork, {linear, {}}, operands, taken, true, coefficients);
+  }
+  for (const NodeIndex node : sum.fInner) {
+    nodes.fValues[node] = CompileNode(nodes, node, node == sum.GetTop() ? result : vokNoValue);
+  }
+  return nodes.fValues[sum.GetTop()];
+}
+
+// Whether a partial sum may take more values than a set should list. It has no more than the terms before it can make,
+// and, where the result is known, no more than the terms behind it can take from that.
+bool Compiler::IsLongSum(const Sum& sum, std::span<const VokTarnValueId> operands, VokTarnValueId result) const {
+  constexpr std::size_t sMostTerms = 8;
+  constexpr double sMostValues = 512;
+  if (operands.size() > sMostTerms) {
+    return true;
+  }
+  std::vector<double> behind(operands.size());  // per term, the number of values that the partial sum up to it can take
+  double count = result == vokNoValue ? std::numeric_limits<double>::infinity() : EstimateSize(result);
+  for (std::size_t i = operands.size(); i-- > 0;) {
+    behind[i] = count;
+    count *= EstimateSize(operands[i]);
+  }
+  double before = 1;
+  double span = 0;
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    const VokTarnAny& value = fNetwork.GetValue(operands[i]);
+    const auto& integer = static_cast<const VokTarnInteger&>(value);
+    const double width = value.IsUndefined() != 0 ? std::numeric_limits<double>::infinity()
+                                                  : static_cast<double>(integer.GetUpperBound()) -
+                                                        static_cast<double>(integer.GetLowerBound());
+    span += width * std::abs(static_cast<double>(sum.fTerms[i].fCoefficient));
+    before = std::min(before * EstimateSize(operands[i]), span + 1);
+    if (i != 0 && std::min(before, behind[i]) > sMostValues) {
+      return true;
+    }
+  }
+  return false;
+}
+
+double Compiler::EstimateSize(VokTarnValueId value) const {
+  const int cardinality = fNetwork.GetValue(value).GetCardinality();
+  if (cardinality >= 0) {
+    return cardinality;
+  }
+  const auto found = fEstimates.find(value);
+  return found == fEstimates.end() ? std::numeric_limits<double>::infinity() : found->second;
 }
 
 VokTarnValueId Compiler::CompileOperation(const Node& node, std::span<const VokTarnValueId> operands,
@@ -158,10 +266,39 @@ VokTarnValueId Compiler::CompileOperation(const Node& node, std::span<const VokT
   if (choice.fOperator->GetResultType() == nullptr) {
     throw ModelError(node.fOffset, Quote(node.fText) + " has no result and cannot stand inside an expression");
   }
-  const bool fits = result != vokNoValue && fNetwork.GetType(result) == choice.fOperator->GetResultType();
+  const bool fits = CanBeResult(*choice.fOperator, result);
   const VokTarnValueId value = Apply(choice, operands, fits ? result : vokNoValue, true);
   fOperations.emplace(operation, value);
+  double estimate = EstimateSize(operands[0]);
+  if (operands.size() > 1 && operands[1] != operands[0]) {
+    estimate *= EstimateSize(operands[1]);
+  }
+  fEstimates.emplace(value, estimate);
   return value;
+}
+
+VokTarnValueId Compiler::CompileCall(const Nodes& nodes, const Node& node, VokTarnValueId result) {
+  std::vector<VokTarnValueId> operands;
+  for (NodeIndex i = node.fLeft; i < node.fRight; ++i) {
+    operands.push_back(nodes.fValues[nodes.fFormula.fMembers[i]]);
+  }
+  const std::vector<VokTarnType> types = GetTypes(operands);
+  const VokTarnOperatorDescriptor* chosen = fTable.ChooseList(
+      node.fText, std::span(types).subspan(node.fHasBeside ? 1 : 0), node.fHasBeside ? types[0] : nullptr);
+  if (chosen == nullptr || chosen->GetResultType() == nullptr) {
+    throw MakeOperatorError(fTable, {node.fText, node.fOffset}, types);
+  }
+  return fTable.Apply(fNetwork, {chosen, {}}, operands, CanBeResult(*chosen, result) ? result : vokNoValue, true);
+}
+
+bool Compiler::CanBeResult(const VokTarnOperatorDescriptor& row, VokTarnValueId value) const {
+  if (value == vokNoValue || row.GetResultType() == nullptr) {
+    return false;
+  }
+  const bool isInteger =
+      VokTarnInteger::sDescriptor != nullptr && VokTarnInteger::sDescriptor->IsMatched(row.GetResultType()) != 0;
+  return fNetwork.GetType(value) == row.GetResultType() ||
+         (row.GetConstraint()->TakesAnyOperands() && isInteger && IsDerivedFrom(value, VokTarnInteger::sIdent));
 }
 
 VokTarnValueId Compiler::CompileLiteral(const Node& node) {

@@ -10,6 +10,7 @@
 #include "framework/VokTarnOperatorTable.h"
 #include "framework/VokTarnSearch.h"
 #include "tarn/Model.h"
+#include "tarn/Sum.h"
 
 namespace tarn {
 
@@ -19,6 +20,8 @@ namespace tarn {
 // Sharing  Equal literals are one value; the same operator over the same operands is one operation, and one operand
 //          is converted to one type once. Propagation through a shared value is stronger than through copies, and
 //          sharing is right everywhere because every operation must have a value, also inside a truth value.
+// Sums     A sum is a chain of additions while the sets of its partial sums stay small; otherwise it is one linear
+//          constraint, which narrows by bounds at a cost that does not depend on the sets.
 // Errors   Throws ModelError. The network is then incomplete and only good to be thrown away.
 class Compiler {
  public:
@@ -45,11 +48,24 @@ class Compiler {
     std::size_t operator()(const Operation& operation) const noexcept;
   };
 
-  // The value of each node. The operation at node `target` gives its result to the value `result` where its type
-  // allows.
-  std::vector<VokTarnValueId> CompileNodes(const Formula& formula, std::optional<NodeIndex> target = std::nullopt,
-                                           VokTarnValueId result = vokNoValue);
+  // The nodes of a formula and the values that they have got so far.
+  struct Nodes {
+    explicit Nodes(const Formula& formula);
+
+    const Formula& fFormula;
+    std::vector<Sum> fSums;
+    std::vector<const Sum*> fSumOf;  // per node, the sum of which it is an inner node, or null
+    std::vector<VokTarnValueId> fValues;
+  };
+
+  // Gives each node its value.
+  std::vector<VokTarnValueId> CompileNodes(const Formula& formula);
+  // Nodes from `first` up to `root`, which gives its result to the value `result` where its type allows.
+  void CompileRange(Nodes& nodes, NodeIndex first, NodeIndex root, VokTarnValueId result);
+  VokTarnValueId CompileNode(const Nodes& nodes, NodeIndex index, VokTarnValueId result);
+  VokTarnValueId CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId result);
   VokTarnValueId CompileOperation(const Node& node, std::span<const VokTarnValueId> operands, VokTarnValueId result);
+  VokTarnValueId CompileCall(const Nodes& nodes, const Node& node, VokTarnValueId result);
   VokTarnValueId CompileLiteral(const Node& node);
   VokTarnValueId CompileCast(const Node& node, VokTarnValueId operand);
   void PostRelations(const Formula& formula);
@@ -57,6 +73,11 @@ class Compiler {
   void PostList(const Formula& formula);
   void PostObjective(const Formula& formula);
   void PostRelation(const Word& name, VokTarnValueId left, VokTarnValueId right);
+
+  // Whether the value can be the result of the operator itself.
+  bool CanBeResult(const VokTarnOperatorDescriptor& row, VokTarnValueId value) const;
+  bool IsLongSum(const Sum& sum, std::span<const VokTarnValueId> values, VokTarnValueId result) const;
+  double EstimateSize(VokTarnValueId value) const;
 
   VokTarnOperatorTable::Choice Choose(const Word& name, std::span<const VokTarnValueId> operands) const;
   VokTarnValueId Apply(const VokTarnOperatorTable::Choice& choice, std::span<const VokTarnValueId> operands,
@@ -72,6 +93,8 @@ class Compiler {
   std::vector<VokTarnValueId> fVariables;
   std::unordered_map<std::string_view, VokTarnValueId> fLiterals;
   std::unordered_map<Operation, VokTarnValueId, OperationHash> fOperations;
+  // An upper bound on the number of values that the result of an operation will have, where the value does not tell.
+  std::unordered_map<VokTarnValueId, double> fEstimates;
   std::optional<VokTarnSearch::Objective> fObjective;
 };
 

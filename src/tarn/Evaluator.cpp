@@ -168,14 +168,60 @@ Result Literal(std::string_view text) noexcept {
   return read.ec == std::errc() && read.ptr == text.data() + text.size() ? Known(number) : sUnknown;
 }
 
-Result Evaluate(const Node& node, std::span<const Result> results,
-                std::span<const std::optional<std::int64_t>> values) noexcept {
+Result Sum(std::span<const std::int64_t> members) noexcept {
+  Result sum = Known(0);
+  for (const std::int64_t member : members) {
+    sum = IsInside(member) ? Inside(Known(sum.fValue + member)) : sNone;
+    if (sum.fState != Result::State::Known) {
+      break;
+    }
+  }
+  return sum;
+}
+
+Result Call(const Node& node, std::span<const std::int64_t> members) noexcept {
+  if (node.fText == "sum" && !node.fHasBeside) {
+    return Sum(members);
+  }
+  if (!node.fHasBeside) {
+    return sUnknown;
+  }
+  const std::int64_t beside = members[0];
+  const std::span<const std::int64_t> list = members.subspan(1);
+  if (node.fText == "count") {
+    return Known(std::ranges::count(list, beside));
+  }
+  if (node.fText == "element") {
+    const auto size = static_cast<std::int64_t>(list.size());
+    return beside < 1 || beside > size ? sNone : Known(list[static_cast<std::size_t>(beside - 1)]);
+  }
+  return sUnknown;
+}
+
+Result Call(const Node& node, const Formula& formula, std::span<const Result> results) {
+  std::vector<std::int64_t> members;
+  members.reserve(node.fRight - node.fLeft);
+  for (NodeIndex i = node.fLeft; i < node.fRight; ++i) {
+    const Result& member = results[formula.fMembers[i]];
+    if (member.fState != Result::State::Known) {
+      return member;
+    }
+    members.push_back(member.fValue);
+  }
+  return Call(node, members);
+}
+
+Result Evaluate(const Node& node, const Formula& formula, std::span<const Result> results,
+                std::span<const std::optional<std::int64_t>> values) {
   if (node.fKind == Node::Kind::Variable) {
     const std::optional<std::int64_t>& value = values[node.fLeft];
     return value ? Result{Result::State::Known, *value} : sUnknown;
   }
   if (node.fKind == Node::Kind::Literal) {
     return Literal(node.fText);
+  }
+  if (node.fKind == Node::Kind::Call) {
+    return Call(node, formula, results);
   }
   const Result left = results[node.fLeft];
   const Result right = node.fKind == Node::Kind::Binary ? results[node.fRight] : left;
@@ -192,6 +238,19 @@ Result Evaluate(const Node& node, std::span<const Result> results,
     default:
       return left;  // a cast
   }
+}
+
+bool HasRow(const Formula& formula, std::span<const std::int64_t> values) {
+  if (formula.fOperators[0].fText != "table") {
+    return true;
+  }
+  for (auto row = formula.fConstants.begin(); row != formula.fConstants.end();
+       row += static_cast<std::ptrdiff_t>(values.size())) {
+    if (std::ranges::equal(values, std::span(row, values.size()))) {
+      return true;
+    }
+  }
+  return false;
 }
 
 // Whether the statement over these root values holds; a form that is not known holds.
@@ -212,6 +271,8 @@ bool Holds(const Formula& formula, std::vector<std::int64_t> roots) {
       }
       std::ranges::sort(roots);
       return std::ranges::adjacent_find(roots) == roots.end();
+    case Formula::Kind::Table:
+      return HasRow(formula, roots);
     case Formula::Kind::Minimize:
     case Formula::Kind::Maximize:
       return true;
@@ -225,7 +286,7 @@ bool MayHold(const Formula& formula, std::span<const std::optional<std::int64_t>
   bool isKnown = true;
   bool hasValues = true;
   for (const Node& node : formula.fNodes) {
-    results.push_back(Evaluate(node, results, values));
+    results.push_back(Evaluate(node, formula, results, values));
     isKnown = isKnown && results.back().fState != Result::State::Unknown;
     hasValues = hasValues && results.back().fState != Result::State::None;
   }

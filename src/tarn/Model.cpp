@@ -14,7 +14,15 @@ void Model::AddStatement(Statement statement) {
   if (formula != nullptr && formula->IsObjective()) {
     fObjective = fStatements.size();
   }
+  if (const auto* list = std::get_if<ListDefinition>(&statement.fBody)) {
+    fLists.emplace(list->fName.fText, fStatements.size());
+  }
   fStatements.push_back(std::move(statement));
+}
+
+const Formula* Model::FindList(std::string_view name) const noexcept {
+  const auto found = fLists.find(name);
+  return found == fLists.end() ? nullptr : &std::get<ListDefinition>(fStatements[found->second].fBody).fList;
 }
 
 std::optional<VariableIndex> Model::FindVariable(std::string_view name) const noexcept {

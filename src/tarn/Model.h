@@ -10,6 +10,8 @@
 #include <variant>
 #include <vector>
 
+#include "framework/VokLong.h"
+
 namespace tarn {
 
 // A word of the model text and its place.
@@ -28,7 +30,8 @@ struct Node {
     Literal,   // fText is its text, a leading minus included
     Unary,     // fText is the operator, fLeft the operand
     Binary,    // fText is the operator
-    Cast       // fText is the type, fLeft the operand
+    Cast,      // fText is the type, fLeft the operand
+    Call       // fText is the operator; its members are those of the formula from fLeft to before fRight
   };
 
   std::string_view fText;
@@ -36,6 +39,7 @@ struct Node {
   std::uint32_t fLeft;
   std::uint32_t fRight;
   Kind fKind;
+  bool fHasBeside = false;  // of a call: the first member is not one of the list but the operand beside it
 };
 
 // names : type domain ;
@@ -58,23 +62,32 @@ struct Formula {
     Relations,  // root operator root operator ... root
     Truth,      // its one root is true
     List,       // operator (root, .., root)
+    Table,      // operator ((root, .., root), rows of constants)
     Minimize,
     Maximize
   };
 
   Kind fKind;
   std::vector<Node> fNodes;
+  std::vector<NodeIndex> fMembers;  // of all calls
   std::vector<NodeIndex> fRoots;
   std::vector<Word> fOperators;
+  std::vector<VokLong> fConstants;  // of a table, row after row
 
   bool IsObjective() const noexcept { return fKind == Kind::Minimize || fKind == Kind::Maximize; }
+};
+
+// list NAME = [root, .., root] ;
+struct ListDefinition {
+  Word fName;
+  Formula fList;
 };
 
 struct Statement {
   std::size_t fLine;
   std::size_t fOffset;
   std::size_t fEnd;  // behind its last token; the ";" is not one of them
-  std::variant<Declaration, Use, Formula> fBody;
+  std::variant<Declaration, Use, Formula, ListDefinition> fBody;
 };
 
 // A model as it was written: the declared variables and the statements over them, without anything of the network that
@@ -100,6 +113,8 @@ class Model {
 
   const std::vector<Variable>& GetVariables() const noexcept { return fVariables; }
   std::optional<VariableIndex> FindVariable(std::string_view name) const noexcept;
+  // The expressions of a named list, or null.
+  const Formula* FindList(std::string_view name) const noexcept;
   const std::vector<Statement>& GetStatements() const noexcept { return fStatements; }
   // The place of the objective among the statements.
   std::optional<std::size_t> GetObjective() const noexcept { return fObjective; }
@@ -108,6 +123,7 @@ class Model {
   std::unordered_set<std::string> fTexts;
   std::vector<Variable> fVariables;
   std::map<std::string, VariableIndex, std::less<>> fNames;
+  std::map<std::string, std::size_t, std::less<>> fLists;  // to places among the statements
   std::vector<Statement> fStatements;
   std::optional<std::size_t> fObjective;
 };

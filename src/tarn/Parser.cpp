@@ -1,6 +1,7 @@
 #include "tarn/Parser.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "tarn/Diagnostic.h"
@@ -61,6 +62,8 @@ std::optional<Statement> Parser::Next() {
     statement.fBody = ParseDeclaration();
   } else if (fToken.Is("use")) {
     statement.fBody = ParseUse();
+  } else if (IsListDefinitionAhead()) {
+    statement.fBody = ParseListDefinition();
   } else {
     statement.fBody = ParseFormula();
   }
@@ -81,27 +84,36 @@ bool Parser::IsDeclarationAhead() {
   return next.Is(",") || next.Is(":");
 }
 
-void Parser::ParseDeclaredName(Declaration& declaration) {
+// "list" is a word of the language in this place only: two names in a row begin nothing else.
+bool Parser::IsListDefinitionAhead() {
+  if (!fToken.Is("list")) {
+    return false;
+  }
+  Lexer ahead = fLexer;
+  return ahead.IsWordAhead() && ahead.Next().fKind == Token::Kind::Word && ahead.Next().Is("=");
+}
+
+Word Parser::ParseNewName(const std::string& kind) {
   if (fToken.fKind != Token::Kind::Word) {
-    FailUnexpected("the name of a variable");
+    FailUnexpected("the name of a " + kind);
   }
   if (fVocabulary.IsReserved(fToken.fText)) {
     throw ModelError(fToken.fOffset,
-                     Quote(fToken.fText) + " has a meaning of its own and cannot be the name of a variable");
+                     Quote(fToken.fText) + " has a meaning of its own and cannot be the name of a " + kind);
   }
-  if (IsVariable()) {
+  if (IsVariable() || fModel.FindList(fToken.fText) != nullptr) {
     throw ModelError(fToken.fOffset, Quote(fToken.fText) + " is declared already");
   }
-  declaration.fNames.push_back(MakeWord(fToken.fText, fToken.fOffset));
+  const Word name = MakeWord(fToken.fText, fToken.fOffset);
   Advance();
+  return name;
 }
 
 Declaration Parser::ParseDeclaration() {
   Declaration declaration;
-  ParseDeclaredName(declaration);
-  while (Accept(",")) {
-    ParseDeclaredName(declaration);
-  }
+  do {
+    declaration.fNames.push_back(ParseNewName("variable"));
+  } while (Accept(","));
   std::vector<Word> names = declaration.fNames;
   std::ranges::sort(names, {}, [](const Word& word) { return std::pair(word.fText, word.fOffset); });
   const auto twins = std::ranges::adjacent_find(names, {}, &Word::fText);
@@ -172,23 +184,101 @@ bool Parser::ParseList(Formula& formula) {
   Lexer ahead = fBefore;
   std::string words;
   const std::string name = IsVariable() ? "" : TakeName(ahead, fVocabulary.GetListOperators(), words);
-  if (name.empty()) {
+  if (name.empty() || fVocabulary.GetListOperators().at(name) == VokTarnOperatorKind::ListFunction) {
     return false;
   }
-  formula.fKind = Formula::Kind::List;
   formula.fOperators.push_back(MakeWord(name, offset));
   fLexer = ahead;
   fToken = {Token::Kind::Word, fText.substr(offset, ahead.GetOffset() - offset), offset};
   Advance();
+  if (fVocabulary.GetListOperators().at(name) == VokTarnOperatorKind::Table) {
+    ParseTable(formula);
+    return true;
+  }
+  formula.fKind = Formula::Kind::List;
+  if (IsListAhead()) {
+    ParseMembers(formula.fRoots);
+    return true;
+  }
+  const std::size_t open = fToken.fOffset;
+  if (!Accept("(")) {
+    FailUnexpected("'(' or a list");
+  }
+  do {
+    ParseArgument(formula.fRoots);
+  } while (Accept(","));
+  ExpectClosing(open);
+  return true;
+}
+
+// (list, row, .., row)
+void Parser::ParseTable(Formula& formula) {
+  formula.fKind = Formula::Kind::Table;
   const std::size_t open = fToken.fOffset;
   if (!Accept("(")) {
     FailUnexpected("'('");
   }
-  do {
-    formula.fRoots.push_back(ParseExpression());
-  } while (Accept(","));
+  const std::size_t list = fToken.fOffset;
+  if (!IsListAhead()) {
+    FailUnexpected("a list");
+  }
+  ParseMembers(formula.fRoots);
+  if (formula.fRoots.empty()) {
+    throw ModelError(list, "the list of a table must have a member");
+  }
+  while (Accept(",")) {
+    ParseRow(formula);
+  }
   ExpectClosing(open);
-  return true;
+}
+
+void Parser::ParseRow(Formula& formula) {
+  const std::size_t open = fToken.fOffset;
+  if (!Accept("[")) {
+    FailUnexpected("a row of numbers in brackets");
+  }
+  const std::size_t before = formula.fConstants.size();
+  do {
+    formula.fConstants.push_back(ParseConstant());
+  } while (Accept(","));
+  ExpectClosing(open, "]");
+  const std::size_t count = formula.fConstants.size() - before;
+  if (count != formula.fRoots.size()) {
+    throw ModelError(open, "this row has " + std::to_string(count) + " numbers, and the list " +
+                               std::to_string(formula.fRoots.size()) + " members");
+  }
+}
+
+VokLong Parser::ParseConstant() {
+  const Token first = fToken;
+  const bool isNegative = Accept("-");
+  if (fToken.fKind != Token::Kind::Number) {
+    FailUnexpected("a number");
+  }
+  VokLong magnitude = 0;
+  const std::string_view digits = fToken.fText;
+  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), magnitude);
+  if (read.ec != std::errc() || magnitude > sGreatestConstant) {
+    throw ModelError(first.fOffset, "a number must lie between -" + std::to_string(sGreatestConstant) + " and " +
+                                        std::to_string(sGreatestConstant));
+  }
+  Advance();
+  return isNegative ? -magnitude : magnitude;
+}
+
+ListDefinition Parser::ParseListDefinition() {
+  Advance();
+  ListDefinition definition;
+  definition.fName = ParseNewName("list");
+  Advance();  // the "="
+  fFormula = &definition.fList;
+  fDepth = 0;
+  definition.fList.fKind = Formula::Kind::List;
+  if (!IsListAhead()) {
+    FailUnexpected("a list");
+  }
+  ParseMembers(definition.fList.fRoots);
+  return definition;
 }
 
 void Parser::ParseRelations(Formula& formula) {

@@ -18,6 +18,8 @@ namespace tarn {
 class Parser {
  public:
   static constexpr int sMaxDepth = 1000;
+  // Of the constants in a table.
+  static constexpr VokLong sGreatestConstant = 2147483645;
 
   Parser(const Source& source, const Vocabulary& vocabulary, Model& model);
 
@@ -29,7 +31,8 @@ class Parser {
 
   void Advance();
   bool Accept(std::string_view text);
-  void ExpectClosing(std::size_t open);  // of the "(" at that place
+  // Of the "(" or "[" at that place; `closing` is its counterpart.
+  void ExpectClosing(std::size_t open, std::string_view closing = ")");
   [[noreturn]] void FailUnexpected(const std::string& expected) const;
   [[noreturn]] void FailUnfinished() const;
   Word MakeWord(std::string_view text, std::size_t offset);
@@ -51,13 +54,18 @@ class Parser {
   }
 
   bool IsDeclarationAhead();
+  bool IsListDefinitionAhead();
   Declaration ParseDeclaration();
-  void ParseDeclaredName(Declaration& declaration);
+  Word ParseNewName(const std::string& kind);
   Word ParseType();
   Use ParseUse();
   Formula ParseFormula();
   bool ParseObjective(Formula& formula);
   bool ParseList(Formula& formula);
+  void ParseTable(Formula& formula);
+  void ParseRow(Formula& formula);
+  VokLong ParseConstant();
+  ListDefinition ParseListDefinition();
   void ParseRelations(Formula& formula);
 
   NodeIndex ParseExpression() { return ParseInfix(Vocabulary::Implication); }
@@ -66,6 +74,16 @@ class Parser {
   NodeIndex ParsePower();
   NodeIndex ParsePrimary();
   NodeIndex ParseName();
+  NodeIndex ParseCall();
+  using Members = std::vector<NodeIndex>;
+  NodeIndex ParseIndex(Members list, std::size_t offset);
+  // A list in brackets or by its name, whose members are appended.
+  void ParseMembers(Members& members);
+  void AppendNamedList(Members& members);
+  // An expression, or a list whose members are appended.
+  void ParseArgument(Members& members);
+  bool IsListAhead() const noexcept;
+  NodeIndex AddCall(std::string_view text, std::size_t offset, const Members& members, bool hasBeside);
   NodeIndex ParseParenthesis();
   // A declared name stands for its variable, also when a module opened later has an operator of that name.
   bool IsVariable() const noexcept;
@@ -83,6 +101,8 @@ class Parser {
   std::size_t fLine = 1;     // the line of fCounted
   std::size_t fCounted = 0;
   int fDepth = 0;
+  // A member of a list that was read where the list itself could have stood: the next primary expression.
+  std::optional<NodeIndex> fPending;
   Formula* fFormula = nullptr;  // the statement that is being read
 };
 

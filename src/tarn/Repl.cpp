@@ -12,7 +12,7 @@
 #include "tarn/Diagnostic.h"
 #include "tarn/Interrupt.h"
 #include "tarn/Lexer.h"
-#include "tarn/OutputFile.h"
+#include "tarn/NewFile.h"
 #include "tarn/StatementText.h"
 
 namespace tarn {
@@ -207,7 +207,9 @@ void Repl::Save(const std::string& argument) {
     for (const std::string& statement : fStatements) {
       text += statement + '\n';
     }
-    WriteFile(argument, text);
+    NewFile file(argument);
+    file.Write(text);
+    file.Finish();
   } catch (const ProgramError& error) {
     fErr << error.what() << '\n';
     fHasErrors = true;
@@ -245,7 +247,6 @@ void Repl::Solve(const std::string& argument) {
   }
   RunSolve(*fSession, options, fOut, fErr);
   if (IsInterrupted()) {
-    fErr << "stopped\n";
     fWasStopped = true;
   }
   if (fSession->GetNetwork().IsMemoryShort()) {

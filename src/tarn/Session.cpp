@@ -33,9 +33,9 @@ void Session::Execute(Statement statement) {
   } else if (const auto* declaration = std::get_if<Declaration>(&statement.fBody)) {
     fCompiler.Declare(*declaration);
     AddVariables(*declaration);
-  } else {
-    fCompiler.Post(std::get<Formula>(statement.fBody));
-  }
+  } else if (const auto* formula = std::get_if<Formula>(&statement.fBody)) {
+    fCompiler.Post(*formula);
+  }  // a list takes effect where it is used
   fConstraints.push_back({first, fNetwork.GetConstraintCount()});
   fModel.AddStatement(std::move(statement));
 }

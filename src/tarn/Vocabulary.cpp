@@ -38,7 +38,7 @@ constexpr KnownInfix sKnownInfixes[] = {
 };
 constexpr std::string_view sKnownPrefixes[] = {"-", "!", "abs", "sign", "next", "prev"};
 constexpr std::string_view sRelations[] = {"=", "<>", "<", "<=", ">", ">="};
-constexpr std::string_view sPunctuation[] = {"(", ")", ",", ";", ":"};
+constexpr std::string_view sPunctuation[] = {"(", ")", "[", "]", ",", ";", ":"};
 constexpr std::string_view sStatementWords[] = {"minimize", "maximize", "use"};
 
 bool IsWord(std::string_view name) noexcept {
@@ -119,9 +119,14 @@ bool Vocabulary::IsRelation(std::string_view spelling) noexcept {
   return std::ranges::find(sRelations, spelling) != std::end(sRelations);
 }
 
+bool Vocabulary::IsListFunction(std::string_view name) const noexcept {
+  const auto found = fLists.find(name);
+  return found != fLists.end() && found->second == VokTarnOperatorKind::ListFunction;
+}
+
 bool Vocabulary::IsReserved(std::string_view word) const noexcept {
   return std::ranges::find(sStatementWords, word) != std::end(sStatementWords) || IsPrefix(word) ||
-         FindInfix(word) != nullptr || IsType(word) || IsListOperator(word);
+         FindInfix(word) != nullptr || IsType(word);
 }
 
 std::set<std::string, std::less<>> Vocabulary::GetWords() const {

@@ -43,7 +43,9 @@ class Vocabulary {
   static bool IsRelation(std::string_view spelling) noexcept;
   bool IsType(std::string_view name) const noexcept { return fTypes.contains(name); }
   bool IsListOperator(std::string_view name) const noexcept { return fLists.contains(name); }
-  // A word with a meaning of its own, which no variable can have as its name.
+  bool IsListFunction(std::string_view name) const noexcept;
+  // A word with a meaning of its own, which no variable can have as its name. Names of operators over lists are none:
+  // where a variable has such a name, the name is the variable's.
   bool IsReserved(std::string_view word) const noexcept;
   // The words that statements, types and operators consist of, those of longer names one by one.
   std::set<std::string, std::less<>> GetWords() const;

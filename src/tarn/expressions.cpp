@@ -4,10 +4,18 @@
 // and the exponent is a prefix expression again, so 2 ^ -1 needs no parentheses. Nodes are added behind their
 // operands. Recursion happens where the text nests (parentheses, prefixes, right-associative operators), and there
 // the depth is counted.
+#include <utility>
+
 #include "tarn/Diagnostic.h"
 #include "tarn/Parser.h"
 
 namespace tarn {
+namespace {
+
+// The operator of list[index].
+constexpr std::string_view sElement = "element";
+
+}  // namespace
 
 // Bounds the recursion by a count of our own, so that no text can exhaust the stack.
 class Parser::DepthGuard {
@@ -68,7 +76,7 @@ NodeIndex Parser::ParseInfix(int precedence) {
 }
 
 NodeIndex Parser::ParsePrefix() {
-  if (!IsPrefix()) {
+  if (fPending || !IsPrefix()) {
     return ParsePower();
   }
   const DepthGuard guard(*this);
@@ -102,8 +110,17 @@ NodeIndex Parser::ParsePower() {
 }
 
 NodeIndex Parser::ParsePrimary() {
+  if (fPending) {
+    return *std::exchange(fPending, std::nullopt);
+  }
   if (fToken.Is("(")) {
     return ParseParenthesis();
+  }
+  if (IsListAhead()) {
+    const std::size_t offset = fToken.fOffset;
+    Members list;
+    ParseMembers(list);
+    return ParseIndex(std::move(list), offset);
   }
   if (fToken.fKind == Token::Kind::Word) {
     return ParseName();
@@ -119,6 +136,9 @@ NodeIndex Parser::ParsePrimary() {
 NodeIndex Parser::ParseName() {
   const Token token = fToken;
   const std::optional<VariableIndex> variable = fModel.FindVariable(token.fText);
+  if (!variable && fVocabulary.IsListFunction(token.fText)) {
+    return ParseCall();
+  }
   if (!variable && fVocabulary.IsReserved(token.fText)) {
     FailUnexpected("an expression");
   }
@@ -127,7 +147,7 @@ NodeIndex Parser::ParseName() {
     return AddNode(Node::Kind::Variable, token.fText, token.fOffset, *variable);
   }
   if (fToken.Is("(")) {
-    std::vector<std::string> notes{"the operators over lists, which make a statement, are:"};
+    std::vector<std::string> notes{"the operators over lists are:"};
     for (const auto& [name, kind] : fVocabulary.GetListOperators()) {
       notes.push_back("  " + name);
     }
@@ -136,13 +156,118 @@ NodeIndex Parser::ParseName() {
   return AddNode(Node::Kind::Literal, token.fText, token.fOffset, 0);
 }
 
-void Parser::ExpectClosing(std::size_t open) {
+void Parser::ExpectClosing(std::size_t open, std::string_view closing) {
   if (fToken.Is(";") || fToken.fKind == Token::Kind::End) {
-    throw ModelError(open, "this '(' is never closed");
+    throw ModelError(open, "this " + Quote(fText.substr(open, 1)) + " is never closed");
   }
-  if (!Accept(")")) {
-    FailUnexpected("an operator or ')'");
+  if (!Accept(closing)) {
+    FailUnexpected("an operator or " + Quote(closing));
   }
+}
+
+bool Parser::IsListAhead() const noexcept {
+  return fToken.Is("[") || (fToken.fKind == Token::Kind::Word && fModel.FindList(fToken.fText) != nullptr);
+}
+
+void Parser::ParseMembers(Members& members) {
+  if (!fToken.Is("[")) {
+    return AppendNamedList(members);
+  }
+  const DepthGuard guard(*this);
+  const std::size_t open = fToken.fOffset;
+  Advance();
+  if (Accept("]")) {
+    return;
+  }
+  do {
+    ParseArgument(members);
+  } while (Accept(","));
+  ExpectClosing(open, "]");
+}
+
+// A copy of the expressions of the list: the compiler gives equal operations one value.
+void Parser::AppendNamedList(Members& members) {
+  const Formula& list = *fModel.FindList(fToken.fText);
+  const auto nodes = static_cast<NodeIndex>(fFormula->fNodes.size());
+  const auto calls = static_cast<NodeIndex>(fFormula->fMembers.size());
+  for (Node node : list.fNodes) {
+    if (node.fKind == Node::Kind::Call) {
+      node.fLeft += calls;
+      node.fRight += calls;
+    } else if (node.fKind != Node::Kind::Variable && node.fKind != Node::Kind::Literal) {
+      node.fLeft += nodes;
+      node.fRight += nodes;
+    }
+    fFormula->fNodes.push_back(node);
+  }
+  for (const NodeIndex member : list.fMembers) {
+    fFormula->fMembers.push_back(member + nodes);
+  }
+  for (const NodeIndex root : list.fRoots) {
+    members.push_back(root + nodes);
+  }
+  Advance();
+}
+
+void Parser::ParseArgument(Members& members) {
+  if (IsListAhead()) {
+    const std::size_t offset = fToken.fOffset;
+    Members list;
+    ParseMembers(list);
+    if (!fToken.Is("[")) {
+      members.insert(members.end(), list.begin(), list.end());
+      return;
+    }
+    fPending = ParseIndex(std::move(list), offset);
+  }
+  members.push_back(ParseExpression());
+}
+
+NodeIndex Parser::AddCall(std::string_view text, std::size_t offset, const Members& members, bool hasBeside) {
+  const std::size_t first = fFormula->fMembers.size();
+  fFormula->fMembers.insert(fFormula->fMembers.end(), members.begin(), members.end());
+  const NodeIndex call = AddNode(Node::Kind::Call, text, offset, static_cast<NodeIndex>(first),
+                                 static_cast<NodeIndex>(fFormula->fMembers.size()));
+  fFormula->fNodes.back().fHasBeside = hasBeside;
+  return call;
+}
+
+// function list, function (list), function (list, expression)
+NodeIndex Parser::ParseCall() {
+  const Token function = fToken;
+  Advance();
+  Members members;
+  if (IsListAhead()) {
+    ParseMembers(members);
+    return AddCall(function.fText, function.fOffset, members, false);
+  }
+  const std::size_t open = fToken.fOffset;
+  if (!Accept("(")) {
+    FailUnexpected("'(' or a list");
+  }
+  if (!IsListAhead()) {
+    FailUnexpected("a list");
+  }
+  const DepthGuard guard(*this);
+  ParseMembers(members);
+  const bool hasBeside = Accept(",");
+  if (hasBeside) {
+    members.insert(members.begin(), ParseExpression());
+  }
+  ExpectClosing(open);
+  return AddCall(function.fText, function.fOffset, members, hasBeside);
+}
+
+// [expression], behind a list that starts at the place `offset`
+NodeIndex Parser::ParseIndex(Members list, std::size_t offset) {
+  const std::size_t open = fToken.fOffset;
+  if (!Accept("[")) {
+    throw ModelError(offset, "a list is no value; one of its members is: list[1] is the first");
+  }
+  const DepthGuard guard(*this);
+  list.insert(list.begin(), ParseExpression());
+  ExpectClosing(open, "]");
+  return AddCall(sElement, offset, list, true);
 }
 
 NodeIndex Parser::ParseParenthesis() {

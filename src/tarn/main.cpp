@@ -3,12 +3,31 @@
 
 #include "tarn/CommandLine.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
 
 namespace tarn {
 namespace {
 
+int RunCommand(Session& session, const CommandLine& line) {
+  switch (line.fCommand) {
+    case CommandLine::Command::Narrow:
+      return RunNarrow(session, std::cout, std::cerr);
+    case CommandLine::Command::Save:
+      return RunSave(session, line.fOutput, std::cerr);
+    case CommandLine::Command::Graph:
+      return RunGraph(session, line.fGraph, line.fOutput, std::cout, std::cerr);
+    case CommandLine::Command::Tree:
+      return RunTree(session, line.fSolve, line.fTree, line.fOutput, std::cout, std::cerr);
+    default:
+      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+  }
+}
+
 int Run(const CommandLine& line) {
+  const bool isSolve = line.fCommand == CommandLine::Command::Solve;
+  const bool isSearch = isSolve || line.fCommand == CommandLine::Command::Tree;
+  if (isSearch) {
+    WatchSolve(line.fSolve, isSolve);
+  }
   Modules modules;
   for (const std::string& directory : line.fDirectories) {
     modules.AddDirectory(directory);
@@ -25,20 +44,19 @@ int Run(const CommandLine& line) {
   }
   Session session(modules);
   const Source source = Source::ReadFile(line.fFile);
-  CatchInterrupts();
   try {
     session.Read(source);
   } catch (const ModelError& error) {
     throw ProgramError(FormatDiagnostic(source, error));
   }
-  switch (line.fCommand) {
-    case CommandLine::Command::Narrow:
-      return RunNarrow(session, std::cout, std::cerr);
-    case CommandLine::Command::Save:
-      return RunSave(session, line.fOutput, std::cerr);
-    default:
-      return RunSolve(session, line.fSolve, std::cout, std::cerr);
+  if (!isSearch) {
+    CatchInterrupts();
   }
+  const int exitCode = RunCommand(session, line);
+  if (exitCode == Undecided) {
+    EndProgram(exitCode, std::cout, std::cerr);
+  }
+  return exitCode;
 }
 
 }  // namespace
@@ -62,9 +80,5 @@ int main(int argc, char** argv) {
     std::cerr << "tarn: internal error: " << error.what() << '\n';
     return tarn::Undecided;
   }
-  if (!std::cout.flush()) {
-    std::cerr << "tarn: error: cannot write the output\n";
-    return tarn::BadInput;
-  }
-  return exitCode;
+  return tarn::FinishOutput(exitCode, std::cout, std::cerr);
 }

@@ -4,7 +4,7 @@
 #include "tarn/Commands.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/Interrupt.h"
-#include "tarn/OutputFile.h"
+#include "tarn/NewFile.h"
 
 namespace tarn {
 
@@ -24,7 +24,9 @@ int RunSave(Session& session, const std::string& path, std::ostream& err) {
   if (!VokTarnNetworkFile::Write(bytes, network, session.GetContents(), error)) {
     throw ProgramError(path + ": error: " + MakePrintable(error));
   }
-  WriteFile(path, bytes.str());
+  NewFile file(path);
+  file.Write(bytes.str());
+  file.Finish();
   return Solved;
 }
 

@@ -1,18 +1,21 @@
-#include <chrono>
-#include <functional>
+#include <unistd.h>
+
+#include <fstream>
 #include <ostream>
+#include <sstream>
 
 #include "framework/VokTarnBoolean.h"
 #include "tarn/Commands.h"
-#include "tarn/Diagnostic.h"
 #include "tarn/Evaluator.h"
-#include "tarn/Interrupt.h"
-#include "tarn/Printer.h"
+#include "tarn/ProgressLine.h"
+#include "tarn/SolveOutput.h"
 
 namespace tarn {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+Format GetFormat(const SolveOptions& options) {
+  return options.fJson ? Format::Json : Format::Text;
+}
 
 std::vector<std::optional<std::int64_t>> GetSolution(Session& session) {
   std::vector<std::optional<std::int64_t>> solution;
@@ -45,24 +48,15 @@ bool IsSolution(Session& session, std::ostream& err) {
   return !wrong;
 }
 
-void PrintStatistics(Session& session, const VokTarnSearch& search, Clock::time_point start, std::ostream& err) {
-  const VokTarnSearch::Statistics& statistics = search.GetStatistics();
-  err << "decisions:    " << statistics.fDecisions << "\nfailures:     " << statistics.fFailures
-      << "\npropagations: " << session.GetNetwork().GetPropagations() << "\nsolutions:    " << statistics.fSolutions
-      << "\ndepth:        " << statistics.fDepth
-      << "\ntime:         " << std::chrono::duration<double>(Clock::now() - start).count() << " s\n";
-}
-
-void ExplainUndecided(Session& session, const VokTarnSearch& search, std::ostream& err) {
-  VokTarnNetwork& network = session.GetNetwork();
-  if (network.IsMemoryShort()) {
-    err << "tarn: error: out of memory\n";
-    return;
+// In bytes; 0 when it is not known. getrusage would count what the process was before it became this program.
+std::uint64_t GetPeakMemory() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  std::uint64_t kibibytes = 0;
+  while (status >> word && word != "VmHWM:") {
   }
-  const VokTarnValueId undecided = search.GetUndecided();
-  const std::string name = undecided == vokNoValue ? std::string() : network.GetName(undecided);
-  err << "tarn: undecided: " << (name.empty() ? "an intermediate value" : "the variable '" + name + "'")
-      << " is unbounded; give it a domain\n";
+  status >> kibibytes;
+  return kibibytes * 1024;
 }
 
 // How many solutions to stop after; nothing: search to the end.
@@ -73,71 +67,199 @@ std::optional<std::uint64_t> GetLimit(const SolveOptions& options, bool hasObjec
   return options.fAll || hasObjective ? std::nullopt : std::optional<std::uint64_t>(1);
 }
 
-std::function<bool()> MakeStopCondition(const SolveOptions& options, Clock::time_point start) {
-  // A longer limit than this is none, and would not fit the clock.
-  constexpr double sLongest = 1e9;
-  if (!options.fTimeLimit || *options.fTimeLimit > sLongest) {
-    return IsInterrupted;
+// A run of the command from the first solution to the exit code.
+class SolveRun {
+ public:
+  SolveRun(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err)
+      : fSession(session),
+        fOptions(options),
+        fOut(out),
+        fErr(err),
+        fFormat(GetFormat(options)),
+        fProgress(!options.fQuiet, err),
+        fSearch(session.GetNetwork(), session.GetVariables(), session.GetObjective(), options.fSearch) {
+    fSearch.SetObserver(options.fObserver);
   }
-  const auto limit = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*options.fTimeLimit));
-  return [end = start + limit] { return IsInterrupted() || Clock::now() >= end; };
+
+  int Run();
+
+ private:
+  VokTarnSearch::Status Next();
+  void ShowProgress();
+  bool TakeSolution();
+  Answer Conclude(VokTarnSearch::Status status) const;
+  std::string FindStop() const;
+  std::vector<Figure> GetFigures() const;
+  void ExplainUndecided() const;
+
+  Session& fSession;
+  const SolveOptions& fOptions;
+  std::ostream& fOut;
+  std::ostream& fErr;
+  const Format fFormat;
+  const bool fIsOutTerminal = isatty(STDOUT_FILENO) == 1;
+  ProgressLine fProgress;
+  VokTarnSearch fSearch;
+  std::uint64_t fFound = 0;
+};
+
+int SolveRun::Run() {
+  fSession.GetNetwork().SetInterrupt([this] {
+    if (TakeTick() && fProgress.IsDue()) {
+      ShowProgress();
+    }
+    return IsInterrupted();
+  });
+  const std::optional<std::uint64_t> limit = GetLimit(fOptions, fSession.GetObjective().has_value());
+  VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
+  bool isRight = true;
+  while (status == VokTarnSearch::Status::Solution && isRight && (!limit || fFound < *limit)) {
+    status = Next();
+    isRight = status != VokTarnSearch::Status::Solution || TakeSolution();
+  }
+  fProgress.Clear();
+  if (status == VokTarnSearch::Status::Undecided) {
+    ExplainUndecided();
+  }
+  const bool isStopped = status == VokTarnSearch::Status::Stopped;
+  const std::string stop = isStopped ? FindStop() : std::string();
+  const Answer answer = isRight ? Conclude(status) : Answer::Unknown;
+  PrintResult(answer, stop, GetFigures(), fFormat, fOut);
+  if (isStopped && !fOptions.fQuiet) {
+    PrintStopNote(stop, fErr);
+  }
+  if (fOptions.fStatistics) {
+    PrintFigures(GetFigures(), fErr);
+  }
+  if (isStopped) {
+    return Undecided;
+  }
+  if (answer == Answer::Unsatisfiable) {
+    return NoSolution;
+  }
+  return !isRight || status == VokTarnSearch::Status::Undecided ? Undecided : Solved;
 }
 
-int Conclude(VokTarnSearch::Status status, std::uint64_t found, const VokTarnSearch& search, std::ostream& out) {
-  switch (status) {
-    case VokTarnSearch::Status::Solution:
-      // Without a choice there is no other solution.
-      if (search.GetStatistics().fDecisions == 0) {
-        out << sExhausted;
-      }
-      return Solved;
-    case VokTarnSearch::Status::Exhausted:
-      out << (found == 0 ? sUnsatisfiable : sExhausted);
-      return found == 0 ? NoSolution : Solved;
-    default:
-      if (found == 0) {
-        out << sUnknown;
-      }
-      return Undecided;
+VokTarnSearch::Status SolveRun::Next() {
+  EnterPhase(Phase::Searching);
+  const VokTarnSearch::Status status = fSearch.Next();
+  EnterPhase(Phase::Printing);
+  return status;
+}
+
+// Prints the solution that has been found, unless it is none.
+bool SolveRun::TakeSolution() {
+  if (fIsOutTerminal) {
+    fProgress.Clear();
   }
+  if (!IsSolution(fSession, fErr)) {
+    return false;
+  }
+  PrintSolution(fSession, fSearch.GetBest(), fFormat, fOut);
+  NoteSolution();
+  ++fFound;
+  return true;
+}
+
+void SolveRun::ShowProgress() {
+  const VokTarnSearch::Statistics& statistics = fSearch.GetStatistics();
+  const double seconds = GetRunTime().count();
+  std::ostringstream text;
+  text << "tarn: " << static_cast<std::uint64_t>(seconds) << " s, "
+       << static_cast<std::uint64_t>(static_cast<double>(statistics.fDecisions) / seconds) << " nodes/s, "
+       << statistics.fFailures << " failures, depth " << fSearch.GetDepth();
+  if (fSession.GetObjective()) {
+    const auto show = [](const std::optional<VokLong>& number) { return number ? std::to_string(*number) : "none"; };
+    text << ", best " << show(fSearch.GetBest()) << ", bound " << show(fSearch.GetBound());
+  }
+  fProgress.Show(text.str());
+}
+
+Answer SolveRun::Conclude(VokTarnSearch::Status status) const {
+  // Without a choice there is no other solution.
+  if (status == VokTarnSearch::Status::Exhausted ||
+      (status == VokTarnSearch::Status::Solution && fSearch.GetStatistics().fDecisions == 0)) {
+    const Answer complete = fSession.GetObjective() ? Answer::Optimal : Answer::AllSolutions;
+    return fFound == 0 ? Answer::Unsatisfiable : complete;
+  }
+  return fFound == 0 ? Answer::Unknown : Answer::Satisfied;
+}
+
+// What stopped the search.
+std::string SolveRun::FindStop() const {
+  if (IsInterrupted()) {
+    return GetName(GetStopReason());
+  }
+  return fSearch.GetStatistics().fDecisions >= fOptions.fSearch.fNodeLimit ? "the node limit" : "the failure limit";
+}
+
+std::vector<Figure> SolveRun::GetFigures() const {
+  const VokTarnSearch::Statistics& statistics = fSearch.GetStatistics();
+  return {{"decisions", "decisions", std::to_string(statistics.fDecisions), ""},
+          {"failures", "failures", std::to_string(statistics.fFailures), ""},
+          {"propagations", "propagations", std::to_string(fSession.GetNetwork().GetPropagations()), ""},
+          {"solutions", "solutions", std::to_string(statistics.fSolutions), ""},
+          {"restarts", "restarts", std::to_string(statistics.fRestarts), ""},
+          {"depth", "depth", std::to_string(statistics.fDepth), ""},
+          {"peak memory", "peakMemory", std::to_string(GetPeakMemory()), " bytes"},
+          {"time", "time", std::to_string(GetRunTime().count()), " s"}};
+}
+
+void SolveRun::ExplainUndecided() const {
+  const VokTarnNetwork& network = fSession.GetNetwork();
+  if (network.IsMemoryShort()) {
+    fErr << "tarn: error: out of memory\n";
+    return;
+  }
+  const VokTarnValueId undecided = fSearch.GetUndecided();
+  const std::string name = undecided == vokNoValue ? std::string() : network.GetName(undecided);
+  fErr << "tarn: undecided: " << (name.empty() ? "an intermediate value" : "the variable '" + name + "'")
+       << " is unbounded; give it a domain\n";
+}
+
+LastWords MakeLastWords(const SolveOptions& options, bool printsSolutions) {
+  // Takes the place of a progress line that may stand there.
+  const std::string eraseLine = isatty(STDERR_FILENO) == 1 ? "\r\033[K" : "";
+  LastWords words;
+  for (const StopReason reason : {StopReason::Signal, StopReason::Time, StopReason::Memory}) {
+    const auto index = static_cast<std::size_t>(reason);
+    if (printsSolutions) {
+      std::ostringstream unknown;
+      PrintResult(Answer::Unknown, GetName(reason), {}, GetFormat(options), unknown);
+      words.fUnknown[index] = unknown.str();
+      std::ostringstream satisfied;
+      PrintResult(Answer::Satisfied, GetName(reason), {}, GetFormat(options), satisfied);
+      words.fSatisfied[index] = satisfied.str();
+    }
+    std::ostringstream note;
+    PrintStopNote(GetName(reason), note);
+    words.fNote[index] = options.fQuiet ? "" : eraseLine + note.str();
+  }
+  return words;
 }
 
 }  // namespace
 
-int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err) {
-  const Clock::time_point start = Clock::now();
-  VokTarnNetwork& network = session.GetNetwork();
-  network.SetInterrupt(MakeStopCondition(options, start));
-  const std::optional<VokTarnSearch::Objective>& objective = session.GetObjective();
-  const std::optional<std::uint64_t> limit = GetLimit(options, objective.has_value());
-  VokTarnSearch search(network, session.GetVariables(), objective, options.fSearch);
+void WatchSolve(const SolveOptions& options, bool printsSolutions) {
+  StartWatch(options.fLimits, MakeLastWords(options, printsSolutions));
+}
 
-  std::uint64_t found = 0;
-  VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
-  bool isRight = true;
-  while (status == VokTarnSearch::Status::Solution && isRight && (!limit || found < *limit)) {
-    status = search.Next();
-    if (status != VokTarnSearch::Status::Solution) {
-      break;
-    }
-    isRight = IsSolution(session, err);
-    if (isRight) {
-      PrintVariables(session, out);
-      out << sSolutionEnd << std::flush;
-      ++found;
-    }
+int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err) {
+  return SolveRun(session, options, out, err).Run();
+}
+
+int FinishOutput(int exitCode, std::ostream& out, std::ostream& err) {
+  if (!out.flush()) {
+    err << "tarn: error: cannot write the output\n";
+    return BadInput;
   }
-  if (status == VokTarnSearch::Status::Undecided) {
-    ExplainUndecided(session, search, err);
-  }
-  if (options.fStatistics) {
-    PrintStatistics(session, search, start, err);
-  }
-  if (!isRight) {
-    out << sUnknown;
-    return Undecided;
-  }
-  return Conclude(status, found, search, out);
+  return exitCode;
+}
+
+void EndProgram(int exitCode, std::ostream& out, std::ostream& err) {
+  const int code = FinishOutput(exitCode, out, err);
+  err.flush();
+  _exit(code);
 }
 
 }  // namespace tarn

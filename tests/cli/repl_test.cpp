@@ -136,6 +136,7 @@ TEST_F(Repl, EditsCompletesAndRemembersLinesAtATerminal) {
     ASSERT_TRUE(terminal.WaitForText("tarn> "));
     terminal.Write("sho\talph\t\r");
     EXPECT_TRUE(terminal.WaitForText("\nalpha = [1, 9]\r\n"));
+    ASSERT_TRUE(terminal.WaitForText("tarn> "));
     terminal.Write("al\t");
     EXPECT_TRUE(terminal.WaitForText("\nall  alpha  alps\r\n"));
     ASSERT_TRUE(terminal.WaitForText("tarn> al"));
@@ -152,6 +153,7 @@ TEST_F(Repl, EditsCompletesAndRemembersLinesAtATerminal) {
     ASSERT_TRUE(terminal.WaitForText("tarn> "));
     terminal.Write("nonsense\r");
     EXPECT_TRUE(terminal.WaitForText("unknown command"));
+    ASSERT_TRUE(terminal.WaitForText("tarn> "));
     terminal.Write("\x04");
     EXPECT_EQ(terminal.WaitForExit(), 0);
   }
@@ -178,9 +180,11 @@ TEST_F(Repl, CtrlCStopsAStatementOrASearchAndKeepsTheSession) {
   terminal.Write("solve 99999999\r");
   ASSERT_TRUE(terminal.WaitForText("----------"));
   terminal.Write("\x03");
-  ASSERT_TRUE(terminal.WaitForText("stopped\r\n"));
+  ASSERT_TRUE(terminal.WaitForText("tarn: stopped by "));
+  ASSERT_TRUE(terminal.WaitForText("tarn> "));
   terminal.Write("show x\r");
   EXPECT_TRUE(terminal.WaitForText("\nx = [8, 9]\r\n"));
+  ASSERT_TRUE(terminal.WaitForText("tarn> "));
   EXPECT_THAT(terminal.GetOutput(), Not(HasSubstr("error")));
   terminal.Write("quit\r");
   EXPECT_EQ(terminal.WaitForExit(), 0);

@@ -87,6 +87,12 @@ Saved BuildSample(LoadedModules& modules) {
   modules.Post(network, "=", {modules.Post(network, "-", {x, y}, true), w});
   modules.Post(network, "=", {modules.Post(network, "<<", {x, y}, true), p});
   modules.Post(network, "all different", {x, y, w});
+  const auto post = [&](const char* op, std::vector<VokTarnValueId> operands, std::vector<VokLong> constants) {
+    const VokTarnValueId result = network.AddValue(modules.Type("interval int"));
+    modules.fTable.Apply(network, {modules.fTable.GetRows(op).front(), {}}, operands, result, false, constants);
+  };
+  post("table", {x, y}, {4, 3, 5, 9, 6, 2});
+  post("sum", {x, w}, {-3, 2});
   saved.fContents.fModules = {"VokFenAbstractTypes", "VokFenNumbers", "VokFenEnumIntegers"};
   saved.fContents.fModelName = "sample";
   saved.fContents.fModelText = std::string((2U << 20) + 5, 'a');
@@ -336,6 +342,29 @@ TEST(NetworkFile, ForgedPayloadsAreRefused) {
         {"constraint object", sum},
         {"constraint record", {0U, 3U, 0U, 1U, 0U}}},
        "VokTarnAdditionConstraint, to stand over types of one of its operators"},
+      {"table without a whole last row",
+       {{"constraint object", {1U, "VokTarnTableConstraint", 1U}},
+        {"constraint record", {16U, 2U, 0U, 1U, 3U, 1U, 2U, 2U}}},
+       "does not apply"},
+      {"table over nothing",
+       {{"constraint object", {1U, "VokTarnTableConstraint", 1U}}, {"constraint record", {16U, 0U, 1U, 7U}}},
+       "does not apply"},
+      {"number of constants",
+       {{"constraint object", {1U, "VokTarnTableConstraint", 1U}}, {"constraint record", {16U, 1U, 0U, huge, 1U}}},
+       "the constraint #0, of a class"},
+      {"too many coefficients",
+       {{"constraint object", {1U, "VokTarnLinearConstraint", 1U}},
+        {"constraint record", {16U, 2U, 0U, 1U, 2U, 1U, 1U}}},
+       "does not apply"},
+      {"sum without a result",
+       {{"constraint object", {1U, "VokTarnLinearConstraint", 1U}}, {"constraint record", {0U, 0U}}},
+       "does not apply"},
+      {"element without an index",
+       {{"constraint object", {1U, "VokTarnElementConstraint", 1U}}, {"constraint record", {0U, 1U, 0U}}},
+       "does not apply"},
+      {"count with a constant",
+       {{"constraint object", {1U, "VokTarnCountConstraint", 1U}}, {"constraint record", {16U, 2U, 0U, 1U, 1U, 1U}}},
+       "does not apply"},
       {"number of variables", {{"variables", {huge, 0U, 1U}}}, "expected another variable than the value #0"},
       {"variable beyond the values", {{"variables", {2U, 0U, 2U}}}, "expected the number of a variable's value"},
       {"variable twice", {{"variables", {2U, 1U, 1U}}}, "expected another variable than the value #1"},

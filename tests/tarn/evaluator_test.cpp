@@ -35,6 +35,8 @@ TEST(Evaluator, AcceptsWhatHolds) {
       next x = 8; prev y = -4; -y = 3; (enum int) x = 7; x = 7 + 0 * y;
       y < z <= z < x; x > z >= z <> x; x <> y; x == 7; !(x == y); y << z; z <== z; x >> y; x >== x;
       p; !q; p && !q; q || p; q -> p; q -> q; !(p -> q); q <-> !p; p == true; q == false;
+      sum [x, y, 1] = 5; sum [] = 0; count ([x, 7, y], 4 - y) = 2; [z, x][2] = 7; [z][1] = z;
+      table ([x, y], [1, 2], [7, -3]);
       all different (x, y, z, p); minimize x;)",
             true);
 }
@@ -42,6 +44,7 @@ TEST(Evaluator, AcceptsWhatHolds) {
 TEST(Evaluator, RejectsWhatDoesNotHold) {
   CheckEach(R"(
       x + y = 5; y < z < z; x = y; x << y; z >> z; all different (x, z, 7); all different (q, z);
+      sum [x, y] = 5; count ([x], 7) = 0; [z, x][1] = 7; table ([x, y], [7, 3], [-3, 7]); table ([x]);
       q; !p; p -> q; p && q; q || q; p <-> q;)",
             false);
 }
@@ -51,7 +54,8 @@ TEST(Evaluator, RejectsWhateverHoldsAnOperationWithoutValue) {
       x / 2 = 3; x / 2 <> 3; x / z = x; 0 / z = 0; x mod z = x; 2 ^ -1 = 0; 0 ^ -1 = 0;
       p || (x / 2 == 3); q -> (x mod z == 1); !(2 ^ y == 1); maximize 1 / x; all different (x, y / 2);
       2147483644 + 1 > 0; abs -2147483645 > 0; 0 * 2147483645 = 0; 7 ^ 12 > 0; -2147483645 - x < 0;
-      100000 * 100000 > 0;)",
+      100000 * 100000 > 0; [x, y][0] > -9; [x, y][3] > -9; [x / 2, y][2] = y;
+      sum [2147483600, 45, -45] > 0; count ([2147483645], sum [2147483645]) >= 0;)",
             false);
 }
 

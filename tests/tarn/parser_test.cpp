@@ -55,6 +55,36 @@ TEST(Statements, AreReadInEveryForm) {
             Case{"\xEF\xBB\xBFx = y; // and a mark", "x = y;"}});
 }
 
+TEST(Lists, StandWhereAnOperatorTakesThemAndByName) {
+  CheckAll({Case{"x = sum [y, z + 1] - 2;", "x = (sum[y, (z + 1)] - 2);"},
+            Case{"x = sum ([y]) + count ([y, z], 2 * x);", "x = (sum[y] + count((2 * x))[y, z]);"},
+            Case{"[x, y][z] = -3;", "element(z)[x, y] = -3;"},
+            Case{"list xs = [x, 2 * y]; xs[sum xs] < sum([xs, z]);",
+                 "list xs = [x, (2 * y)]; element(sum[x, (2 * y)])[x, (2 * y)] < sum[x, (2 * y), z];"},
+            Case{"list a = [x]; list b = [a, a[1], a[1] - 1]; all different b;",
+                 "list a = [x]; list b = [x, element(1)[x], (element(1)[x] - 1)]; "
+                 "all different x, element(1)[x], (element(1)[x] - 1);"},
+            Case{"all different ([x, y], [y, z][1] + 1, z);", "all different x, y, (element(1)[y, z] + 1), z;"},
+            Case{"x = sum [];", "x = sum[];"}, Case{"list : int; list = 3;", "list : <int>; list = 3;"},
+            Case{"table ([x, y], [1, -2], [3, 4]);", "table [x, y]{ 1, -2, 3, 4 };"},
+            Case{"table ([x]);", "table [x]{};"}});
+}
+
+TEST(Lists, AreRefusedElsewhere) {
+  CheckAll({Case{"x = [y];", "1:5: a list is no value; one of its members is: list[1] is the first"},
+            Case{"list xs = [x]; y = xs + 1;", "1:20: a list is no value; one of its members is: list[1] is the first"},
+            Case{"list x = [y];", "1:6: 'x' is declared already"},
+            Case{"list a = [x]; a : int;", "1:15: 'a' is declared already"},
+            Case{"list a = x;", "1:10: expected a list, found 'x'"},
+            Case{"x = sum (y, z);", "1:10: expected a list, found 'y'"},
+            Case{"x = sum [y;", "1:9: this '[' is never closed"},
+            Case{"x = sum [y);", "1:11: expected an operator or ']', found ')'"},
+            Case{"table ([x, y], [1, 2], [3]);", "1:24: this row has 1 numbers, and the list 2 members"},
+            Case{"table ([x], [y]);", "1:14: expected a number, found 'y'"},
+            Case{"table ([x], [2147483646]);", "1:14: a number must lie between -2147483645 and 2147483645"},
+            Case{"table ([], [1]);", "1:8: the list of a table must have a member"}});
+}
+
 TEST(Mistakes, AreReportedAtTheirPlace) {
   CheckAll({Case{"x = y\nz = 3;", "1:6: missing ';' at the end of the statement"},
             Case{"x = y", "1:6: missing ';' at the end of the statement"},
@@ -65,7 +95,7 @@ TEST(Mistakes, AreReportedAtTheirPlace) {
             Case{"x = (y + 1;", "1:5: this '(' is never closed"},
             Case{"x = y);", "1:6: expected an operator or ';', found ')'"},
             Case{"all different (x, y;", "1:15: this '(' is never closed"},
-            Case{"all different x;", "1:15: expected '(', found 'x'"},
+            Case{"all different x;", "1:15: expected '(' or a list, found 'x'"},
             Case{"foo (x);", "1:1: unknown operator 'foo'"},
             Case{"x = 3y;", "1:5: '3y' is neither a number nor a name"},
             Case{"x = y @ z;", "1:7: unexpected character '@'"},

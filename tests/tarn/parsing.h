@@ -1,6 +1,9 @@
 // Parsing of model texts for the tests, with a vocabulary of the tests' own.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <span>
 #include <string>
 
 #include "tarn/Diagnostic.h"
@@ -11,11 +14,15 @@ inline tarn::Vocabulary MakeVocabulary() {
   for (const char* type : {"int", "enum int", "bool"}) {
     vocabulary.AddType(type);
   }
-  const std::vector<const char*> operators[] = {
-      {"all different", "all", "sorted"}, {"parity", "~"}, {"gcd", "<=>", "**"}};  // of lists, one and two operands
+  const std::vector<const char*> operators[] = {{"all different", "all", "sorted"},
+                                                {"parity", "~"},
+                                                {"gcd", "<=>", "**"},
+                                                {"sum", "count", "element"},
+                                                {"table"}};
   const VokTarnOperatorKind kinds[] = {VokTarnOperatorKind::List, VokTarnOperatorKind::Unary,
-                                       VokTarnOperatorKind::Binary};
-  for (unsigned i = 0; i < 3; ++i) {
+                                       VokTarnOperatorKind::Binary, VokTarnOperatorKind::ListFunction,
+                                       VokTarnOperatorKind::Table};
+  for (unsigned i = 0; i < std::size(kinds); ++i) {
     for (const char* name : operators[i]) {
       vocabulary.AddOperator(name, kinds[i]);
     }
@@ -37,9 +44,10 @@ class Reader {
     try {
       tarn::Parser parser(source, fVocabulary, fModel);
       std::string result;
-      while (const std::optional<tarn::Statement> statement = parser.Next()) {
+      while (std::optional<tarn::Statement> statement = parser.Next()) {
         result += result.empty() ? "" : " ";
         result += std::visit([this](const auto& body) { return Show(body); }, statement->fBody) + ";";
+        fModel.AddStatement(*std::move(statement));
       }
       return result;
     } catch (const tarn::ModelError& error) {
@@ -57,9 +65,22 @@ class Reader {
     }
     return names + ": <" + std::string(declaration.fType.fText) + ">" + declaration.fDomain;
   }
+  std::string Show(const tarn::ListDefinition& list) const {
+    return "list " + std::string(list.fName.fText) + " = " + Show(list.fList, list.fList.fRoots);
+  }
+  std::string Show(const tarn::Formula& formula, std::span<const tarn::NodeIndex> members) const {
+    std::string result;
+    for (const tarn::NodeIndex member : members) {
+      result += (result.empty() ? "[" : ", ") + Show(formula, member);
+    }
+    return result.empty() ? "[]" : result + "]";
+  }
   std::string Show(const tarn::Formula& formula) const {
     using Kind = tarn::Formula::Kind;
     const auto op = [&formula](std::size_t i) { return std::string(formula.fOperators[i].fText) + " "; };
+    if (formula.fKind == Kind::Table) {
+      return op(0) + Show(formula, formula.fRoots) + testing::PrintToString(formula.fConstants);
+    }
     std::string result = formula.fKind == Kind::Minimize   ? "minimize "
                          : formula.fKind == Kind::Maximize ? "maximize "
                          : formula.fKind == Kind::List     ? op(0)
@@ -80,6 +101,11 @@ class Reader {
         return "(" + Show(formula, node.fLeft) + " " + text + " " + Show(formula, node.fRight) + ")";
       case tarn::Node::Kind::Cast:
         return "<" + text + ">" + Show(formula, node.fLeft);
+      case tarn::Node::Kind::Call: {
+        const auto members = std::span(formula.fMembers).subspan(node.fLeft, node.fRight - node.fLeft);
+        return text + (node.fHasBeside ? "(" + Show(formula, members[0]) + ")" : "") +
+               Show(formula, members.subspan(node.fHasBeside ? 1 : 0));
+      }
       default:
         return text;
     }

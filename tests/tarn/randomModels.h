@@ -174,8 +174,93 @@ class RandomModel {
     if (kind == 3) {
       return Prefix(PickOf<std::string>({"-", "abs", "sign", "next", "prev"}), Integer(depth - 1));
     }
+    if (kind == 4) {
+      return Pick(0, 2) == 0 ? LongSum() : ListFunction(depth);
+    }
     const auto op = PickOf<std::string>({"+", "+", "-", "*", "*", "/", "mod", "mod", "^", "/\\", "\\/"});
     return Combine(op, Integer(depth - 1), Integer(depth - 1));
+  }
+
+  // Of so many terms that it is no chain of additions.
+  RandomExpression LongSum() {
+    RandomExpression sum = Integer(0);
+    for (int i = Pick(8, 10); i > 0; --i) {
+      sum = Combine(PickOf<std::string>({"+", "-"}), sum,
+                    Pick(0, 2) == 0 ? Combine("*", Constant(), AnyVariable(false)) : Integer(0));
+    }
+    return sum;
+  }
+
+  std::vector<RandomExpression> List(int longest, int depth, std::string& text) {
+    std::vector<RandomExpression> members;
+    for (int i = Pick(1, longest); i > 0; --i) {
+      members.push_back(Integer(depth));
+      text += (text.empty() ? "[" : ", ") + members.back().fText;
+    }
+    text += "]";
+    return members;
+  }
+
+  // Nothing where a member has no value.
+  static std::optional<std::vector<long long>> Evaluate(const std::vector<RandomExpression>& list,
+                                                        const Assignment& a) {
+    std::vector<long long> values;
+    for (const RandomExpression& member : list) {
+      const Value value = member.fValue(a);
+      if (!value) {
+        return std::nullopt;
+      }
+      values.push_back(*value);
+    }
+    return values;
+  }
+
+  RandomExpression ListFunction(int depth) {
+    const int kind = Pick(0, 2);
+    std::string text;
+    const std::vector<RandomExpression> list = List(4, depth - 1, text);
+    if (kind == 0) {
+      return {"sum " + text, [list](const Assignment& a) -> Value {
+                Value sum = 0;
+                for (const RandomExpression& member : list) {
+                  const Value value = Limit(member.fValue(a));
+                  sum = sum && value ? Limit(*sum + *value) : Value();
+                }
+                return sum;
+              }};
+    }
+    const RandomExpression beside = Integer(depth - 1);
+    return {kind == 1 ? "count (" + text + ", " + beside.fText + ")" : text + "[" + beside.fText + "]",
+            [list, beside, kind](const Assignment& a) -> Value {
+              const auto values = Evaluate(list, a);
+              const Value b = beside.fValue(a);
+              if (!values || !b) {
+                return {};
+              }
+              if (kind == 1) {
+                return std::ranges::count(*values, *b);
+              }
+              const auto size = static_cast<long long>(values->size());
+              return *b < 1 || *b > size ? Value() : (*values)[static_cast<std::size_t>(*b - 1)];
+            }};
+  }
+
+  RandomExpression Table() {
+    std::string text;
+    const std::vector<RandomExpression> list = List(3, 1, text);
+    std::vector<std::vector<long long>> rows(static_cast<std::size_t>(Pick(0, 8)));
+    for (std::vector<long long>& row : rows) {
+      std::string numbers;
+      for (std::size_t i = 0; i < list.size(); ++i) {
+        row.push_back(Pick(-4, 5));
+        numbers += (numbers.empty() ? ", [" : ", ") + std::to_string(row.back());
+      }
+      text += numbers + "]";
+    }
+    return {"table (" + text + ")", [list, rows](const Assignment& a) -> Value {
+              const auto values = Evaluate(list, a);
+              return values && std::ranges::find(rows, *values) != rows.end();
+            }};
   }
 
   RandomExpression Comparison(int depth) {
@@ -196,7 +281,7 @@ class RandomModel {
   RandomExpression Statement() {
     const int kind = Pick(0, 5);
     if (kind <= 2) {
-      return kind == 0 ? AllDifferent() : Truth(2);
+      return kind == 0 ? Pick(0, 1) == 0 ? AllDifferent() : Table() : Truth(2);
     }
     // "=" beside a name is the form in which the variable itself is the result of the operation.
     const bool named = kind == 3;

@@ -25,9 +25,9 @@ void Read(tarn::Session& session, const tarn::Source& source) {
 }
 
 // The solutions in the order in which the search finds them.
-std::vector<Assignment> Solve(tarn::Session& session) {
+std::vector<Assignment> Solve(tarn::Session& session, const VokTarnSearch::Options& options = {}) {
   const std::vector<VokTarnValueId>& variables = session.GetVariables();
-  VokTarnSearch search(session.GetNetwork(), variables, session.GetObjective());
+  VokTarnSearch search(session.GetNetwork(), variables, session.GetObjective(), options);
   std::vector<Assignment> solutions;
   VokTarnSearch::Status status = search.Next();
   for (; status == VokTarnSearch::Status::Solution; status = search.Next()) {
@@ -40,10 +40,16 @@ std::vector<Assignment> Solve(tarn::Session& session) {
   return solutions;
 }
 
-std::vector<Assignment> Solve(tarn::Modules& modules, const std::string& text) {
+// Searches with options that the seed chooses among all combinations.
+std::vector<Assignment> Solve(tarn::Modules& modules, const std::string& text, unsigned seed) {
   tarn::Session session(modules);
   Read(session, tarn::Source("model", text));
-  return Solve(session);
+  VokTarnSearch::Options options;
+  options.fVariable = static_cast<VokTarnSearch::VariableChoice>(seed % 4);
+  options.fValue = static_cast<VokTarnSearch::ValueChoice>(seed / 4 % 4);
+  options.fRestart = static_cast<VokTarnSearch::Restart>(seed / 16 % 2);
+  options.fSeed = seed / 32 % 3;
+  return Solve(session, options);
 }
 
 constexpr unsigned sModels = 3000;
@@ -58,7 +64,7 @@ class RandomModels : public testing::Test {
 TEST_F(RandomModels, HaveTheSolutionsOfPlainEnumeration) {
   for (unsigned seed = 1; seed <= sModels && !HasFailure(); ++seed) {
     const RandomModel model(seed);
-    std::vector<Assignment> solutions = Solve(fModules, model.GetText());
+    std::vector<Assignment> solutions = Solve(fModules, model.GetText(), seed);
     std::ranges::sort(solutions);
     EXPECT_EQ(solutions, model.Enumerate()) << "seed " << seed << "\n" << model.GetText();
   }
@@ -93,7 +99,7 @@ TEST_F(RandomModels, HaveTheOptimumOfPlainEnumeration) {
         best = value;
       }
     }
-    const std::vector<Assignment> solutions = Solve(fModules, text);
+    const std::vector<Assignment> solutions = Solve(fModules, text, seed);
     EXPECT_EQ(solutions.empty() ? Value() : objective.fValue(solutions.back()), best) << "seed " << seed << "\n"
                                                                                       << text;
   }

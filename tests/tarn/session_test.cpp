@@ -26,19 +26,20 @@ TEST(Compiler, AddsNoMoreThanTheModelNeeds) {
     Figures fFigures;  // beyond the declarations
   };
   const Case sCases[] = {
-      {"x < 3; y < 3; 3 < z;", {1, 3}},                        // one value for equal literals
-      {"x + y = z;", {0, 1}},                                  // the variable is the operation's result
-      {"z = x + y;", {0, 1}},                                  //
-      {"z = -x;", {0, 1}},                                     //
-      {"x + y = z + z;", {2, 3}},                              // two results and an equality
-      {"x + y < z; x + y = z;", {1, 3}},                       // the operation exists: an equality instead
-      {"x + y = z; x + y < 2;", {1, 2}},                       //
-      {"x + y = z; x + y = z;", {0, 1}},                       // nothing is said twice
-      {"x * y < z; z <> x * y;", {1, 3}},                      // one value for equal operations
-      {"x = y < z <> x;", {0, 3}},                             // a chain is its relations
-      {"p; !p || q;", {2, 2}},                                 // a truth value is narrowed, not constrained
-      {"(enum int) x = z;", {0, 1}},                           // a cast to the own type is no cast
-      {"(interval int) x < 3; (interval int) x > 1;", {3, 3}}  // one conversion, two numbers
+      {"x < 3; y < 3; 3 < z;", {1, 3}},                          // one value for equal literals
+      {"x + y = z;", {0, 1}},                                    // the variable is the operation's result
+      {"z = x + y;", {0, 1}},                                    //
+      {"z = -x;", {0, 1}},                                       //
+      {"x + y = z + z;", {1, 2}},                                // one result for two operations
+      {"x + y + z + x + y + z + x + y + 3 * z <= 99;", {2, 2}},  // one long sum and its bound
+      {"x + y < z; x + y = z;", {1, 3}},                         // the operation exists: an equality instead
+      {"x + y = z; x + y < 2;", {1, 2}},                         //
+      {"x + y = z; x + y = z;", {0, 1}},                         // nothing is said twice
+      {"x * y < z; z <> x * y;", {1, 3}},                        // one value for equal operations
+      {"x = y < z <> x;", {0, 3}},                               // a chain is its relations
+      {"p; !p || q;", {2, 2}},                                   // a truth value is narrowed, not constrained
+      {"(enum int) x = z;", {0, 1}},                             // a cast to the own type is no cast
+      {"(interval int) x < 3; (interval int) x > 1;", {3, 3}}    // one conversion, two numbers
   };
   const std::string declarations = "x, y, z : enum int [1, 9]; p, q : bool;";
   const Figures before = Count(declarations);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "constraints/VokTarnConstraintOf.h"
+
+// r = the number of those among a1, .., an that equal v, for the arguments (r, v, a1, .., an), integers of any types.
+//
+// Strength  For a known v and distinct arguments domain consistent: r lies between the number of members that are v and
+//           of those that may be; when it reaches one of the two, the other members lose v or become v. An open v
+//           loses the values whose numbers miss the bounds of r, while it has at most 1024 values.
+// Cost      O(n d) look-ups for d values of v; O(n) tests of overlap.
+// Source    J.-C. Régin, "Generalized arc consistency for global cardinality constraint", AAAI 1996, for a single
+//           value, where counting replaces the flow.
+class VOKTARN_EXPORT VokTarnCountConstraint final : public VokTarnConstraintOf<VokTarnCountConstraint> {
+ public:
+  static const char* const sIdent;
+  static const char* const CastableIdent;
+  static VokTarnConstraintDescriptor* sDescriptor;
+
+  using VokTarnConstraintOf::VokTarnConstraintOf;
+
+  Priority GetPriority() const noexcept override { return Many; }
+  bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
+  bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+
+ protected:
+  int Propagate(const VokTarnObjectEnvironment& environment) const override;
+};

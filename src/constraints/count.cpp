@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <vector>
+
+#include "constraints/VokTarnCountConstraint.h"
+#include "constraints/narrowing.h"
+
+VOKTARN_CONSTRAINT_STATICS(VokTarnCountConstraint)
+
+namespace {
+
+constexpr unsigned kResult = 0;
+constexpr unsigned kValue = 1;
+constexpr unsigned kFirst = 2;
+
+// With more values v is narrowed by the members that must equal it alone.
+constexpr int kMostCandidates = 1024;
+
+struct Numbers {
+  std::int64_t certain = 0;   // members that are v
+  std::int64_t possible = 0;  // members that may be v
+};
+
+// The numbers where v is w.
+Numbers CountFor(const VokTarnObjectEnvironment& environment, VokLong w) {
+  Numbers numbers;
+  for (unsigned i = kFirst; i < environment.Size(); ++i) {
+    const VokTarnInteger& a = environment.Integer(i);
+    if (environment.AreSame(i, kValue) || a.IsPossible(w)) {
+      ++numbers.possible;
+      numbers.certain += environment.AreSame(i, kValue) || a.GetCardinality() == 1 ? 1 : 0;
+    }
+  }
+  return numbers;
+}
+
+// Takes the values of v whose numbers miss the bounds of the result, and brings the result between the numbers of the
+// others.
+int NarrowValue(const VokTarnObjectEnvironment& environment) {
+  const VokTarnInteger& result = environment.Integer(kResult);
+  Numbers extremes = {environment.Size(), 0};
+  std::vector<VokLong> kept;
+  for (const VokLong w : ListValues(environment.Integer(kValue))) {
+    const Numbers numbers = CountFor(environment, w);
+    if (numbers.certain <= result.GetUpperBound() && numbers.possible >= result.GetLowerBound()) {
+      extremes.certain = std::min(extremes.certain, numbers.certain);
+      extremes.possible = std::max(extremes.possible, numbers.possible);
+      kept.push_back(w);
+    }
+  }
+  const int changed = KeepValues(environment, kValue, kept);
+  return environment.IsFailed() ? changed
+                                : changed | KeepBetween(environment, kResult, extremes.certain, extremes.possible);
+}
+
+bool IsCertain(const VokTarnObjectEnvironment& environment, unsigned i) {
+  const VokTarnInteger& v = environment.Integer(kValue);
+  const VokTarnInteger& a = environment.Integer(i);
+  return environment.AreSame(i, kValue) ||
+         (v.GetCardinality() == 1 && a.GetCardinality() == 1 && v.GetLowerBound() == a.GetLowerBound());
+}
+
+// Brings the result between the number of members that are v, whatever v is, and of those that may be; where it reaches
+// one of the two, the members that are open are settled.
+int NarrowMembers(const VokTarnObjectEnvironment& environment) {
+  Numbers numbers;
+  std::vector<unsigned> open;
+  for (unsigned i = kFirst; i < environment.Size(); ++i) {
+    if (IsCertain(environment, i)) {
+      ++numbers.certain;
+    } else if (HaveCommonValue(environment.Integer(i), environment.Integer(kValue))) {
+      open.push_back(i);
+    }
+  }
+  numbers.possible = numbers.certain + static_cast<std::int64_t>(open.size());
+  int changed = KeepBetween(environment, kResult, numbers.certain, numbers.possible);
+  if (environment.IsFailed()) {
+    return changed;
+  }
+  const bool all = environment.Integer(kResult).GetLowerBound() == numbers.possible;
+  if (!all && environment.Integer(kResult).GetUpperBound() != numbers.certain) {
+    return changed;
+  }
+  for (const unsigned i : open) {
+    changed |= all ? KeepEqual(environment, kValue, i) : KeepUnequal(environment, kValue, i);
+    if (environment.IsFailed()) {
+      break;
+    }
+  }
+  return changed;
+}
+
+}  // namespace
+
+bool VokTarnCountConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
+  return environment.Size() >= kFirst && AreIntegers(environment, 0, environment.Size()) && GetConstants().empty();
+}
+
+bool VokTarnCountConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
+  std::int64_t count = 0;
+  for (unsigned i = kFirst; i < environment.Size(); ++i) {
+    count += ExactValue(environment, i) == ExactValue(environment, kValue) ? 1 : 0;
+  }
+  return count == ExactValue(environment, kResult);
+}
+
+int VokTarnCountConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const int candidates = environment.Value(kValue).GetCardinality();
+  const int changed = candidates > 1 && candidates <= kMostCandidates ? NarrowValue(environment) : 0;
+  return environment.IsFailed() ? changed : changed | NarrowMembers(environment);
+}

@@ -1,0 +1,142 @@
+#include <algorithm>
+
+#include "constraints/VokTarnLinearConstraint.h"
+#include "constraints/narrowing.h"
+#include "numbers/SubIntBase.h"
+
+VOKTARN_CONSTRAINT_STATICS(VokTarnLinearConstraint)
+
+namespace {
+
+constexpr unsigned kResult = 0;
+constexpr unsigned kFirst = 1;
+
+// The greatest operand and result of arithmetic; its negative is the least.
+constexpr std::int64_t kLargest = SubIntBase::sMax - 1;
+// Stands for no limit; divided by any coefficient it is still beyond the integer range.
+constexpr std::int64_t kNoLimit = std::int64_t{1} << 62;
+
+bool IsInside(std::int64_t v) {
+  return v >= -kLargest && v <= kLargest;
+}
+
+std::int64_t DivideDown(std::int64_t a, std::int64_t b) {
+  return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
+}
+
+std::int64_t DivideUp(std::int64_t a, std::int64_t b) {
+  return a / b + (a % b != 0 && (a < 0) == (b < 0) ? 1 : 0);
+}
+
+}  // namespace
+
+// c x, with r as the term -r, so that all terms together are 0. Terms are clipped to what a product may be, 31 bits: a
+// sum of as many as there can be arguments stays within 64. The same holds for sums of terms, their `open` counts.
+struct VokTarnLinearConstraint::Term {
+  std::int64_t lower = 0;
+  std::int64_t upper = 0;
+  // 1 where x reaches the end of the integer range: it may not be the end, but how far it goes is not known.
+  std::int64_t openBelow = 0;
+  std::int64_t openAbove = 0;
+
+  bool IsEmpty() const { return lower > upper; }
+  void Add(const Term& t) {
+    lower += t.lower;
+    upper += t.upper;
+    openBelow += t.openBelow;
+    openAbove += t.openAbove;
+  }
+  void Subtract(const Term& t) {
+    lower -= t.lower;
+    upper -= t.upper;
+    openBelow -= t.openBelow;
+    openAbove -= t.openAbove;
+  }
+};
+
+std::int64_t VokTarnLinearConstraint::GetCoefficient(unsigned i) const noexcept {
+  return i == kResult ? -1 : GetConstants().empty() ? 1 : GetConstants()[i - kFirst];
+}
+
+VokTarnLinearConstraint::Term VokTarnLinearConstraint::MakeTerm(const VokTarnObjectEnvironment& environment,
+                                                                unsigned i) const {
+  const VokTarnInteger& x = environment.Integer(i);
+  const std::int64_t c = GetCoefficient(i);
+  const std::int64_t least = x.GetLowerBound();
+  const std::int64_t greatest = x.GetUpperBound();
+  if (least > kLargest || greatest < -kLargest) {
+    return {1, 0};
+  }
+  const std::int64_t first = c * std::max(least, -kLargest);
+  const std::int64_t last = c * std::min(greatest, kLargest);
+  const bool openAtFirst = c != 0 && least < -kLargest;
+  const bool openAtLast = c != 0 && greatest > kLargest;
+  return {std::max(std::min(first, last), -kLargest), std::min(std::max(first, last), kLargest),
+          c > 0 ? openAtFirst : openAtLast, c > 0 ? openAtLast : openAtFirst};
+}
+
+bool VokTarnLinearConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
+  const std::size_t coefficients = GetConstants().size();
+  return environment.Size() >= kFirst && AreIntegers(environment, 0, environment.Size()) &&
+         (coefficients == 0 || coefficients == environment.Size() - kFirst);
+}
+
+bool VokTarnLinearConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
+  std::int64_t sum = 0;
+  for (unsigned i = kFirst; i < environment.Size(); ++i) {
+    const std::int64_t c = GetCoefficient(i);
+    const std::int64_t x = ExactValue(environment, i);
+    if (!IsInside(c) || !IsInside(x) || !IsInside(c * x) || !IsInside(sum += c * x)) {
+      return false;
+    }
+  }
+  return sum == ExactValue(environment, kResult);
+}
+
+// The terms are read again when their turn comes. One that an earlier step has narrowed, being there twice, is then
+// smaller than its part of the sum: what is left for the others is too wide, and the next pass makes up for it.
+int VokTarnLinearConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  Term sum;
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    const Term t = MakeTerm(environment, i);
+    if (t.IsEmpty()) {
+      return environment.Fail();
+    }
+    sum.Add(t);
+  }
+  int changed = 0;
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    const Term own = MakeTerm(environment, i);
+    Term others = sum;
+    others.Subtract(own);
+    if (NarrowTerm(environment, i, own, others) == 0) {
+      continue;
+    }
+    changed = 1;
+    const Term narrowed = MakeTerm(environment, i);
+    if (environment.IsFailed() || narrowed.IsEmpty()) {
+      return environment.Fail();
+    }
+    sum = others;
+    sum.Add(narrowed);
+  }
+  return changed;
+}
+
+// Keeps of the argument's values those whose terms are a product that may be, and make up for what the others can be.
+int VokTarnLinearConstraint::NarrowTerm(const VokTarnObjectEnvironment& environment, unsigned i, const Term& own,
+                                        const Term& others) const {
+  const std::int64_t lower =
+      std::max(own.openBelow != 0 ? -kNoLimit : -kLargest, others.openAbove != 0 ? -kNoLimit : -others.upper);
+  const std::int64_t upper =
+      std::min(own.openAbove != 0 ? kNoLimit : kLargest, others.openBelow != 0 ? kNoLimit : -others.lower);
+  const bool isClipped = own.lower == -kLargest || own.upper == kLargest;
+  if (!isClipped && lower <= own.lower && own.upper <= upper) {
+    return 0;
+  }
+  const std::int64_t c = GetCoefficient(i);
+  if (c == 0) {
+    return environment.Fail();
+  }
+  return KeepBetween(environment, i, DivideUp(c > 0 ? lower : upper, c), DivideDown(c > 0 ? upper : lower, c));
+}
