@@ -1,15 +1,21 @@
 #include "tarn/LineReader.h"
 
 #include <histedit.h>
+#include <poll.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <filesystem>
 #include <new>
 
 #include "tarn/Diagnostic.h"
+#include "tarn/Interrupt.h"
 
 namespace tarn {
 namespace {
@@ -46,6 +52,24 @@ std::filesystem::path GetHistoryPath() {
   return home.is_absolute() ? home / ".local" / "state" / "tarn" / "history" : std::filesystem::path();
 }
 
+// Holds back the signals that interrupt.
+class SignalBlock {
+ public:
+  explicit SignalBlock(sigset_t& before) : fBefore(before) {
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGINT);
+    sigaddset(&held, SIGTERM);
+    sigprocmask(SIG_BLOCK, &held, &fBefore);
+  }
+  SignalBlock(const SignalBlock&) = delete;
+  SignalBlock& operator=(const SignalBlock&) = delete;
+  ~SignalBlock() { sigprocmask(SIG_SETMASK, &fBefore, nullptr); }
+
+ private:
+  sigset_t& fBefore;
+};
+
 class TerminalReader : public LineReader {
  public:
   explicit TerminalReader(Completer completer)
@@ -63,6 +87,7 @@ class TerminalReader : public LineReader {
     EditLine* const editor = fEditor.get();
     el_set(editor, EL_CLIENTDATA, this);
     el_set(editor, EL_PROMPT, GetPrompt);
+    el_set(editor, EL_GETCFN, ReadCharacter);
     el_set(editor, EL_EDITOR, "emacs");
     el_set(editor, EL_HIST, history, fHistory.get());
     el_set(editor, EL_ADDFN, "tarn-complete", "Complete the word", CompleteWord);
@@ -84,7 +109,8 @@ class TerminalReader : public LineReader {
     fPrompt = prompt;
     el_resize(fEditor.get());
     int count = 0;
-    const char* text = el_gets(fEditor.get(), &count);
+    const SignalBlock block(fUnblocked);
+    const char* text = IsInterrupted() ? nullptr : el_gets(fEditor.get(), &count);
     if (text == nullptr || count <= 0) {
       std::puts("");
       return std::nullopt;
@@ -108,6 +134,32 @@ class TerminalReader : public LineReader {
     void* reader = nullptr;
     el_get(editor, EL_CLIENTDATA, &reader);
     return *static_cast<TerminalReader*>(reader);
+  }
+
+  // A signal comes through only while this waits, or it would be noticed no sooner than the next key.
+  static int ReadCharacter(EditLine* editor, wchar_t* character) {
+    std::mbstate_t state{};
+    for (;;) {
+      pollfd ready{STDIN_FILENO, POLLIN, 0};
+      if (ppoll(&ready, 1, nullptr, &Get(editor).fUnblocked) < 0) {
+        if (errno != EINTR || IsInterrupted()) {
+          return -1;
+        }
+        continue;
+      }
+      char byte = 0;
+      const ssize_t got = read(STDIN_FILENO, &byte, 1);
+      if (got <= 0) {
+        return static_cast<int>(got);
+      }
+      const std::size_t length = std::mbrtowc(character, &byte, 1, &state);
+      if (length <= 1) {
+        return 1;
+      }
+      if (length == static_cast<std::size_t>(-1)) {  // no character begins so
+        state = {};
+      }
+    }
   }
 
   static char* GetPrompt(EditLine* editor) { return Get(editor).fPrompt.data(); }
@@ -150,6 +202,7 @@ class TerminalReader : public LineReader {
   std::unique_ptr<EditLine, Closer> fEditor;
   std::filesystem::path fHistoryPath;
   std::string fPrompt;
+  sigset_t fUnblocked{};  // the signals that were blocked before a line was awaited
   bool fHasLines = false;
 };
 

@@ -5,7 +5,6 @@
 #include <new>
 #include <optional>
 #include <ostream>
-#include <ranges>
 #include <sstream>
 
 #include "tarn/Commands.h"
@@ -38,10 +37,11 @@ std::optional<std::size_t> ReadCount(const std::string& text, std::size_t absent
   return text.empty() || isNumber ? std::optional(count) : std::nullopt;
 }
 
-// Whether one of the names consists of several words and this is the first.
-bool IsFirstWordOf(const auto& names, std::string_view word) {
-  return std::ranges::any_of(
-      names, [word](const std::string& name) { return name.starts_with(word) && name.substr(word.size(), 1) == " "; });
+// Whether one of the operators over lists has a name of several words of which this is the first.
+bool BeginsListOperator(const Vocabulary& vocabulary, std::string_view word) {
+  return std::ranges::any_of(vocabulary.GetListOperators(), [word](const auto& op) {
+    return op.first.starts_with(word) && op.first.substr(word.size(), 1) == " ";
+  });
 }
 
 }  // namespace
@@ -135,7 +135,7 @@ bool Repl::IsStatementStart(std::string_view word, std::string_view rest) const 
   const std::string_view symbol = next.substr(0, vocabulary.MatchSymbol(next));
   if (FindCommand(word) == nullptr) {
     return !symbol.empty() || vocabulary.IsReserved(word) || fSession->GetModel().FindVariable(word).has_value() ||
-           IsFirstWordOf(vocabulary.GetListOperators() | std::views::keys, word);
+           BeginsListOperator(vocabulary, word);
   }
   // Names of files may begin as operators do, but hardly with a blank behind them.
   const bool isOperator = vocabulary.FindInfix(symbol) != nullptr && next.substr(symbol.size()).starts_with(' ');

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 #include <sstream>
 
 #include "tarn/Lexer.h"
@@ -141,8 +140,12 @@ std::set<std::string, std::less<>> Vocabulary::GetWords() const {
   };
   std::ranges::for_each(fPrefixes, add);
   std::ranges::for_each(fTypes, add);
-  std::ranges::for_each(fInfixes | std::views::keys, add);
-  std::ranges::for_each(fLists | std::views::keys, add);
+  for (const auto& [name, infix] : fInfixes) {
+    add(name);
+  }
+  for (const auto& [name, kind] : fLists) {
+    add(name);
+  }
   return words;
 }
 

@@ -154,7 +154,10 @@ TEST_F(Repl, EditsCompletesAndRemembersLinesAtATerminal) {
     terminal.Write("nonsense\r");
     EXPECT_TRUE(terminal.WaitForText("unknown command"));
     ASSERT_TRUE(terminal.WaitForText("tarn> "));
-    terminal.Write("\x04");
+    // Ctrl-D on an empty line. That the terminal passes it on is sure once a line is edited.
+    terminal.Write("qu\t");
+    ASSERT_TRUE(terminal.WaitForText("it "));
+    terminal.Write("\x15\x04");
     EXPECT_EQ(terminal.WaitForExit(), 0);
   }
   PseudoTerminal terminal(VOKTARN_BIN_DIR "/tarn", {"repl"});
