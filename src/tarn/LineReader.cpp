@@ -90,7 +90,8 @@ class TerminalReader : public LineReader {
     el_set(editor, EL_GETCFN, ReadCharacter);
     el_set(editor, EL_EDITOR, "emacs");
     el_set(editor, EL_HIST, history, fHistory.get());
-    el_set(editor, EL_ADDFN, "tarn-complete", "Complete the word", CompleteWord);
+    // The names are kept as they are passed; el_set would pass copies that nobody frees.
+    el_wset(editor, EL_ADDFN, L"tarn-complete", L"Complete the word", CompleteWord);
     el_set(editor, EL_BIND, "^I", "tarn-complete", nullptr);
     el_source(editor, nullptr);
   }
