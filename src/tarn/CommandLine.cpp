@@ -190,6 +190,12 @@ void DefineModules(CLI::App& app, CommandLine& line) {
   modules->callback([&line] { line.fCommand = CommandLine::Command::Modules; });
 }
 
+void DefineRepl(CLI::App& app, CommandLine& line) {
+  CLI::App* repl = app.add_subcommand("repl", "Take statements one by one and show what each narrows");
+  repl->add_option("FILE", line.fOpening, "A model to begin with, or a saved network")->type_name("");
+  repl->callback([&line] { line.fCommand = CommandLine::Command::Repl; });
+}
+
 }  // namespace
 
 std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
@@ -205,6 +211,7 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineWhy(app, line);
   DefineConflict(app, line);
   DefineModules(app, line);
+  DefineRepl(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
   try {
     app.parse(argc, argv);

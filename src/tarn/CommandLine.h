@@ -11,13 +11,14 @@ namespace tarn {
 
 // What the arguments of the program ask for.
 struct CommandLine {
-  enum class Command { Narrow, Solve, Save, Graph, Tree, Why, Conflict, Modules };
+  enum class Command { Narrow, Solve, Save, Graph, Tree, Why, Conflict, Repl, Modules };
 
   Command fCommand = Command::Solve;
   std::string fFile;
   std::string fOutput;
   std::string fFact;
-  std::optional<std::string> fModule;  // the one to list
+  std::optional<std::string> fModule;   // the one to list
+  std::optional<std::string> fOpening;  // the model that a session begins with
   std::vector<std::string> fModules;
   std::vector<std::string> fDirectories;
   SolveOptions fSolve;

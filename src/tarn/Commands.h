@@ -63,6 +63,8 @@ int RunModules(Modules& modules, const std::optional<std::string>& name, std::os
 int RunWhy(Session& session, const Source& source, const Source& factText, std::ostream& out, std::ostream& err);
 // Names statements that cannot hold together. As RunWhy.
 int RunConflict(Session& session, const Source& source, std::ostream& out, std::ostream& err);
+// Holds a session with whoever writes lines to the standard input, first on the model in `file`, if any.
+int RunRepl(Modules& modules, const std::optional<std::string>& file, std::ostream& out, std::ostream& err);
 
 // Flushes the output. The exit code, or that of output that cannot be written, after saying so.
 int FinishOutput(int exitCode, std::ostream& out, std::ostream& err);

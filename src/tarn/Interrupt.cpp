@@ -32,6 +32,7 @@ std::atomic<StopReason> sReason = StopReason::None;
 std::atomic<Clock::rep> sStopped = 0;
 std::atomic<Phase> sPhase = Phase::Searching;
 std::atomic<bool> sIsTickDue = false;
+std::atomic<bool> sIsTerminated = false;
 static_assert(std::atomic<StopReason>::is_always_lock_free && std::atomic<Clock::rep>::is_always_lock_free &&
                   std::atomic<Phase>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
               "a signal handler may only use lock-free atomics");
@@ -90,6 +91,9 @@ void Look(StopReason reason) {
 extern "C" void HandleSignal(int signal) {
   const int error = errno;
   sIsTickDue = true;
+  if (signal == SIGTERM) {
+    sIsTerminated = true;
+  }
   Look(signal == SIGALRM ? StopReason::None : StopReason::Signal);
   errno = error;
 }
@@ -101,7 +105,7 @@ void Catch(int signal, int flags) {
   for (const int other : {SIGINT, SIGTERM, SIGALRM}) {
     sigaddset(&action.sa_mask, other);
   }
-  action.sa_flags = flags | static_cast<int>(SA_RESTART);
+  action.sa_flags = flags;
   sigaction(signal, &action, nullptr);
 }
 
@@ -118,8 +122,17 @@ void StartTimer() {
 }  // namespace
 
 void CatchInterrupts() {
-  Catch(SIGINT, static_cast<int>(SA_RESETHAND));
-  Catch(SIGTERM, static_cast<int>(SA_RESETHAND));
+  sReason = StopReason::None;
+  for (const int signal : {SIGINT, SIGTERM}) {
+    Catch(signal, static_cast<int>(SA_RESETHAND | SA_RESTART));
+  }
+}
+
+void CatchInterruptsOfInput() {
+  sReason = StopReason::None;
+  for (const int signal : {SIGINT, SIGTERM}) {
+    Catch(signal, 0);
+  }
 }
 
 void StartWatch(const Limits& limits, const LastWords& words) {
@@ -134,7 +147,7 @@ void StartWatch(const Limits& limits, const LastWords& words) {
   }
   sPhase = Phase::Reading;
   sWords = new LastWords(words);
-  Catch(SIGALRM, 0);
+  Catch(SIGALRM, SA_RESTART);
   CatchInterrupts();
   StartTimer();
 }
@@ -156,6 +169,10 @@ void NoteSolution() noexcept {
 
 bool IsInterrupted() noexcept {
   return sReason.load(std::memory_order_relaxed) != StopReason::None;
+}
+
+bool IsTerminated() noexcept {
+  return sIsTerminated;
 }
 
 StopReason GetStopReason() noexcept {

@@ -35,8 +35,11 @@ struct LastWords {
   ByReason fNote;       // to the standard error
 };
 
-// From now on the first signal only sets the flag; a second one ends the process as usual.
+// Forgets the signals that came before. From now on the first one only makes IsInterrupted() true; a second one ends
+// the process as usual. Files are read on when a signal comes.
 void CatchInterrupts();
+// The same for the time in which a line is awaited: no signal ends the process, and each ends the read that waits.
+void CatchInterruptsOfInput();
 // Catches interrupts, too, and begins in the phase Reading.
 void StartWatch(const Limits& limits, const LastWords& words);
 void EnterPhase(Phase phase) noexcept;
@@ -44,6 +47,8 @@ void EnterPhase(Phase phase) noexcept;
 void NoteSolution() noexcept;
 
 bool IsInterrupted() noexcept;
+// Whether SIGTERM ever came; this is not forgotten.
+bool IsTerminated() noexcept;
 // The first reason that there was.
 StopReason GetStopReason() noexcept;
 // True once for each look of the watch: time to do what is to be done now and then.

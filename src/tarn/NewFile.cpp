@@ -13,7 +13,7 @@ namespace tarn {
 NewFile::NewFile(const std::string& path) : fPath(path), fTemporary(path + ".new-" + std::to_string(getpid())) {
   std::error_code unknown;
   if (std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown)) {
-    throw ProgramError(path + ": error: cannot write the file: it is not a regular file");
+    throw ProgramError(MakePrintable(path) + ": error: cannot write the file: it is not a regular file");
   }
   fFile = std::fopen(fTemporary.c_str(), "wbxe");
   Check(fFile != nullptr);
@@ -43,7 +43,7 @@ void NewFile::Finish() {
 
 void NewFile::Check(bool isDone) const {
   if (!isDone) {
-    throw ProgramError(fPath + ": error: cannot write the file: " + std::strerror(errno));
+    throw ProgramError(MakePrintable(fPath) + ": error: cannot write the file: " + std::strerror(errno));
   }
 }
 

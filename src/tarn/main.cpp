@@ -61,6 +61,9 @@ int Run(const CommandLine& line) {
   if (line.fCommand == CommandLine::Command::Modules) {
     return RunModules(modules, line.fModule, std::cout);
   }
+  if (line.fCommand == CommandLine::Command::Repl) {
+    return RunRepl(modules, line.fOpening, std::cout, std::cerr);
+  }
   Session session(modules);
   const Source source = Source::ReadFile(line.fFile);
   try {
