@@ -1,11 +1,10 @@
 #include "tarn/Names.h"
 
 #include <algorithm>
-#include <limits>
 #include <sstream>
 
-#include "framework/VokTarnInteger.h"
 #include "tarn/Diagnostic.h"
+#include "tarn/Domain.h"
 #include "tarn/Lexer.h"
 
 namespace tarn {
@@ -18,35 +17,6 @@ std::string Print(const VokTarnAny& value) {
   std::ostringstream text;
   value.PrintOn(text);
   return text.str();
-}
-
-std::string DescribeRun(std::int64_t first, std::int64_t last) {
-  return first == last       ? std::to_string(first)
-         : first + 1 == last ? std::to_string(first) + ", " + std::to_string(last)
-                             : std::to_string(first) + ".." + std::to_string(last);
-}
-
-// "[a, b]" or "{a, b..c}". Requires: the values can be counted.
-std::string DescribeRuns(const VokTarnInteger& integer) {
-  const VokLong lower = integer.GetLowerBound();
-  const VokLong upper = integer.GetUpperBound();
-  const std::int64_t width = std::int64_t{upper} - lower + 1;
-  if (integer.GetCardinality() == std::min<std::int64_t>(width, std::numeric_limits<int>::max())) {
-    return "[" + std::to_string(lower) + ", " + std::to_string(upper) + "]";
-  }
-  std::string text;
-  for (VokLong first = lower;;) {
-    VokLong last = first;
-    VokLong next = first;
-    while (last != upper && (next = integer.GetNextExactValue(last)) == last + 1) {
-      last = next;
-    }
-    text += (text.empty() ? "{" : ", ") + DescribeRun(first, last);
-    if (last == upper) {
-      return text + "}";
-    }
-    first = next;
-  }
 }
 
 }  // namespace
@@ -163,10 +133,7 @@ void RefuseRestored(const Session& session, const Source& source) {
 
 std::string DescribeDomain(const VokTarnAny& domain) {
   std::string own = Print(domain);
-  if (domain.IsDerivedFrom(VokTarnInteger::sIdent) == 0 || domain.GetCardinality() < 1) {
-    return own;
-  }
-  std::string listed = DescribeRuns(static_cast<const VokTarnInteger&>(domain));
+  std::string listed = Domain(domain).Format();
   return listed.size() < own.size() ? listed : own;
 }
 

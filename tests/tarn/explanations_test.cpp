@@ -5,7 +5,7 @@
 
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnTrace.h"
-#include "tarn/Commands.h"
+#include "tarn/commands/Commands.h"
 #include "tarn/randomModels.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <ostream>
 #include <sstream>
 
-#include "tarn/Commands.h"
-#include "tarn/Picture.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Picture.h"
 
 namespace tarn {
 namespace {

@@ -1,4 +1,4 @@
-#include "tarn/Interrupt.h"
+#include "tarn/commands/Interrupt.h"
 
 #include <fcntl.h>
 #include <sys/time.h>
@@ -9,7 +9,7 @@
 #include <csignal>
 #include <limits>
 
-#include "tarn/Commands.h"
+#include "tarn/commands/Commands.h"
 
 namespace tarn {
 namespace {

@@ -1,11 +1,11 @@
-#include "tarn/ProgressLine.h"
+#include "tarn/commands/ProgressLine.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <ostream>
 
-#include "tarn/Interrupt.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 namespace {

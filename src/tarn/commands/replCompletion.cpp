@@ -4,7 +4,7 @@
 #include <set>
 
 #include "tarn/Lexer.h"
-#include "tarn/Repl.h"
+#include "tarn/commands/Repl.h"
 
 namespace tarn {
 namespace {
@@ -62,6 +62,7 @@ Completion Repl::Complete(std::string_view line) const {
     switch (command->fArgument) {
       case Argument::File:
         return KeepMatching(line, argument, ListFiles(line.substr(argument)));
+      case Argument::Fact:
       case Argument::Variables:
         return KeepMatching(line, start, variables);
       case Argument::Command:

@@ -4,9 +4,9 @@
 #include <ostream>
 #include <sstream>
 
-#include "tarn/Commands.h"
-#include "tarn/Interrupt.h"
-#include "tarn/Picture.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
+#include "tarn/commands/Picture.h"
 
 namespace tarn {
 namespace {

@@ -1,10 +1,10 @@
 #include <ostream>
 #include <sstream>
 
-#include "tarn/Commands.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
-#include "tarn/NewFile.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
+#include "tarn/commands/NewFile.h"
 
 namespace tarn {
 

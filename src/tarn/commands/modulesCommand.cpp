@@ -4,8 +4,8 @@
 #include <sstream>
 
 #include "framework/VokTarnOperatorDescriptor.h"
-#include "tarn/Commands.h"
 #include "tarn/ValueText.h"
+#include "tarn/commands/Commands.h"
 
 namespace tarn {
 namespace {

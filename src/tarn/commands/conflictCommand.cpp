@@ -6,11 +6,11 @@
 #include <ostream>
 #include <set>
 
-#include "tarn/Commands.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
 #include "tarn/Names.h"
 #include "tarn/Printer.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 namespace {

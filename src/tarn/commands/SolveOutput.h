@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tarn/Interrupt.h"
 #include "tarn/Session.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 

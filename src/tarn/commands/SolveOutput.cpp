@@ -1,4 +1,4 @@
-#include "tarn/SolveOutput.h"
+#include "tarn/commands/SolveOutput.h"
 
 #include <algorithm>
 #include <iomanip>

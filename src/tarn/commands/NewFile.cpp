@@ -1,4 +1,4 @@
-#include "tarn/NewFile.h"
+#include "tarn/commands/NewFile.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "tarn/LineReader.h"
+#include "tarn/commands/LineReader.h"
 
 #include <histedit.h>
 #include <poll.h>
@@ -15,7 +15,7 @@
 #include <new>
 
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 namespace {

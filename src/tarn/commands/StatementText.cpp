@@ -1,4 +1,4 @@
-#include "tarn/StatementText.h"
+#include "tarn/commands/StatementText.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include <ostream>
 
-#include "tarn/Commands.h"
-#include "tarn/Interrupt.h"
 #include "tarn/Printer.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tarn/Commands.h"
+#include "tarn/commands/Commands.h"
 
 namespace tarn {
 

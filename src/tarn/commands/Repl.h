@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "tarn/Domain.h"
-#include "tarn/LineReader.h"
 #include "tarn/Session.h"
+#include "tarn/commands/LineReader.h"
 
 namespace tarn {
 
@@ -45,7 +45,7 @@ class Repl {
   bool WasStopped() const noexcept { return fWasStopped; }
 
  private:
-  enum class Argument { None, Count, File, Variables, Command };
+  enum class Argument { None, Count, Fact, File, Variables, Command };
   struct Command {
     std::string_view fName;
     Argument fArgument;
@@ -68,6 +68,7 @@ class Repl {
   void Show(const std::string& argument);
   void Solve(const std::string& argument);
   void Undo(const std::string& argument);
+  void Why(const std::string& argument);
 
   void Accept(const Source& source);
   bool TryRead(const Source& source, std::vector<Domain>& before);

@@ -1,4 +1,4 @@
-#include "tarn/Repl.h"
+#include "tarn/commands/Repl.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,12 +7,12 @@
 #include <ostream>
 #include <sstream>
 
-#include "tarn/Commands.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/Interrupt.h"
 #include "tarn/Lexer.h"
-#include "tarn/NewFile.h"
-#include "tarn/StatementText.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
+#include "tarn/commands/NewFile.h"
+#include "tarn/commands/StatementText.h"
 
 namespace tarn {
 namespace {
@@ -58,6 +58,7 @@ std::span<const Repl::Command> Repl::GetCommands() noexcept {
       {"show", Argument::Variables, "[NAME...]", "the domains of these variables, or of all", &Repl::Show},
       {"solve", Argument::Count, "[N]", "search for N solutions, for one or the best without N", &Repl::Solve},
       {"undo", Argument::Count, "[N]", "take back the last statement, or the last N", &Repl::Undo},
+      {"why", Argument::Fact, "FACT", "why a fact such as x <> 7 holds, or a solution where it does not", &Repl::Why},
   };
   return sCommands;
 }
@@ -252,6 +253,28 @@ void Repl::Solve(const std::string& argument) {
   if (fSession->GetNetwork().IsMemoryShort()) {
     Rebuild();
   }
+}
+
+// Explains in a session of its own: what has been propagated cannot be retraced.
+void Repl::Why(const std::string& argument) {
+  if (argument.empty()) {
+    return Fail("usage: why FACT");
+  }
+  std::string text;
+  for (const std::string& statement : fStatements) {
+    text += statement + "\n";
+  }
+  const Source source("session", text);
+  const Source fact("fact", argument);
+  try {
+    Session session(fModules);
+    session.Read(source);
+    RunWhy(session, source, fact, fOut, fErr);
+  } catch (const ModelError& error) {
+    fErr << FormatDiagnostic(fact, error) << '\n';
+    fHasErrors = true;
+  }
+  fWasStopped = fWasStopped || IsInterrupted();
 }
 
 void Repl::Undo(const std::string& argument) {

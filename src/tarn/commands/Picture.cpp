@@ -1,4 +1,4 @@
-#include "tarn/Picture.h"
+#include "tarn/commands/Picture.h"
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -19,7 +19,7 @@
 
 #include "framework/VokTarnInteger.h"
 #include "tarn/Diagnostic.h"
-#include "tarn/NewFile.h"
+#include "tarn/commands/NewFile.h"
 
 namespace tarn {
 namespace {

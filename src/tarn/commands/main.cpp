@@ -1,8 +1,8 @@
 #include <iostream>
 #include <new>
 
-#include "tarn/CommandLine.h"
 #include "tarn/Diagnostic.h"
+#include "tarn/commands/CommandLine.h"
 
 namespace tarn {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <ostream>
 
-#include "tarn/Commands.h"
-#include "tarn/Interrupt.h"
-#include "tarn/Repl.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
+#include "tarn/commands/Repl.h"
 
 namespace tarn {
 namespace {

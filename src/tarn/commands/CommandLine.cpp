@@ -1,4 +1,4 @@
-#include "tarn/CommandLine.h"
+#include "tarn/commands/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 #include <charconv>

@@ -5,10 +5,10 @@
 #include <sstream>
 
 #include "framework/VokTarnBoolean.h"
-#include "tarn/Commands.h"
 #include "tarn/Evaluator.h"
-#include "tarn/ProgressLine.h"
-#include "tarn/SolveOutput.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/ProgressLine.h"
+#include "tarn/commands/SolveOutput.h"
 
 namespace tarn {
 namespace {

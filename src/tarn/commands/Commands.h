@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "tarn/Interrupt.h"
 #include "tarn/Session.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 

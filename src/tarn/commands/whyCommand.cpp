@@ -2,12 +2,12 @@
 #include <ostream>
 
 #include "framework/VokTarnTrace.h"
-#include "tarn/Commands.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/Fact.h"
-#include "tarn/Interrupt.h"
 #include "tarn/Names.h"
 #include "tarn/Printer.h"
+#include "tarn/commands/Commands.h"
+#include "tarn/commands/Interrupt.h"
 
 namespace tarn {
 namespace {
