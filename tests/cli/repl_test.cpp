@@ -52,6 +52,11 @@ TEST_F(Repl, AnswersEachLine) {
        "m: [0, 99] -> {5, 14, 23, 32, 41, 50, 59, 68, ..., 95}   "
        "gone: 0..4, 6..13, 15..22, 24..31, 33..40, 42..49, 51..58, 60..67, ..., 96..99\n",
        ""},
+      // Facts are explained by the statements so far.
+      {"y < x;\nwhy x <> 1\nwhy z = 1\n",
+       "x: [1, 9] -> [2, 9]   gone: 1\ny: [1, 9] -> [1, 8]   gone: 9\n"
+       "1. line 2: y < x\n     x : [1, 9] (line 1) -> [2, 9]\n     with y : [1, 9] (line 1)\nHence x <> 1.\n",
+       "fact:1:1: error: 'z' is not declared\nz = 1\n^\n"},
       // What cannot be accepted leaves the session as it was.
       {"x > 7; y < x; x < 3;\nx > 7;\nx < 8;\nshow x\n",
        "cannot hold with what stands; taken back\nx: [1, 9] -> [8, 9]   gone: 1, 2, 3, 4, 5, 6, 7\n"
