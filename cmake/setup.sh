@@ -46,5 +46,6 @@ quietly() {
   rm -f "$log"
 }
 
-product_packages="g++ cmake ninja-build libcli11-dev"
-test_packages="$product_packages clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev graphviz"
+product_packages="g++ cmake ninja-build libcli11-dev libedit-dev"
+test_packages="$product_packages clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev
+  graphviz help2man groff-base pkg-config dpkg-dev file"

@@ -24,8 +24,6 @@ class VOKTARN_EXPORT VokTarnTableConstraint final : public VokTarnConstraintOf<V
   using VokTarnConstraintOf::VokTarnConstraintOf;
 
   Priority GetPriority() const noexcept override { return Many; }
-  // Indexes the table.
-  int Activate(VokTarnNetwork* network) override;
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
 
@@ -33,10 +31,13 @@ class VOKTARN_EXPORT VokTarnTableConstraint final : public VokTarnConstraintOf<V
   int Propagate(const VokTarnObjectEnvironment& environment) const override;
 
  private:
+  void IndexTable() const;
+
+  // The index of the table, made when it is needed first: a constraint that is read has its table only then.
   // The different values of column i are fValues[fColumns[i]] up to, not including, fValues[fColumns[i + 1]].
-  std::vector<VokLong> fValues;
-  std::vector<std::size_t> fColumns;
+  mutable std::vector<VokLong> fValues;
+  mutable std::vector<std::size_t> fColumns;
   // Row after row, the place of each cell's value in fValues. Rows that can never hold are left out: with a value
   // beyond the integer range, or with two values for one argument.
-  std::vector<unsigned> fCells;
+  mutable std::vector<unsigned> fCells;
 };

@@ -46,7 +46,7 @@ bool VokTarnTableConstraint::IsSatisfied(const VokTarnObjectEnvironment& environ
   return false;
 }
 
-int VokTarnTableConstraint::Activate(VokTarnNetwork* network) {
+void VokTarnTableConstraint::IndexTable() const {
   const std::span<const VokTarnValueId> arguments = GetArguments();
   std::vector<std::size_t> first;
   for (const VokTarnValueId argument : arguments) {
@@ -69,11 +69,13 @@ int VokTarnTableConstraint::Activate(VokTarnNetwork* network) {
     }
     fColumns.push_back(fValues.size());
   }
-  return VokTarnConstraint::Activate(network);
 }
 
 int VokTarnTableConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
   const std::size_t n = environment.Size();
+  if (fColumns.empty()) {
+    IndexTable();
+  }
   std::vector<char> isPossible(fValues.size());
   for (std::size_t i = 0; i < n; ++i) {
     for (std::size_t v = fColumns[i]; v < fColumns[i + 1]; ++v) {

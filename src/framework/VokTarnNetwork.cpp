@@ -178,6 +178,9 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
     } else if (fIsRunningWoken && !fIsAtFixpoint) {
       Schedule(index);
     }
+    if (fFilterHook) {
+      fFilterHook(index);
+    }
   }
   ClearAgenda();
   return Outcome::Failed;

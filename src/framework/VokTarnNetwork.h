@@ -71,6 +71,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }
+  // Called with the number of each constraint that Propagate has filtered (empty: no longer).
+  void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
   // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer), once until
   // the log is cleared: one propagation can change a value billions of times.
   void SetChangeLog(std::vector<VokTarnValueId>* log) noexcept;
@@ -134,6 +136,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<Level> fLevels;
   std::vector<Pool> fPools;
   std::function<bool()> fInterrupt;
+  std::function<void(VokULong)> fFilterHook;
   std::vector<VokTarnValueId>* fChangeLog = nullptr;
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "framework/VokTarnNetwork.h"
-#include "framework/restartSequences.h"
+#include "framework/VokTarnRestartSequences.h"
 
 // Sees the steps of a search as they are made, for example to draw its tree.
 class VOKTARN_EXPORT VokTarnSearchObserver {

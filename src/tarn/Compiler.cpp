@@ -114,6 +114,7 @@ void Compiler::PostTruth(const Formula& formula) {
   }
   static_cast<VokTarnBoolean&>(fNetwork.Touch(value)).CalcTruthValue(1);
   fNetwork.NoteChange(value);
+  fTruths.push_back(value);
 }
 
 void Compiler::PostList(const Formula& formula) {

@@ -25,18 +25,6 @@ namespace tarn {
 // Errors   Throws ModelError. The network is then incomplete and only good to be thrown away.
 class Compiler {
  public:
-  Compiler(const VokTarnOperatorTable& table, VokTarnNetwork& network, const Model& model)
-      : fTable(table), fNetwork(network), fModel(model) {}
-
-  // Adds the variables of a declaration, which the model has not yet taken in.
-  void Declare(const Declaration& declaration);
-  void Post(const Formula& formula);
-
-  // The values of the declared variables, in order of declaration.
-  const std::vector<VokTarnValueId>& GetVariables() const noexcept { return fVariables; }
-  const std::optional<VokTarnSearch::Objective>& GetObjective() const noexcept { return fObjective; }
-
- private:
   // An operation by its operator (an interned spelling, or the type of a conversion) and operands.
   struct Operation {
     const void* fOperator;
@@ -48,6 +36,24 @@ class Compiler {
     std::size_t operator()(const Operation& operation) const noexcept;
   };
 
+  Compiler(const VokTarnOperatorTable& table, VokTarnNetwork& network, const Model& model)
+      : fTable(table), fNetwork(network), fModel(model) {}
+
+  // Adds the variables of a declaration, which the model has not yet taken in.
+  void Declare(const Declaration& declaration);
+  void Post(const Formula& formula);
+
+  // The values of the declared variables, in order of declaration.
+  const std::vector<VokTarnValueId>& GetVariables() const noexcept { return fVariables; }
+  const std::optional<VokTarnSearch::Objective>& GetObjective() const noexcept { return fObjective; }
+  // The truth values that are statements, in order of the statements.
+  const std::vector<VokTarnValueId>& GetTruths() const noexcept { return fTruths; }
+  // The operations, each with the value of its result.
+  const std::unordered_map<Operation, VokTarnValueId, OperationHash>& GetOperations() const noexcept {
+    return fOperations;
+  }
+
+ private:
   // The nodes of a formula and the values that they have got so far.
   struct Nodes {
     explicit Nodes(const Formula& formula);
@@ -91,6 +97,7 @@ class Compiler {
   VokTarnNetwork& fNetwork;
   const Model& fModel;
   std::vector<VokTarnValueId> fVariables;
+  std::vector<VokTarnValueId> fTruths;
   std::unordered_map<std::string_view, VokTarnValueId> fLiterals;
   std::unordered_map<Operation, VokTarnValueId, OperationHash> fOperations;
   // An upper bound on the number of values that the result of an operation will have, where the value does not tell.

@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-void Session::Read(const Source& source) {
+void Session::Read(const Source& source, const std::function<void()>& afterEach) {
   if (VokTarnNetworkFile::IsNetworkFile(source.GetText())) {
     Restore(source);
     return;
@@ -19,6 +19,7 @@ void Session::Read(const Source& source) {
   Parser parser(source, fModules.GetVocabulary(), fModel);
   while (std::optional<Statement> statement = parser.Next()) {
     Execute(*std::move(statement));
+    afterEach();
   }
 }
 

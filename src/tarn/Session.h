@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,12 +29,16 @@ class Session {
   Session& operator=(const Session&) = delete;
 
   // Reads a model text, or a saved network, before which nothing may have been read. Throws ModelError for a text,
-  // ProgramError for a saved network.
-  void Read(const Source& source);
+  // ProgramError for a saved network. `afterEach` is called when a statement has taken effect.
+  void Read(
+      const Source& source, const std::function<void()>& afterEach = [] {});
 
+  // Whether the network is one that was saved.
+  bool IsRestored() const noexcept { return fRestored != nullptr; }
   Modules& GetModules() noexcept { return fModules; }
   VokTarnNetwork& GetNetwork() noexcept { return fRestored != nullptr ? *fRestored : fNetwork; }
   const Model& GetModel() const noexcept { return fModel; }
+  const Compiler& GetCompiler() const noexcept { return fCompiler; }
   // The values of the declared variables, in order of declaration.
   const std::vector<VokTarnValueId>& GetVariables() const noexcept {
     return fRestored != nullptr ? fContents.fVariables : fCompiler.GetVariables();

@@ -28,7 +28,7 @@ constexpr std::size_t sMaxSize = std::numeric_limits<std::uint32_t>::max();
 }  // namespace
 
 Source Source::ReadFile(const std::string& path) {
-  const std::string name = path == "-" ? "standard input" : path;
+  const std::string name = path == "-" ? "standard input" : MakePrintable(path);
   const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   if (file == nullptr) {
     throw ProgramError(name + ": error: cannot open the file: " + std::strerror(errno));
@@ -61,7 +61,7 @@ Source::Place Source::Locate(std::size_t offset) const noexcept {
   const std::size_t start = newline == std::string_view::npos ? 0 : newline + 1;
   const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
   const std::string_view inLine = before.substr(start);
-  return {1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
+  return {fFirstLine + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
           1 + static_cast<std::size_t>(std::count_if(inLine.begin(), inLine.end(), isFirstByte)), start};
 }
 

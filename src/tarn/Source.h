@@ -13,12 +13,14 @@ namespace tarn {
 class Source {
  public:
   struct Place {
-    std::size_t fLine;        // from 1
+    std::size_t fLine;        // from the number of the first line
     std::size_t fColumn;      // from 1, in characters: a UTF-8 sequence and a tab count one each
     std::size_t fLineOffset;  // where the line starts
   };
 
-  Source(std::string name, std::string text) : fName(std::move(name)), fText(std::move(text)) {}
+  // `firstLine` is the number of the text's first line.
+  Source(std::string name, std::string text, std::size_t firstLine = 1)
+      : fName(std::move(name)), fText(std::move(text)), fFirstLine(firstLine) {}
 
   // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read or is
   // neither a text nor begins as a saved network does.
@@ -31,6 +33,7 @@ class Source {
  private:
   std::string fName;
   std::string fText;
+  std::size_t fFirstLine;
 };
 
 }  // namespace tarn

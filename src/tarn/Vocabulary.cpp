@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 #include "tarn/Lexer.h"
 
@@ -125,6 +126,27 @@ bool Vocabulary::IsListFunction(std::string_view name) const noexcept {
 bool Vocabulary::IsReserved(std::string_view word) const noexcept {
   return std::ranges::find(sStatementWords, word) != std::end(sStatementWords) || IsPrefix(word) ||
          FindInfix(word) != nullptr || IsType(word);
+}
+
+std::set<std::string, std::less<>> Vocabulary::GetWords() const {
+  std::set<std::string, std::less<>> words(std::begin(sStatementWords), std::end(sStatementWords));
+  const auto add = [&words](const std::string& name) {
+    std::istringstream parts(name);
+    for (std::string part; parts >> part;) {
+      if (IsWord(part)) {
+        words.insert(part);
+      }
+    }
+  };
+  std::ranges::for_each(fPrefixes, add);
+  std::ranges::for_each(fTypes, add);
+  for (const auto& [name, infix] : fInfixes) {
+    add(name);
+  }
+  for (const auto& [name, kind] : fLists) {
+    add(name);
+  }
+  return words;
 }
 
 }  // namespace tarn

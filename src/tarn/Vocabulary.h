@@ -47,6 +47,8 @@ class Vocabulary {
   // A word with a meaning of its own, which no variable can have as its name. Names of operators over lists are none:
   // where a variable has such a name, the name is the variable's.
   bool IsReserved(std::string_view word) const noexcept;
+  // The words that statements, types and operators consist of, those of longer names one by one.
+  std::set<std::string, std::less<>> GetWords() const;
 
   const std::set<std::string, std::less<>>& GetTypes() const noexcept { return fTypes; }
   // The operators that take lists, each with its kind: List, ListFunction or Table.

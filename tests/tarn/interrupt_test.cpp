@@ -1,4 +1,4 @@
-#include "tarn/Interrupt.h"
+#include "tarn/commands/Interrupt.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

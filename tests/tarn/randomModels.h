@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <numeric>
 #include <optional>
 #include <random>
 #include <string>
@@ -34,8 +35,17 @@ class RandomModel {
   // Another expression over the variables on each call.
   RandomExpression MakeObjective() { return Integer(2); }
 
-  // Every assignment that satisfies the model, by plain enumeration in ascending order.
+  // Each variable and each statement has a line of its own, in this order.
+  std::size_t GetVariableCount() const { return fVariables.size(); }
+  std::size_t GetStatementCount() const { return fStatements.size(); }
+
+  // Every assignment that satisfies the statements (of these places), by plain enumeration in ascending order.
   std::vector<Assignment> Enumerate() const {
+    std::vector<std::size_t> places(fStatements.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
+    return Enumerate(places);
+  }
+  std::vector<Assignment> Enumerate(const std::vector<std::size_t>& places) const {
     std::vector<Assignment> all{{}};
     for (const Variable& variable : fVariables) {
       std::vector<Assignment> longer;
@@ -47,8 +57,8 @@ class RandomModel {
       }
       all = std::move(longer);
     }
-    std::erase_if(all, [this](const Assignment& a) {
-      return !std::ranges::all_of(fStatements, [&a](const RandomExpression& s) { return s.fValue(a) == 1; });
+    std::erase_if(all, [&](const Assignment& a) {
+      return !std::ranges::all_of(places, [&](std::size_t place) { return fStatements[place].fValue(a) == 1; });
     });
     return all;
   }
