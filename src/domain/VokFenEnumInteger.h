@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "domain/VokSVectorImp_SubIntBase.h"
 #include "framework/VokTarnInteger.h"
 #include "framework/VokTarnObjectDescriptor.h"
@@ -95,6 +97,20 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   VokLong GetUpperBound() const override;
   VokLong GetNextExactValue(VokLong v) const override;
   VokLong GetPrevExactValue(VokLong v) const override;
+
+  // ---- The members in place, for code that goes through many of them
+  // All members in ascending order; they stand until the set changes.
+  std::span<const VokLong> GetMembers() const noexcept { return {fValues.GetNumbers(), fValues.GetSize()}; }
+  // IsNil and IsUndefined without a call.
+  bool ReadsNil() const noexcept { return fValues.GetSize() == 0 && fEmptyMeansAny == 0; }
+  bool ReadsAny() const noexcept { return fValues.GetSize() == 0 && fEmptyMeansAny == 1; }
+  // Keeps the members that keep(value) accepts. The status; a set that loses every member becomes Nil.
+  template <class Keep>
+  int KeepMembers(Keep keep);
+  // Keeps the first `kept` members, the others having been overwritten. Requires: the set has members.
+  int KeepFirstMembers(unsigned kept) noexcept;
+  // Intersection with the set of these values, Nil when there are none. They ascend strictly and may be the set's own.
+  int IntersectValues(std::span<const VokLong> values);
 
   // ---- Set algebra
   int Intersect(const VokFenEnumInteger& o);
@@ -208,6 +224,28 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   VokSVectorImp_SubIntBase fValues;
   int fEmptyMeansAny;
 };
+
+template <class Keep>
+int VokFenEnumInteger::KeepMembers(Keep keep) {
+  VokLong* const members = fValues.GetNumbers();
+  unsigned kept = 0;
+  // Without a branch on the outcome: which members stay cannot be foretold.
+  for (unsigned i = 0; i < fValues.GetSize(); ++i) {
+    const VokLong v = members[i];
+    members[kept] = v;
+    kept += keep(v) ? 1U : 0U;
+  }
+  return fValues.GetSize() == 0 ? 0 : KeepFirstMembers(kept);
+}
+
+inline int VokFenEnumInteger::KeepFirstMembers(unsigned kept) noexcept {
+  if (kept == fValues.GetSize()) {
+    return 0;
+  }
+  fValues.Truncate(kept);
+  fEmptyMeansAny = kept == 0 ? 0 : fEmptyMeansAny;
+  return 1;
+}
 
 // Sets sMAX_CARD to 1024 and returns it.
 VOKTARN_EXPORT VokULong InitEnumIntegers();

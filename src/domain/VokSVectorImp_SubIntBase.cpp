@@ -72,11 +72,16 @@ VokSVectorImp_SubIntBase& VokSVectorImp_SubIntBase::operator=(const VokSVectorIm
   if (this == &other) {
     return *this;
   }
-  ReleaseElements(fData);
-  fData = other.fCapacity == 0 ? nullptr : AllocateElements(other.fCapacity);
-  fValid = fData != nullptr || other.fCapacity == 0 ? 1 : 0;
-  fCapacity = fData != nullptr ? other.fCapacity : 0;
-  fSize = fData != nullptr ? other.fSize : 0;
+  // The capacity is taken over, for searches tell it. Slots of the same number are used again, emptied as fresh ones.
+  if (fCapacity != other.fCapacity) {
+    ReleaseElements(fData);
+    fData = other.fCapacity == 0 ? nullptr : AllocateElements(other.fCapacity);
+    fCapacity = fData != nullptr ? other.fCapacity : 0;
+  } else if (fData != nullptr) {
+    std::fill(fData + other.fSize, fData + fCapacity, SubIntBase());
+  }
+  fValid = fCapacity == other.fCapacity ? 1 : 0;
+  fSize = fValid != 0 ? other.fSize : 0;
   fDelta = other.fDelta;
   fFactor = other.fFactor;
   fBitwiseCopy = other.fBitwiseCopy;
@@ -185,6 +190,16 @@ unsigned VokSVectorImp_SubIntBase::Size() const {
 
 unsigned VokSVectorImp_SubIntBase::Delta() const {
   return fDelta;
+}
+
+int VokSVectorImp_SubIntBase::AssignNumbers(const VokLong* numbers, unsigned n) noexcept {
+  fSize = 0;
+  if (n > fCapacity && Resize(n) == 0) {
+    return 0;
+  }
+  std::copy_n(numbers, n, GetNumbers());
+  fSize = n;
+  return 1;
 }
 
 int VokSVectorImp_SubIntBase::Resize(unsigned n) noexcept {

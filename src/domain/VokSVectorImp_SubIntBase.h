@@ -62,6 +62,16 @@ class VOKTARN_EXPORT VokSVectorImp_SubIntBase {
   const SubIntBase& operator[](unsigned i) const noexcept { return fData[i]; }
   SubIntBase& operator[](unsigned i) noexcept { return fData[i]; }
 
+  // The elements as plain numbers, without a call. They stand until the vector grows, is assigned to or ends.
+  const VokLong* GetNumbers() const noexcept { return reinterpret_cast<const VokLong*>(fData); }
+  VokLong* GetNumbers() noexcept { return reinterpret_cast<VokLong*>(fData); }
+  unsigned GetSize() const noexcept { return fSize; }
+  // Keeps the first n elements. Requires: n <= Size().
+  void Truncate(unsigned n) noexcept { fSize = n; }
+  // Replaces the elements by n numbers, which are not this vector's own; takes memory only where the slots do not
+  // suffice. 0 when memory is short; the vector is empty then.
+  int AssignNumbers(const VokLong* numbers, unsigned n) noexcept;
+
   // Makes room for at least n elements. 1 when the array grew; 0 when it need not or cannot.
   int Resize(unsigned n) noexcept;
   // The slots to add when at least `need` more are wanted: a multiple of the step, or by the factor.
@@ -76,3 +86,6 @@ class VOKTARN_EXPORT VokSVectorImp_SubIntBase {
   int fValid;
   int fBitwiseCopy;
 };
+
+static_assert(sizeof(SubIntBase) == sizeof(VokLong) && alignof(SubIntBase) == alignof(VokLong),
+              "an array of elements is read as an array of numbers");

@@ -73,6 +73,26 @@ int VokFenEnumInteger::Intersect(const VokFenEnumInteger& o) {
   return fValues.IsEmpty() != 0 ? SetNilValue() : 1;
 }
 
+int VokFenEnumInteger::IntersectValues(std::span<const VokLong> values) {
+  if (ReadsNil()) {
+    return 0;
+  }
+  if (values.empty()) {
+    return SetNilValue();
+  }
+  if (ReadsAny()) {
+    fEmptyMeansAny = 0;
+    fValues.AssignNumbers(values.data(), static_cast<unsigned>(values.size()));
+    return 1;
+  }
+  return KeepMembers([next = values.begin(), end = values.end()](VokLong v) mutable {
+    while (next != end && *next < v) {
+      ++next;
+    }
+    return next != end && *next == v;
+  });
+}
+
 int VokFenEnumInteger::Intersect(const VokFenEnumInteger& o, Predicate pred, void* ctx) {
   if (IsNil() != 0) {
     return 0;

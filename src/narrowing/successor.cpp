@@ -55,7 +55,7 @@ int VokFenEnumInteger::CalcInverseNextValue(VokFenEnumInteger& x) const {
       return 0;
     }
     x.fValues.DetachAt(n - 1, 1);
-    return x.GetCount() == 0 ? MakeNil(x) : 1;
+    return x.GetCount() == 0 ? x.SetNilValue() : 1;
   }
   VokFenEnumInteger predecessors(*this);
   if (predecessors.GetCount() > 0 && predecessors.GetValue(0) == VokFenSingleInteger::sNC_INT_MIN) {

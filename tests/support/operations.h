@@ -65,10 +65,18 @@ inline bool IsPower(VokLong z, VokLong a, VokLong b) {
   return z == power;
 }
 
-inline const std::vector<Operation>& Operations() {
+// The table calls the operations of I: those on the base class go through the generic entries; a domain type's own
+// overloads, on operands of that type, are called directly.
+template <class I = VokTarnInteger>
+const std::vector<Operation>& Operations() {
 #define HOLDS(condition) [](VokLong x, VokLong y, [[maybe_unused]] VokLong z) { return condition; }
-#define RUN(call) \
-  [](VokTarnInteger& x, VokTarnInteger& y, [[maybe_unused]] VokTarnInteger& z) -> int { return x.Calc##call; }
+#define RUN(call)                                                      \
+  [](VokTarnInteger& r, VokTarnInteger& s, VokTarnInteger& t) -> int { \
+    I& x = static_cast<I&>(r);                                         \
+    I& y = static_cast<I&>(s);                                         \
+    [[maybe_unused]] I& z = static_cast<I&>(t);                        \
+    return x.Calc##call;                                               \
+  }
   static const struct {
     const char* relation;
     bool (*holds)(VokLong, VokLong, VokLong);
