@@ -1,14 +1,20 @@
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "constraints/VokTarnConstraintOf.h"
 
-// All arguments, integers of any types, have different values.
+// All arguments, integers of any types, have different values; where there are constants, each argument plus its
+// constant.
 //
 // Strength  Domain consistent while at most 256 arguments with 16384 possible values in all are open: a value stays
 //           when some assignment with all values different has it. Beyond that, and beside undefined
 //           arguments, values that have become known leave the others.
 // Cost      Of n arguments, k known and e possible values in all: O(k (n - k)) removals, and O(n e) for the matching at
-//           worst, see valueMatching.h.
+//           worst, see valueMatching.h. Up to 64 arguments within a window of 64 values are words: O(n + e) for most
+//           calls, because the matching of the last one is mended; O(n^2) where arguments have only each other's
+//           values.
 class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstraintOf<VokTarnAllDifferentConstraint> {
  public:
   static const char* const sIdent;
@@ -23,4 +29,13 @@ class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstra
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;
+
+ private:
+  std::int64_t GetOffset(unsigned i) const noexcept;
+  int PropagateSmall(const VokTarnObjectEnvironment& environment, std::int64_t base) const;
+  int EliminateKnown(const VokTarnObjectEnvironment& environment) const;
+  int EliminateUnsupported(const VokTarnObjectEnvironment& environment) const;
+
+  // The values of the last matching: a hint only.
+  mutable std::vector<VokLong> fPartners;
 };

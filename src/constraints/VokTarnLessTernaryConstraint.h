@@ -12,9 +12,16 @@ class VOKTARN_EXPORT VokTarnLessTernaryConstraint final : public VokTarnConstrai
   using VokTarnConstraintOf::VokTarnConstraintOf;
 
   Priority GetPriority() const noexcept override { return Unary; }
+  // As a statement; its value could be told more.
+  VokTarnEvent GetEvent(unsigned) const noexcept override {
+    return HasValue() ? VokTarnEvent::Domain : VokTarnEvent::Bounds;
+  }
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;
+
+ private:
+  bool HasValue() const noexcept { return GetArguments().size() > 2 && GetArguments()[2] != vokNoValue; }
 };

@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <limits>
 #include <vector>
 
 #include "constraints/VokTarnAllDifferentConstraint.h"
@@ -13,19 +16,274 @@ namespace {
 constexpr unsigned kMostMatched = 256;
 constexpr int kMostValues = 16384;
 
-bool HasDuplicate(std::vector<VokLong>& values) {
+using Bits = std::uint64_t;
+constexpr unsigned kMostBits = 64;
+
+bool HasDuplicate(std::vector<std::int64_t>& values) {
   std::sort(values.begin(), values.end());
   return std::adjacent_find(values.begin(), values.end()) != values.end();
 }
 
+constexpr Bits Bit(unsigned i) {
+  return Bits{1} << i;
+}
+
+// The bits from `first` to `last`.
+constexpr Bits Range(unsigned first, unsigned last) {
+  return (~Bits{0} >> (kMostBits - 1 - (last - first))) << first;
+}
+
+// Calls visit(position) for each bit that is set, from the lowest.
+template <class Visit>
+void ForEachBit(Bits bits, Visit visit) {
+  for (; bits != 0; bits &= bits - 1) {
+    visit(static_cast<unsigned>(std::countr_zero(bits)));
+  }
+}
+
+// The arguments when they are at most 64 and their values lie in a window of 64: every set of values, and of
+// arguments, is a word.
+class SmallMatching {
+ public:
+  SmallMatching(unsigned size, std::int64_t base) : fSize(size), fBase(base) {}
+
+  void Set(unsigned i, Bits domain) { fDomains[i] = domain; }
+  Bits GetDomain(unsigned i) const { return fDomains[i]; }
+  std::int64_t GetBase() const { return fBase; }
+
+  // Takes what is known of one argument from the others. False when no assignment is left.
+  bool EliminateKnown();
+  // Takes the values that no assignment with all values different has: by J.-C. Régin, as in valueMatching.h. The
+  // partners that a matching gave an argument last are tried first, and replaced. False when no assignment is left.
+  bool EliminateUnsupported(std::vector<VokLong>& partners);
+
+ private:
+  bool Match(std::vector<VokLong>& partners);
+  bool Augment(unsigned i, Bits& visited);
+  void SetPartner(unsigned i, unsigned value) {
+    fPartner[i] = value;
+    fOwner[value] = i;
+    fTaken |= Bit(value);
+  }
+
+  unsigned fSize;
+  std::int64_t fBase;
+  Bits fTaken = 0;
+  std::array<Bits, kMostBits> fDomains;
+  std::array<unsigned, kMostBits> fPartner;  // per argument, its value in the matching
+  std::array<unsigned, kMostBits> fOwner;    // per value that is taken, its argument
+};
+
+bool SmallMatching::EliminateKnown() {
+  Bits known = 0;
+  Bits done = 0;  // the arguments whose value is in `known`
+  for (bool isChanged = true; isChanged;) {
+    isChanged = false;
+    for (unsigned i = 0; i < fSize; ++i) {
+      if ((done & Bit(i)) != 0) {
+        continue;
+      }
+      fDomains[i] &= ~known;
+      if (fDomains[i] == 0) {
+        return false;
+      }
+      if (std::has_single_bit(fDomains[i])) {
+        known |= fDomains[i];
+        done |= Bit(i);
+        isChanged = true;
+      }
+    }
+  }
+  return true;
+}
+
+bool SmallMatching::Augment(unsigned i, Bits& visited) {
+  const Bits free = fDomains[i] & ~fTaken;
+  if (free != 0) {
+    SetPartner(i, static_cast<unsigned>(std::countr_zero(free)));
+    return true;
+  }
+  while (const Bits open = fDomains[i] & ~visited) {
+    const auto value = static_cast<unsigned>(std::countr_zero(open));
+    visited |= Bit(value);
+    if (Augment(fOwner[value], visited)) {
+      SetPartner(i, value);
+      return true;
+    }
+  }
+  return false;
+}
+
+bool SmallMatching::Match(std::vector<VokLong>& partners) {
+  Bits unmatched = 0;
+  for (unsigned i = 0; i < fSize; ++i) {
+    const std::int64_t last = std::int64_t{partners[i]} - fBase;
+    if (last >= 0 && last < kMostBits && (fDomains[i] & ~fTaken & Bit(static_cast<unsigned>(last))) != 0) {
+      SetPartner(i, static_cast<unsigned>(last));
+    } else {
+      unmatched |= Bit(i);
+    }
+  }
+  bool exists = true;
+  ForEachBit(unmatched, [&](unsigned i) {
+    Bits visited = 0;
+    exists = exists && Augment(i, visited);
+  });
+  for (unsigned i = 0; i < fSize && exists; ++i) {
+    partners[i] = static_cast<VokLong>(fBase + fPartner[i]);
+  }
+  return exists;
+}
+
+bool SmallMatching::EliminateUnsupported(std::vector<VokLong>& partners) {
+  if (!Match(partners)) {
+    return false;
+  }
+  // An argument that can move to a value nobody has, at once or by others moving on, sets its own value free.
+  Bits stuck = Range(0, fSize - 1);
+  Bits free = ~fTaken;
+  for (Bits before = 0; before != free;) {
+    before = free;
+    ForEachBit(stuck, [&](unsigned i) {
+      if ((fDomains[i] & free) != 0) {
+        free |= Bit(fPartner[i]);
+        stuck &= ~Bit(i);
+      }
+    });
+  }
+  if (stuck == 0) {
+    return true;
+  }
+  // The others have only each other's values, and exchange them along cycles: reach[i] are the arguments that i can
+  // push on (S. Warshall, "A theorem on Boolean matrices", 1962).
+  std::array<Bits, kMostBits> reach;
+  ForEachBit(stuck, [&](unsigned i) {
+    reach[i] = 0;
+    ForEachBit(fDomains[i], [&](unsigned value) { reach[i] |= Bit(fOwner[value]); });
+  });
+  ForEachBit(stuck, [&](unsigned k) {
+    ForEachBit(stuck, [&](unsigned i) { reach[i] |= (reach[i] & Bit(k)) != 0 ? reach[k] : 0; });
+  });
+  Bits stuckValues = 0;
+  ForEachBit(stuck, [&](unsigned i) { stuckValues |= Bit(fPartner[i]); });
+  for (unsigned i = 0; i < fSize; ++i) {
+    Bits kept = fDomains[i] & ~stuckValues;
+    if ((stuck & Bit(i)) != 0) {
+      ForEachBit(fDomains[i], [&](unsigned value) {
+        const unsigned owner = fOwner[value];
+        kept |= owner == i || (reach[owner] & Bit(i)) != 0 ? Bit(value) : 0;
+      });
+    }
+    fDomains[i] = kept;
+  }
+  return true;
+}
+
+// The possible values of an argument as bits, the least being `first` above the window's base.
+Bits ReadBits(const VokTarnObjectEnvironment& environment, unsigned i, unsigned first) {
+  const std::span<const VokLong> members = environment.Members(i);
+  const VokLong lower = environment.Lower(i);
+  if (members.empty() && IsInterval(environment.Integer(i))) {
+    return Range(first, first + static_cast<unsigned>(environment.Upper(i) - lower));
+  }
+  Bits bits = 0;
+  if (!members.empty()) {
+    for (const VokLong v : members) {
+      bits |= Bit(first + static_cast<unsigned>(v - lower));
+    }
+    return bits;
+  }
+  for (const VokLong v : ListValues(environment.Integer(i))) {
+    bits |= Bit(first + static_cast<unsigned>(v - lower));
+  }
+  return bits;
+}
+
+}  // namespace
+
+std::int64_t VokTarnAllDifferentConstraint::GetOffset(unsigned i) const noexcept {
+  return GetConstants().empty() ? 0 : GetConstants()[i];
+}
+
+bool VokTarnAllDifferentConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
+  return AreIntegers(environment, 0, environment.Size()) &&
+         (GetConstants().empty() || GetConstants().size() == environment.Size());
+}
+
+bool VokTarnAllDifferentConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
+  std::vector<std::int64_t> values(environment.Size());
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    values[i] = ExactValue(environment, i) + GetOffset(i);
+  }
+  return !HasDuplicate(values);
+}
+
+int VokTarnAllDifferentConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  if (environment.Size() < 2) {
+    return 0;
+  }
+  std::int64_t lower = std::numeric_limits<std::int64_t>::max();
+  std::int64_t upper = std::numeric_limits<std::int64_t>::min();
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    lower = std::min(lower, environment.Lower(i) + GetOffset(i));
+    upper = std::max(upper, environment.Upper(i) + GetOffset(i));
+  }
+  if (environment.Size() <= kMostBits && upper - lower < std::int64_t{kMostBits}) {
+    return PropagateSmall(environment, lower);
+  }
+  const int changed = EliminateKnown(environment);
+  return environment.IsFailed() ? changed : changed | EliminateUnsupported(environment);
+}
+
+int VokTarnAllDifferentConstraint::PropagateSmall(const VokTarnObjectEnvironment& environment,
+                                                  std::int64_t base) const {
+  const unsigned size = environment.Size();
+  SmallMatching matching(size, base);
+  std::array<Bits, kMostBits> before;
+  for (unsigned i = 0; i < size; ++i) {
+    before[i] = ReadBits(environment, i, static_cast<unsigned>(environment.Lower(i) + GetOffset(i) - base));
+    matching.Set(i, before[i]);
+  }
+  fPartners.resize(size);
+  if (!matching.EliminateKnown() || !matching.EliminateUnsupported(fPartners)) {
+    return environment.Fail();
+  }
+  int changed = 0;
+  bool isExact = true;
+  for (unsigned i = 0; i < size; ++i) {
+    const Bits kept = matching.GetDomain(i);
+    if (kept == before[i]) {
+      continue;
+    }
+    const std::int64_t zero = base - GetOffset(i);
+    const auto toValue = [zero](int bit) { return static_cast<VokLong>(zero + bit); };
+    if (environment.Members(i).empty()) {
+      // An interval keeps the holes: the next call may find more.
+      isExact = false;
+      changed |= KeepBetween(environment, i, toValue(std::countr_zero(kept)),
+                             toValue(static_cast<int>(std::bit_width(kept)) - 1));
+      ForEachBit(before[i] & ~kept,
+                 [&](unsigned bit) { changed |= RemoveValue(environment, i, toValue(static_cast<int>(bit))); });
+      continue;
+    }
+    VokTarnInteger& x = environment.NarrowInteger(i);
+    ForEachBit(before[i] & ~kept, [&](unsigned bit) { x.RemoveExactValue(toValue(static_cast<int>(bit))); });
+    changed |= environment.Note(i, 1);
+  }
+  if (isExact) {
+    environment.NoteFixpoint();
+  }
+  return changed;
+}
+
 // Takes every value that is known from the arguments that are open, until no further one becomes known.
-int EliminateKnown(const VokTarnObjectEnvironment& environment) {
+int VokTarnAllDifferentConstraint::EliminateKnown(const VokTarnObjectEnvironment& environment) const {
   int changed = 0;
   std::vector<unsigned> open;
-  std::vector<VokLong> known;
+  std::vector<std::int64_t> known;
   for (unsigned i = 0; i < environment.Size(); ++i) {
-    if (environment.Value(i).GetCardinality() == 1) {
-      known.push_back(environment.Integer(i).GetLowerBound());
+    if (environment.IsSingle(i)) {
+      known.push_back(environment.Lower(i) + GetOffset(i));
     } else {
       open.push_back(i);
     }
@@ -34,17 +292,20 @@ int EliminateKnown(const VokTarnObjectEnvironment& environment) {
     if (HasDuplicate(known)) {
       return environment.Fail();
     }
-    std::vector<VokLong> becameKnown;
+    std::vector<std::int64_t> becameKnown;
     std::vector<unsigned> stillOpen;
     for (const unsigned i : open) {
-      for (const VokLong v : known) {
-        changed |= RemoveValue(environment, i, v);
+      for (const std::int64_t v : known) {
+        const std::int64_t own = v - GetOffset(i);
+        if (own >= environment.Lower(i) && own <= environment.Upper(i)) {
+          changed |= RemoveValue(environment, i, static_cast<VokLong>(own));
+        }
       }
       if (environment.IsFailed()) {
         return changed;
       }
-      if (environment.Value(i).GetCardinality() == 1) {
-        becameKnown.push_back(environment.Integer(i).GetLowerBound());
+      if (environment.IsSingle(i)) {
+        becameKnown.push_back(environment.Lower(i) + GetOffset(i));
       } else {
         stillOpen.push_back(i);
       }
@@ -57,11 +318,11 @@ int EliminateKnown(const VokTarnObjectEnvironment& environment) {
 
 // Takes the values that no assignment with all values different has. An argument that is known already has no other
 // argument's value after the elimination, so only the open ones are matched.
-int EliminateUnsupported(const VokTarnObjectEnvironment& environment) {
+int VokTarnAllDifferentConstraint::EliminateUnsupported(const VokTarnObjectEnvironment& environment) const {
   std::vector<unsigned> open;
   int total = 0;
   for (unsigned i = 0; i < environment.Size(); ++i) {
-    const int cardinality = environment.Value(i).GetCardinality();
+    const int cardinality = environment.Cardinality(i);
     if (cardinality == 1) {
       continue;
     }
@@ -71,10 +332,14 @@ int EliminateUnsupported(const VokTarnObjectEnvironment& environment) {
     total += cardinality;
     open.push_back(i);
   }
-  std::vector<std::vector<VokLong>> domains;
+  std::vector<std::vector<std::int64_t>> domains;
   domains.reserve(open.size());
   for (const unsigned i : open) {
-    domains.push_back(ListValues(environment.Integer(i)));
+    const std::vector<VokLong> values = ListValues(environment.Integer(i));
+    domains.emplace_back(values.begin(), values.end());
+    for (std::int64_t& v : domains.back()) {
+      v += GetOffset(i);
+    }
   }
   VokTarnValueMatching matching(std::move(domains));
   if (!matching.Exists()) {
@@ -82,26 +347,7 @@ int EliminateUnsupported(const VokTarnObjectEnvironment& environment) {
   }
   int changed = 0;
   for (const auto& [position, v] : matching.FindUnsupported()) {
-    changed |= RemoveValue(environment, open[position], v);
+    changed |= RemoveValue(environment, open[position], static_cast<VokLong>(v - GetOffset(open[position])));
   }
   return changed;
-}
-
-}  // namespace
-
-bool VokTarnAllDifferentConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
-  return AreIntegers(environment, 0, environment.Size());
-}
-
-bool VokTarnAllDifferentConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
-  std::vector<VokLong> values(environment.Size());
-  for (unsigned i = 0; i < environment.Size(); ++i) {
-    values[i] = environment.Integer(i).GetLowerBound();
-  }
-  return !HasDuplicate(values);
-}
-
-int VokTarnAllDifferentConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
-  const int changed = EliminateKnown(environment);
-  return environment.IsFailed() ? changed : changed | EliminateUnsupported(environment);
 }

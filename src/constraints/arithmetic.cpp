@@ -1,5 +1,8 @@
 // Sum, product, remainder and power. The result works: its narrowing operations are given the operands, which the
 // choice of the operator has brought to types that they take.
+#include <algorithm>
+#include <array>
+
 #include "constraints/VokTarnAdditionConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
 #include "constraints/VokTarnPowerConstraint.h"
@@ -26,6 +29,25 @@ int RunUntilFailed(const VokTarnObjectEnvironment& environment, Steps... steps) 
   return changed;
 }
 
+// Whether one pass over the arguments of a sum leaves nothing to a second: every value that is left has a partner then,
+// provided that no operation gives up because a set of candidates is too large, and none is clamped.
+bool IsOnePassEnough(const VokTarnObjectEnvironment& environment) {
+  constexpr std::int64_t kMostCandidates = 1023;
+  constexpr VokLong kFarInside = 1'000'000'000;
+  std::array<std::int64_t, 3> sizes;
+  for (const unsigned i : {kA, kB, kResult}) {
+    sizes[i] = static_cast<std::int64_t>(environment.Members(i).size());
+    if (sizes[i] != 0 && (environment.Lower(i) < -kFarInside || environment.Upper(i) > kFarInside)) {
+      return false;
+    }
+  }
+  const bool isResultKnown = environment.Cardinality(kResult) >= 0;
+  return sizes[kA] != 0 && sizes[kB] != 0 && (sizes[kResult] != 0 || !isResultKnown) &&
+         sizes[kA] * sizes[kB] <= kMostCandidates &&
+         sizes[kResult] * std::max(sizes[kA], sizes[kB]) <= kMostCandidates && !environment.AreSame(kA, kB) &&
+         !environment.AreSame(kA, kResult) && !environment.AreSame(kB, kResult);
+}
+
 }  // namespace
 
 std::optional<std::int64_t> VokTarnAdditionConstraint::Compute(std::int64_t a, std::int64_t b) const {
@@ -36,6 +58,9 @@ int VokTarnAdditionConstraint::Propagate(const VokTarnObjectEnvironment& environ
   const VokTarnInteger& a = environment.Integer(kA);
   const VokTarnInteger& b = environment.Integer(kB);
   const VokTarnInteger& r = environment.Integer(kResult);
+  if (IsOnePassEnough(environment)) {
+    environment.NoteFixpoint();
+  }
   return RunUntilFailed(
       environment, [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcSumValue(a, b)); },
       [&] { return environment.Note(kA, r.CalcFirstInverseSumValue(environment.NarrowInteger(kA), b)); },

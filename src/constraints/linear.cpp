@@ -60,10 +60,9 @@ std::int64_t VokTarnLinearConstraint::GetCoefficient(unsigned i) const noexcept 
 
 VokTarnLinearConstraint::Term VokTarnLinearConstraint::MakeTerm(const VokTarnObjectEnvironment& environment,
                                                                 unsigned i) const {
-  const VokTarnInteger& x = environment.Integer(i);
   const std::int64_t c = GetCoefficient(i);
-  const std::int64_t least = x.GetLowerBound();
-  const std::int64_t greatest = x.GetUpperBound();
+  const std::int64_t least = environment.Lower(i);
+  const std::int64_t greatest = environment.Upper(i);
   if (least > kLargest || greatest < -kLargest) {
     return {1, 0};
   }

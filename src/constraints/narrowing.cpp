@@ -7,10 +7,6 @@
 
 namespace {
 
-bool IsSingleValued(const VokTarnAny& value) {
-  return value.GetCardinality() == 1;
-}
-
 bool IsA(const VokTarnAny& value, const char* ident) {
   return value.IsDerivedFrom(ident) != 0;
 }
@@ -60,7 +56,7 @@ int TakeValues(const VokTarnObjectEnvironment& environment, unsigned i, std::spa
 }  // namespace
 
 int KeepAtMost(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit) {
-  if (limit >= environment.Integer(i).GetUpperBound() || limit <= SubIntBase::sMin || limit >= SubIntBase::sMax) {
+  if (limit >= environment.Upper(i) || limit <= SubIntBase::sMin || limit >= SubIntBase::sMax) {
     return 0;
   }
   const VokFenSingleInteger bound(static_cast<VokLong>(limit));
@@ -68,7 +64,7 @@ int KeepAtMost(const VokTarnObjectEnvironment& environment, unsigned i, std::int
 }
 
 int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit) {
-  if (limit <= environment.Integer(i).GetLowerBound() || limit <= SubIntBase::sMin || limit >= SubIntBase::sMax) {
+  if (limit <= environment.Lower(i) || limit <= SubIntBase::sMin || limit >= SubIntBase::sMax) {
     return 0;
   }
   const VokFenSingleInteger bound(static_cast<VokLong>(limit));
@@ -76,8 +72,8 @@ int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::in
 }
 
 int KeepBetween(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper) {
-  const std::int64_t least = environment.Integer(i).GetLowerBound();
-  const std::int64_t greatest = environment.Integer(i).GetUpperBound();
+  const std::int64_t least = environment.Lower(i);
+  const std::int64_t greatest = environment.Upper(i);
   if (lower <= least && upper >= greatest) {
     return 0;
   }
@@ -112,8 +108,20 @@ int KeepValues(const VokTarnObjectEnvironment& environment, unsigned i, std::spa
 }
 
 int RemoveValue(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
-  const VokTarnInteger& x = environment.Integer(i);
-  if (x.IsUndefined() != 0 || !x.IsPossible(v)) {
+  if (environment.Cardinality(i) < 0 || v < environment.Lower(i) || v > environment.Upper(i)) {
+    return 0;
+  }
+  if (environment.IsSingle(i)) {
+    return environment.MakeNil(i);
+  }
+  const std::span<const VokLong> members = environment.Members(i);
+  if (!members.empty()) {
+    // A listed value that keeps others can be taken out without asking the type.
+    return std::binary_search(members.begin(), members.end(), v)
+               ? environment.Note(i, environment.NarrowInteger(i).RemoveExactValue(v))
+               : 0;
+  }
+  if (!environment.Integer(i).IsPossible(v)) {
     return 0;
   }
   return environment.Note(i, environment.NarrowInteger(i).CalcUnequalValue(VokFenSingleInteger(v)));
@@ -151,7 +159,7 @@ int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
   }
   int changed = 0;
   for (const auto& [known, other] : {std::pair(i, j), std::pair(j, i)}) {
-    if (environment.IsFailed() || !IsSingleValued(environment.Value(known))) {
+    if (environment.IsFailed() || !environment.IsSingle(known)) {
       continue;
     }
     const std::int64_t v = ExactValue(environment, known);
@@ -167,11 +175,11 @@ int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
     // Bounds alone would take one value after the other from a value that is to be below itself.
     return gap > 0 ? environment.Fail() : 0;
   }
-  const int changed = KeepAtMost(environment, i, std::int64_t{environment.Integer(j).GetUpperBound()} - gap);
+  const int changed = KeepAtMost(environment, i, std::int64_t{environment.Upper(j)} - gap);
   if (environment.IsFailed()) {
     return changed;
   }
-  return changed | KeepAtLeast(environment, j, std::int64_t{environment.Integer(i).GetLowerBound()} + gap);
+  return changed | KeepAtLeast(environment, j, std::int64_t{environment.Lower(i)} + gap);
 }
 
 bool AreIntegers(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to) {
@@ -193,10 +201,7 @@ bool AreTruthValues(const VokTarnObjectEnvironment& environment, unsigned from, 
 }
 
 std::int64_t ExactValue(const VokTarnObjectEnvironment& environment, unsigned i) {
-  if (IsA(environment.Value(i), VokTarnBoolean::sIdent)) {
-    return environment.Truth(i).IsPossible(1);
-  }
-  return environment.Integer(i).GetLowerBound();
+  return environment.Lower(i);
 }
 
 std::vector<VokLong> ListValues(const VokTarnInteger& x) {

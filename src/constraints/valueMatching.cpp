@@ -2,16 +2,16 @@
 
 #include <algorithm>
 
-VokTarnValueMatching::VokTarnValueMatching(std::vector<std::vector<VokLong>> domains)
+VokTarnValueMatching::VokTarnValueMatching(std::vector<std::vector<std::int64_t>> domains)
     : fPossible(domains.size()), fPartner(domains.size(), sNone), fExists(true) {
-  for (const std::vector<VokLong>& domain : domains) {
+  for (const std::vector<std::int64_t>& domain : domains) {
     fValues.insert(fValues.end(), domain.begin(), domain.end());
   }
   std::sort(fValues.begin(), fValues.end());
   fValues.erase(std::unique(fValues.begin(), fValues.end()), fValues.end());
   fOwner.assign(fValues.size(), sNone);
   for (std::size_t i = 0; i < domains.size(); ++i) {
-    for (const VokLong v : domains[i]) {
+    for (const std::int64_t v : domains[i]) {
       fPossible[i].push_back(
           static_cast<unsigned>(std::lower_bound(fValues.begin(), fValues.end(), v) - fValues.begin()));
     }
@@ -71,7 +71,7 @@ void VokTarnValueMatching::Visit(unsigned variable) {
   fStack.erase(first, fStack.end());
 }
 
-std::vector<std::pair<unsigned, VokLong>> VokTarnValueMatching::FindUnsupported() {
+std::vector<std::pair<unsigned, std::int64_t>> VokTarnValueMatching::FindUnsupported() {
   const std::size_t n = fPossible.size();
   fOrder.assign(n, sNone);
   fLowest.assign(n, sNone);
@@ -82,7 +82,7 @@ std::vector<std::pair<unsigned, VokLong>> VokTarnValueMatching::FindUnsupported(
       Visit(i);
     }
   }
-  std::vector<std::pair<unsigned, VokLong>> unsupported;
+  std::vector<std::pair<unsigned, std::int64_t>> unsupported;
   for (unsigned i = 0; i < n; ++i) {
     for (const unsigned v : fPossible[i]) {
       const unsigned owner = fOwner[v];

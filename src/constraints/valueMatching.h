@@ -9,20 +9,19 @@
 // Cost    n variables with e possible values in all: O(n e) for the matching at worst, O(e) for the rest.
 #pragma once
 
+#include <cstdint>
 #include <utility>
 #include <vector>
-
-#include "framework/VokLong.h"
 
 class VokTarnValueMatching {
  public:
   // The possible values of each variable, ascending.
-  explicit VokTarnValueMatching(std::vector<std::vector<VokLong>> domains);
+  explicit VokTarnValueMatching(std::vector<std::vector<std::int64_t>> domains);
 
   // Whether some assignment gives every variable a value of its own.
   bool Exists() const noexcept { return fExists; }
   // The pairs of variable and value that no such assignment has. Requires: Exists().
-  std::vector<std::pair<unsigned, VokLong>> FindUnsupported();
+  std::vector<std::pair<unsigned, std::int64_t>> FindUnsupported();
 
  private:
   static constexpr unsigned sNone = 0xFFFFFFFFU;
@@ -30,7 +29,7 @@ class VokTarnValueMatching {
   bool Augment(unsigned variable, std::vector<unsigned>& visited, unsigned round);
   void Visit(unsigned variable);
 
-  std::vector<VokLong> fValues;                  // all values, ascending
+  std::vector<std::int64_t> fValues;             // all values, ascending
   std::vector<std::vector<unsigned>> fPossible;  // per variable, positions in fValues
   std::vector<unsigned> fOwner;                  // per value, the variable it is matched with, or sNone
   std::vector<unsigned> fPartner;                // per variable, the value it is matched with

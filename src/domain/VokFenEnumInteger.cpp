@@ -2,7 +2,6 @@
 #include "domain/VokFenEnumInteger.h"
 
 #include <cstring>
-#include <type_traits>
 
 #include "domain/elements.h"
 #include "numbers/SDError.h"
@@ -83,12 +82,6 @@ const VokFenEnumInteger* VokFenEnumInteger::CastToEnumInteger(const VokTarnAny* 
 
 VokFenEnumInteger* VokFenEnumInteger::CastToEnumInteger(VokTarnAny* value) {
   return value != nullptr && value->IsDerivedFrom(sIdent) != 0 ? static_cast<VokFenEnumInteger*>(value) : nullptr;
-}
-
-std::span<const VokLong> VokFenEnumInteger::ListMembers(const VokTarnAny& value) {
-  static_assert(sizeof(SubIntBase) == sizeof(VokLong) && std::is_standard_layout_v<SubIntBase>);
-  const VokSVectorImp_SubIntBase& values = static_cast<const VokFenEnumInteger&>(value).fValues;
-  return {reinterpret_cast<const VokLong*>(&values[0]), values.VokSVectorImp_SubIntBase::Size()};
 }
 
 int VokFenEnumInteger::SetNilValue() {

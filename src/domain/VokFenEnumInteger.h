@@ -217,9 +217,6 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   int CalcSecondInversePowerValue(const VokTarnNumber& a, VokTarnNumber& b) const override;
   int CalcSecondInversePowerValue(const VokFenEnumInteger& a, VokFenEnumInteger& b) const;
 
-  // The members of a value of this class, for whoever reads them all; see VokTarnObjectDescriptor::Lister.
-  static std::span<const VokLong> ListMembers(const VokTarnAny& value);
-
  private:
   VokSVectorImp_SubIntBase fValues;
   int fEmptyMeansAny;

@@ -44,7 +44,6 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong AddConstraint(std::unique_ptr<VokTarnConstraint> constraint);
 
   VokULong GetValueCount() const noexcept { return static_cast<VokULong>(fValues.size()); }
-  VokTarnAny& GetValue(VokTarnValueId id) noexcept { return *fValues[id].fObject; }
   const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
   // As the value would answer, without a call.
   int GetCardinality(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fSize; }
@@ -67,7 +66,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Whether the work is to stop. For those who drive the network, so that they stop even where nothing propagates.
   bool PollInterrupt() const { return fInterrupt && fInterrupt(); }
 
-  // Write access for search and constraints: saves the value on the trail; NoteChange after each change.
+  // Write access: saves the value on the trail. NoteChange after each change, or the network does not know of it.
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }

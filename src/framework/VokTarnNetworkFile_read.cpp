@@ -170,13 +170,11 @@ class Reader {
       Expect(type != nullptr && type->GetObjectSize() != 0,
              "a type whose values can be built for " + label + ", not " + Quote(typeName));
       fNetwork->AddValue(type, ReadText("the name of " + label));
-      VokTarnAny& value = fNetwork->GetValue(id);
+      VokTarnAny& value = fNetwork->Touch(id);
       VokStreamable* target = &value;
       fStream.ReadObject(target);
       Expect(!fStream.IsFailed() && HasState(value), "a record of type " + Quote(typeName) + " for " + label);
-      if (value.IsNil() != 0) {
-        fNetwork->Fail();
-      }
+      fNetwork->NoteChange(id);
     }
   }
 

@@ -35,6 +35,10 @@ const VokStreamableClass rVokFenEnumInteger(VokFenEnumInteger::CastableIdent, Bu
 
 VokTarnObjectDescriptor* VokFenEnumInteger::MakeDescriptor() {
   sDescriptor = new Descriptor();
+  if (sDescriptor != nullptr) {
+    sDescriptor->SetLister(
+        [](const VokTarnAny& value) { return static_cast<const VokFenEnumInteger&>(value).GetMembers(); });
+  }
   return sDescriptor;
 }
 

@@ -109,7 +109,8 @@ class Rows : public testing::Test {
   }
 
   // Undefined, single-valued, or a small random domain in the type's own text form.
-  void Fill(VokTarnAny& value, VokTarnType type, int from, int to) {
+  void Fill(VokTarnNetwork& network, VokTarnValueId id, int from, int to) {
+    const VokTarnType type = network.GetType(id);
     const std::string_view name = type->GetName().View();
     std::ostringstream text;
     if (Random(0, 6) == 0) {
@@ -132,7 +133,8 @@ class Rows : public testing::Test {
       text << '}';
     }
     std::istringstream is(text.str());
-    value.InputValue(is);
+    network.Touch(id).InputValue(is);
+    network.NoteChange(id);
     ASSERT_FALSE(is.fail()) << name << ' ' << text.str();
   }
 
@@ -145,7 +147,7 @@ class Rows : public testing::Test {
       return;
     }
     ids.push_back(network.AddValue(Concrete(VokTarnInteger::sDescriptor)));
-    Fill(network.GetValue(ids.back()), network.GetType(ids.back()), from, to);
+    Fill(network, ids.back(), from, to);
   }
 
   // How much a constraint over a list promises of distinct arguments: no value (or no bound) without a support is left.
@@ -169,14 +171,14 @@ void Rows::CheckOnce(const VokTarnOperatorDescriptor& row, Function function, bo
       operands.push_back(operands[0]);
     } else {
       operands.push_back(network.AddValue(Concrete(row.GetOperandType(i))));
-      Fill(network.GetValue(operands.back()), network.GetType(operands.back()), -4, 4);
+      Fill(network, operands.back(), -4, 4);
     }
     types.push_back(network.GetType(operands.back()));
   }
   VokTarnValueId result = vokNoValue;
   if (withResult) {
     result = network.AddValue(Concrete(row.GetResultType()));
-    Fill(network.GetValue(result), network.GetType(result), -9, 9);
+    Fill(network, result, -9, 9);
   }
   const auto choice = fModules.fTable.Choose(row.GetName().View(), types);
   ASSERT_TRUE(choice.has_value());

@@ -73,7 +73,8 @@ Saved BuildSample(LoadedModules& modules) {
     const VokTarnValueId id = network.AddValue(modules.Type(type), name);
     if (*domain != '\0') {
       std::istringstream text(domain);
-      network.GetValue(id).InputValue(text);
+      network.Touch(id).InputValue(text);
+      network.NoteChange(id);
     }
     saved.fContents.fVariables.push_back(id);
     return id;
@@ -141,7 +142,7 @@ TEST(NetworkFile, TheObjectiveComesBack) {
 TEST(NetworkFile, AFailedNetworkIsRestoredFailed) {
   LoadedModules modules;
   const std::function<void(VokTarnNetwork&)> fail[] = {
-      [](VokTarnNetwork& network) { network.GetValue(1).SetNilValue(); },  // nobody was told
+      [](VokTarnNetwork& network) { network.Touch(1).SetNilValue(); },  // nobody was told
       [](VokTarnNetwork& network) { network.Fail(); },
   };
   for (const auto& step : fail) {
@@ -181,7 +182,7 @@ TEST(NetworkFile, WhatCannotBeRestoredIsNotSaved) {
             "the object streams");
   const Descriptor<ForgetfulInteger> descriptor("forgetful int");
   Saved forgetful;
-  auto& value = static_cast<VokTarnInteger&>(forgetful.fNetwork->GetValue(forgetful.fNetwork->AddValue(&descriptor)));
+  auto& value = static_cast<VokTarnInteger&>(forgetful.fNetwork->Touch(forgetful.fNetwork->AddValue(&descriptor)));
   EXPECT_THAT(Write(forgetful), HasSubstr("VTN")) << "an undefined value needs no record";
   value.SetExactValue(4);
   EXPECT_THAT(Write(forgetful), HasSubstr("its record does not hold its domain"));
@@ -252,7 +253,8 @@ TEST(NetworkFile, KeepsItsBytes) {
   const VokTarnValueId y = saved.fNetwork->AddValue(modules.Type("enum int"), "y");
   for (const auto& [id, domain] : {std::pair(x, "[1, 3]"), std::pair(y, "{2, 3}")}) {
     std::istringstream text(domain);
-    saved.fNetwork->GetValue(id).InputValue(text);
+    saved.fNetwork->Touch(id).InputValue(text);
+    saved.fNetwork->NoteChange(id);
   }
   modules.Post(*saved.fNetwork, "<", {x, y});
   saved.fContents = {{"VokFenEnumIntegers"}, {x, y}, {}, "x.tarn", "x, y : enum int [1, 3]; x < y;"};

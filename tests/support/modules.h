@@ -31,7 +31,8 @@ class LoadedModules {
     const VokTarnValueId id = network.AddValue(Type(type));
     if (!domain.empty()) {
       std::istringstream text(domain);
-      network.GetValue(id).InputValue(text);
+      network.Touch(id).InputValue(text);
+      network.NoteChange(id);
       EXPECT_FALSE(text.fail()) << type << " " << domain;
     }
     return id;

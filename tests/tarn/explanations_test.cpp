@@ -33,10 +33,12 @@ class Explanations : public testing::Test {
       alone.AddValue(network.GetType(id));
     }
     for (const VokTarnTrace::Input& input : step.fInputs) {
-      alone.GetValue(input.fValue).Assign(*input.fState.fDomain);
+      alone.Touch(input.fValue).Assign(*input.fState.fDomain);
+      alone.NoteChange(input.fValue);
     }
     for (const VokTarnTrace::Change& change : step.fChanges) {
-      alone.GetValue(change.fValue).Assign(*change.fBefore.fDomain);
+      alone.Touch(change.fValue).Assign(*change.fBefore.fDomain);
+      alone.NoteChange(change.fValue);
     }
     VokTarnConstraint* constraint = static_cast<const VokTarnConstraintDescriptor*>(original.GetDescriptor())
                                         ->Create(original.GetArguments(), original.GetForm(), original.GetConstants());
