@@ -20,7 +20,7 @@ void Model::AddStatement(Statement statement) {
   fStatements.push_back(std::move(statement));
 }
 
-const Formula* Model::FindList(std::string_view name) const noexcept {
+const Formula* Model::FindList(std::string_view name) const {
   const auto found = fLists.find(name);
   return found == fLists.end() ? nullptr : &std::get<ListDefinition>(fStatements[found->second].fBody).fList;
 }

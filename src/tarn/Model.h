@@ -114,7 +114,7 @@ class Model {
   const std::vector<Variable>& GetVariables() const noexcept { return fVariables; }
   std::optional<VariableIndex> FindVariable(std::string_view name) const noexcept;
   // The expressions of a named list, or null.
-  const Formula* FindList(std::string_view name) const noexcept;
+  const Formula* FindList(std::string_view name) const;
   const std::vector<Statement>& GetStatements() const noexcept { return fStatements; }
   // The place of the objective among the statements.
   std::optional<std::size_t> GetObjective() const noexcept { return fObjective; }

@@ -82,7 +82,7 @@ class Parser {
   void AppendNamedList(Members& members);
   // An expression, or a list whose members are appended.
   void ParseArgument(Members& members);
-  bool IsListAhead() const noexcept;
+  bool IsListAhead() const;
   NodeIndex AddCall(std::string_view text, std::size_t offset, const Members& members, bool hasBeside);
   NodeIndex ParseParenthesis();
   // A declared name stands for its variable, also when a module opened later has an operator of that name.

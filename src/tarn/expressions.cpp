@@ -165,7 +165,7 @@ void Parser::ExpectClosing(std::size_t open, std::string_view closing) {
   }
 }
 
-bool Parser::IsListAhead() const noexcept {
+bool Parser::IsListAhead() const {
   return fToken.Is("[") || (fToken.fKind == Token::Kind::Word && fModel.FindList(fToken.fText) != nullptr);
 }
 
