@@ -24,6 +24,7 @@
 class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
  public:
   class Descriptor;
+  class KernelChoice;
   using Predicate = VokSVectorImp_SubIntBase::Predicate;
 
   static const char* const sIdent;
@@ -109,8 +110,9 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   int KeepMembers(Keep keep);
   // Keeps the first `kept` members, the others having been overwritten. Requires: the set has members.
   int KeepFirstMembers(unsigned kept) noexcept;
-  // Intersection with the set of these values, Nil when there are none. They ascend strictly and may be the set's own.
-  int IntersectValues(std::span<const VokLong> values);
+  // Intersection with the set of the values v + shift, Nil when there are none. They ascend strictly, stay within 32
+  // bits and may be the set's own. A set that is Any takes the flag with them.
+  int IntersectValues(std::span<const VokLong> values, VokLong shift = 0, int emptyMeansAny = 0);
 
   // ---- Set algebra
   int Intersect(const VokFenEnumInteger& o);
