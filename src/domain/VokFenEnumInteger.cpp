@@ -44,6 +44,17 @@ VokFenEnumInteger::VokFenEnumInteger(const VokFenSingleInteger& s, int) noexcept
   }
 }
 
+VokFenEnumInteger::VokFenEnumInteger(SubIntBase* borrowed) noexcept : fEmptyMeansAny(0) {
+  if (*borrowed == VokFenSingleInteger::sNC_INT_ANY) {
+    fEmptyMeansAny = 1;
+  } else if (*borrowed != VokFenSingleInteger::sNC_INT_NIL) {
+    fValues.BorrowElement(*borrowed);
+  }
+}
+
+VokFenEnumInteger::OfSingle::OfSingle(const VokFenSingleInteger& single) noexcept
+    : fElement(ToElement(single.GetExactValue())), fSet(&fElement) {}
+
 VokFenEnumInteger::VokFenEnumInteger(const SubIntBase& v, int) noexcept
     : fValues(kInitialSize, kGrowthStep, 0), fEmptyMeansAny(1) {
   fValues.Add(v);

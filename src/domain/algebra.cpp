@@ -7,6 +7,7 @@
 #include "domain/VokFenEnumInteger.h"
 #include "domain/intersectInto.h"
 #include "domain/kernels/kernels.h"
+#include "domain/scratch.h"
 
 namespace {
 
@@ -34,35 +35,15 @@ int KeepCommon(VokSVectorImp_SubIntBase& members, const VokSVectorImp_SubIntBase
   return kept != size ? 1 : 0;
 }
 
-// Room for the result of an operation, on the stack unless a set holds more members than the limit allows:
-// SimpleInsert does not count.
-class Scratch {
- public:
-  explicit Scratch(unsigned n) {
-    if (n > kOnStack) {
-      fOnHeap = VokSVectorImp_SubIntBase(n + VokFenKernels::kSlack, 0U, 0);
-    }
-    fNumbers = n > kOnStack ? fOnHeap.GetNumbers() : fOnStack;
-  }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-
-  // Null when memory is short.
-  VokLong* GetNumbers() noexcept { return fNumbers; }
-
- private:
-  static constexpr unsigned kOnStack = 2048;
-
-  VokLong fOnStack[kOnStack + VokFenKernels::kSlack];
-  VokSVectorImp_SubIntBase fOnHeap;
-  VokLong* fNumbers;
-};
-
 }  // namespace
 
 int VokFenEnumInteger::Intersect(const VokFenEnumInteger& o) {
   if (o.ReadsAny()) {
     return 0;
+  }
+  if (ReadsAny() && !o.ReadsNil()) {
+    *this = o;
+    return 1;
   }
   return &o == this ? 0 : IntersectValues(o.GetMembers(), 0, o.fEmptyMeansAny);
 }
@@ -82,16 +63,15 @@ int VokFenEnumInteger::IntersectValues(std::span<const VokLong> values, VokLong 
     }
     return 1;
   }
-  Scratch scratch(fValues.GetSize());
+  if (fValues.GetSize() == 0) {
+    return 0;
+  }
+  VokFenDomain::Scratch scratch(fValues.GetSize());
   VokLong* const kept = scratch.GetNumbers();
   if (kept == nullptr) {
     return SetNilValue();
   }
-  const unsigned count = VokFenDomain::IntersectInto(GetMembers(), values, shift, kept);
-  if (count != fValues.GetSize()) {
-    std::copy_n(kept, count, fValues.GetNumbers());
-  }
-  return KeepFirstMembers(count);
+  return ReplaceMembers({kept, VokFenDomain::IntersectInto(GetMembers(), values, shift, kept)});
 }
 
 int VokFenEnumInteger::Intersect(const VokFenEnumInteger& o, Predicate pred, void* ctx) {
@@ -144,7 +124,7 @@ int VokFenEnumInteger::Unite(const VokFenEnumInteger& o) {
     return 1;
   }
   const unsigned n = fValues.GetSize();
-  Scratch scratch(n + o.fValues.GetSize());
+  VokFenDomain::Scratch scratch(n + o.fValues.GetSize());
   VokLong* const united = scratch.GetNumbers();
   if (united == nullptr) {
     return SetNilValue();
