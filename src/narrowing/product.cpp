@@ -83,7 +83,7 @@ int NarrowToQuotients(Narrowed& x, const VokFenEnumInteger& z, const VokFenEnumI
   const bool negates = y.GetCount() > 0 && y.GetMembers().front() < 0;
   return NarrowToPairs(x, y.GetMembers(), dividends.size(), negates ? std::min(least, -greatest) : least,
                        negates ? std::max(greatest, -least) : greatest, [&](VokLong divisor, auto sink) {
-                         const double reciprocal = 1.0 / divisor;
+                         const double reciprocal = divisor == 0 ? 0 : 1.0 / divisor;
                          for (std::size_t i = 0; divisor != 0 && i < dividends.size(); ++i) {
                            const double dividend = dividends[i] + (dividends[i] < 0 ? -0.5 : 0.5);
                            sink(static_cast<VokLong>(dividend * reciprocal));
