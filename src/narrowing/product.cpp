@@ -9,6 +9,7 @@
 //       from the numbers of members of each sign alone.
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "domain/VokFenEnumInteger.h"
 #include "narrowing/dispatchFrame.h"
@@ -58,37 +59,63 @@ std::size_t LeastProducts(Signs a, Signs b) {
          std::max(ChainLength(a.positive, b.negative), ChainLength(a.negative, b.positive));
 }
 
+// Gives the products of a row, in its order, to the sink. Those that are clamped stand at the two ends of the row and
+// are equal at each: two of them do the same as many, for the second one finds the value there, or the candidates full.
+template <class Sink>
+void SinkProducts(VokLong o, std::span<const VokLong> inner, Sink sink) {
+  const std::int64_t magnitude = std::max<std::int64_t>(std::abs(std::int64_t{o}), 1);
+  const auto bound = static_cast<VokLong>(kMax / magnitude);
+  const auto begin = std::lower_bound(inner.begin(), inner.end(), -bound);
+  const auto end = std::upper_bound(begin, inner.end(), bound);
+  const auto sinkTwo = [&](std::span<const VokLong> clamped) {
+    for (const VokLong i : clamped.first(std::min<std::size_t>(clamped.size(), 2))) {
+      sink(SubIntBase::base_mult(o, i));
+    }
+  };
+  sinkTwo({inner.begin(), begin});
+  for (const VokLong i : std::span(begin, end)) {
+    sink(o * i);
+  }
+  sinkTwo({end, inner.end()});
+}
+
 bool AllowsEveryFactor(const VokFenEnumInteger& z, const VokFenEnumInteger& y) {
   return y.ReadsAny() || (y.Contains(0) != 0 && z.Contains(0) != 0);
 }
 
-// The divisors stand in the outer loop. A quotient is at most as large as its dividend, and of dividends inside the
-// range, none is clamped.
-//
-// The quotient comes from a multiplication by the reciprocal, with the dividend moved half a unit away from 0: that
-// lies at least 0.5 / |divisor| from the next integer, while the rounding errors of two operations on doubles, at most
-// 2^31 / |divisor| * 2^-52, do not reach it. So truncation is exact.
+// The divisors stand in the outer loop. The quotients lie between 0 and those by the divisors next to 0; of dividends
+// inside the range, none is clamped.
 template <class Narrowed>
 int NarrowToQuotients(Narrowed& x, const VokFenEnumInteger& z, const VokFenEnumInteger& y) {
   const std::span<const VokLong> dividends = z.GetMembers();
+  const std::span<const VokLong> divisors = y.GetMembers();
   if (dividends.empty() || dividends.front() <= kMin || dividends.back() >= kMax) {
-    return NarrowToPairs(x, y.GetMembers(), dividends.size(), kMin, kMax, [&](VokLong divisor, auto sink) {
+    return NarrowToPairs(x, divisors, dividends.size(), kMin, kMax, [dividends](VokLong divisor, auto sink) {
       for (std::size_t i = 0; divisor != 0 && i < dividends.size(); ++i) {
         sink(SubIntBase::base_div(dividends[i], divisor));
       }
     });
   }
-  const std::int64_t least = std::min<std::int64_t>(dividends.front(), 0);
-  const std::int64_t greatest = std::max<std::int64_t>(dividends.back(), 0);
-  const bool negates = y.GetCount() > 0 && y.GetMembers().front() < 0;
-  return NarrowToPairs(x, y.GetMembers(), dividends.size(), negates ? std::min(least, -greatest) : least,
-                       negates ? std::max(greatest, -least) : greatest, [&](VokLong divisor, auto sink) {
-                         const double reciprocal = divisor == 0 ? 0 : 1.0 / divisor;
-                         for (std::size_t i = 0; divisor != 0 && i < dividends.size(); ++i) {
-                           const double dividend = dividends[i] + (dividends[i] < 0 ? -0.5 : 0.5);
-                           sink(static_cast<VokLong>(dividend * reciprocal));
-                         }
-                       });
+  VokLong lower = 0;
+  VokLong upper = 0;
+  const auto addQuotients = [&](VokLong divisor) {
+    const auto [least, greatest] = std::minmax({dividends.front() / divisor, dividends.back() / divisor});
+    lower = std::min(lower, least);
+    upper = std::max(upper, greatest);
+  };
+  const Signs signs(divisors);
+  if (signs.negative > 0) {
+    addQuotients(divisors[signs.negative - 1]);
+  }
+  if (signs.positive > 0) {
+    addQuotients(divisors[divisors.size() - signs.positive]);
+  }
+  return NarrowToPairs(x, divisors, dividends.size(), lower, upper, [dividends](VokLong divisor, auto sink) {
+    const double reciprocal = Divisors::ReciprocalOf(divisor);
+    for (std::size_t i = 0; divisor != 0 && i < dividends.size(); ++i) {
+      sink(static_cast<VokLong>(Divisors::Quotient(dividends[i], reciprocal)));
+    }
+  });
 }
 
 }  // namespace
@@ -107,22 +134,19 @@ int VokFenEnumInteger::CalcProdValue(const VokFenEnumInteger& a, const VokFenEnu
   const std::span<const VokLong> outer = a.GetMembers();
   const std::span<const VokLong> inner = b.GetMembers();
   const ProductEnds ends(outer, inner);
-  if (!ends.AreInside()) {
-    return NarrowToPairs(*this, outer, inner.size(), std::clamp(ends.lower, kMin, kMax),
-                         std::clamp(ends.upper, kMin, kMax), [inner](VokLong o, auto sink) {
-                           for (const VokLong i : inner) {
-                             sink(SubIntBase::base_mult(o, i));
-                           }
-                         });
-  }
-  if (LeastProducts(Signs(outer), Signs(inner)) > LimitOfCandidates()) {
+  if (ends.AreInside() && LeastProducts(Signs(outer), Signs(inner)) > LimitOfCandidates()) {
     return 0;
   }
-  return NarrowToPairs(*this, outer, inner.size(), ends.lower, ends.upper, [inner](VokLong o, auto sink) {
-    for (const VokLong i : inner) {
-      sink(o * i);
-    }
-  });
+  return NarrowToPairs(*this, outer, inner.size(), std::clamp(ends.lower, kMin, kMax),
+                       std::clamp(ends.upper, kMin, kMax), [inner, inside = ends.AreInside()](VokLong o, auto sink) {
+                         if (!inside) {
+                           SinkProducts(o, inner, sink);
+                           return;
+                         }
+                         for (const VokLong i : inner) {
+                           sink(o * i);
+                         }
+                       });
 }
 
 int VokFenEnumInteger::CalcFirstInverseProdValue(VokTarnNumber& x, const VokTarnNumber& y) const {

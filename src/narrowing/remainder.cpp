@@ -21,37 +21,41 @@ using namespace VokFenNarrowing;
 
 namespace {
 
-// Requires: b is not 0. The quotient of the smallest number by -1 does not exist, the remainder does.
-VokLong Remainder(VokLong a, VokLong b) {
-  return b == -1 ? 0 : a % b;
-}
-
 bool MayDivideByZero(const VokFenEnumInteger& divisors) {
   return divisors.ReadsAny() || divisors.Contains(0) != 0;
 }
 
-// Narrows `narrowed` to the members that fit(member, partner) accepts with one of the partners. A member kept by
+// Keeps the members that fits(member, partner) accepts with one of the partners, given by position. A member kept by
 // several partners counts once: even a set of sMAX_CARD members that are all kept is left alone.
 template <class Fits>
-int KeepFitting(VokFenEnumInteger& narrowed, std::span<const VokLong> partners, Fits fits) {
+int KeepFitting(VokFenEnumInteger& narrowed, std::size_t partners, Fits fits) {
   const std::span<const VokLong> members = narrowed.GetMembers();
-  if (members.empty()) {
+  std::size_t last = 0;
+  const auto isKept = [&](VokLong member) {
+    if (partners > 0 && fits(member, last)) {
+      return true;
+    }
+    for (std::size_t i = 0; i < partners; ++i) {
+      if (fits(member, i)) {
+        last = i;
+        return true;
+      }
+    }
+    return false;
+  };
+  const auto dropped = std::find_if_not(members.begin(), members.end(), isKept);
+  if (dropped == members.end()) {
     return 0;
   }
   // Operands may be the narrowed set, so no member moves before all are settled.
   CandidateValues kept(members.front(), members.back());
-  std::size_t last = 0;
-  for (const VokLong member : members) {
-    for (std::size_t i = 0; i <= partners.size() && !partners.empty(); ++i) {
-      const std::size_t partner = i == 0 ? last : i - 1;
-      if (fits(member, partners[partner])) {
-        last = partner;
-        kept.Insert(member);
-        break;
-      }
+  std::for_each(members.begin(), dropped, [&kept](VokLong member) { kept.Insert(member); });
+  std::for_each(dropped + 1, members.end(), [&](VokLong member) {
+    if (isKept(member)) {
+      kept.Insert(member);
     }
-  }
-  return kept.GetCount() == members.size() ? 0 : kept.Narrow(narrowed);
+  });
+  return kept.Narrow(narrowed);
 }
 
 }  // namespace
@@ -73,9 +77,10 @@ int VokFenEnumInteger::CalcModValue(const VokFenEnumInteger& a, const VokFenEnum
       std::max(std::abs(std::int64_t{divisors.front()}), std::abs(std::int64_t{divisors.back()}));
   const std::int64_t lower = std::max<std::int64_t>(std::min(dividends.front(), 0), 1 - largest);
   const std::int64_t upper = std::min<std::int64_t>(std::max(dividends.back(), 0), largest - 1);
-  return NarrowToPairs(*this, dividends, divisors.size(), lower, upper, [divisors](VokLong dividend, auto sink) {
-    for (const VokLong divisor : divisors) {
-      sink(Remainder(dividend, divisor));
+  const Divisors list(divisors);
+  return NarrowToPairs(*this, dividends, divisors.size(), lower, upper, [&list](VokLong dividend, auto sink) {
+    for (std::size_t i = 0; i < list.GetCount(); ++i) {
+      sink(list.Remainder(dividend, i));
     }
   });
 }
@@ -90,8 +95,9 @@ int VokFenEnumInteger::CalcFirstInverseModValue(VokFenEnumInteger& x, const VokF
     return 0;
   }
   const MemberTest results(*this);
-  return KeepFitting(x, y.GetMembers(), [&results](VokLong dividend, VokLong divisor) {
-    return results.Has(Remainder(dividend, divisor));
+  const Divisors divisors(y.GetMembers());
+  return KeepFitting(x, divisors.GetCount(), [&](VokLong dividend, std::size_t divisor) {
+    return results.Has(divisors.Remainder(dividend, divisor));
   });
 }
 
@@ -100,7 +106,7 @@ int VokFenEnumInteger::CalcFirstInverseModValue(VokFenSingleInteger& x, const Vo
     return 0;
   }
   for (unsigned j = 0; j < y.GetCount(); ++j) {
-    if (Contains(Remainder(x.GetExactValue(), y.GetValue(j))) != 0) {
+    if (Contains(Divisors::Remainder(x.GetExactValue(), y.GetValue(j), Divisors::ReciprocalOf(y.GetValue(j)))) != 0) {
       return 0;
     }
   }
@@ -116,7 +122,9 @@ int VokFenEnumInteger::CalcSecondInverseModValue(const VokFenEnumInteger& a, Vok
     return 0;
   }
   const MemberTest results(*this);
-  return KeepFitting(b, a.GetMembers(), [&results](VokLong divisor, VokLong dividend) {
-    return divisor == 0 || results.Has(Remainder(dividend, divisor));
+  const std::span<const VokLong> dividends = a.GetMembers();
+  return KeepFitting(b, dividends.size(), [&](VokLong divisor, std::size_t dividend) {
+    return divisor == 0 ||
+           results.Has(Divisors::Remainder(dividends[dividend], divisor, Divisors::ReciprocalOf(divisor)));
   });
 }
