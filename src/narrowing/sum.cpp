@@ -93,7 +93,7 @@ class Bits {
     unsigned at = 0;
     for (const VokLong v : values) {
       const unsigned bit = Distance(values.front(), v);
-      word = (bit / 64 == at ? word : 0) | std::uint64_t{1} << bit % 64;
+      word = (word & (0 - std::uint64_t{bit / 64 == at})) | std::uint64_t{1} << bit % 64;
       at = bit / 64;
       fWords[at] = word;
     }
@@ -108,7 +108,7 @@ class Bits {
  private:
   unsigned fWidth;
   std::uint64_t* fWords;
-  std::array<std::uint64_t, kWords + 2 * VokFenKernels::kBitPadding / sizeof(std::uint64_t)> fStorage;
+  std::array<std::uint64_t, kWords + std::size_t{2} * VokFenKernels::kBitPadding / sizeof(std::uint64_t)> fStorage;
 };
 
 // Whether some rows, spread over all, give more distinct sums than usable. Looked at after a few: rows of many values
