@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <span>
@@ -53,36 +54,41 @@ class NarrowMarks {
   std::array<unsigned char, kWidth + 1> fMarks;  // the last one that is used is for all other numbers
 };
 
-// The same for members that lie anywhere: most numbers that are none fail a test of one bit.
+// The same for members that lie anywhere: most numbers that are none fail at an empty slot of a hash table. Of members
+// that share a slot the last one stands there, and the others are searched.
 class WideMarks {
  public:
   static bool Serve(std::span<const VokLong> members) noexcept { return members.size() <= kMaxCandidates; }
-  explicit WideMarks(std::span<const VokLong> members) noexcept : fMembers(members) {
-    fFilter.fill(0);
+  explicit WideMarks(std::span<const VokLong> members) noexcept
+      : fMembers(members), fShift(std::max(20, 27 - static_cast<int>(std::bit_width(members.size())))) {
+    std::fill_n(fSlots.begin(), std::size_t{1} << (32 - fShift), std::uint16_t{0});
     std::memset(fMarks.data(), 0, members.size());
-    for (const VokLong v : members) {
-      fFilter[Slot(v) / 64] |= Bit(v);
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      fSlots[SlotOf(members[i])] = static_cast<std::uint16_t>(i + 1);
     }
   }
 
   void Mark(VokLong v) noexcept {
-    if ((fFilter[Slot(v) / 64] & Bit(v)) != 0) {
-      const auto at = std::lower_bound(fMembers.begin(), fMembers.end(), v);
-      if (at != fMembers.end() && *at == v) {
-        fMarks[static_cast<std::size_t>(at - fMembers.begin())] = 1;
-      }
+    if (const unsigned position = fSlots[SlotOf(v)]; position != 0) {
+      MarkNear(v, position - 1);
     }
   }
   bool IsMarked(std::size_t i, VokLong) const noexcept { return fMarks[i] != 0; }
 
  private:
-  static constexpr unsigned kBits = 4096;
-
-  static unsigned Slot(VokLong v) noexcept { return VokToUnsigned(v) * 0x9E3779B1U >> 20; }
-  static std::uint64_t Bit(VokLong v) noexcept { return std::uint64_t{1} << (Slot(v) % 64); }
+  unsigned SlotOf(VokLong v) const noexcept { return VokToUnsigned(v) * 0x9E3779B1U >> fShift; }
+  void MarkNear(VokLong v, std::size_t i) noexcept {
+    if (fMembers[i] != v) {
+      i = static_cast<std::size_t>(std::lower_bound(fMembers.begin(), fMembers.end(), v) - fMembers.begin());
+    }
+    if (i < fMembers.size() && fMembers[i] == v) {
+      fMarks[i] = 1;
+    }
+  }
 
   const std::span<const VokLong> fMembers;
-  std::array<std::uint64_t, kBits / 64> fFilter;
+  const int fShift;
+  std::array<std::uint16_t, 4096> fSlots;  // 32 to 64 for each member, as far as they go
   std::array<unsigned char, kMaxCandidates> fMarks;
 };
 
@@ -143,12 +149,13 @@ class Divisors {
 
   // Division by 0 is left to the caller, who does not ask for it.
   static double ReciprocalOf(VokLong divisor) noexcept { return divisor == 0 ? 0.0 : 1.0 / divisor; }
-  static std::int64_t Quotient(VokLong dividend, double reciprocal) noexcept {
-    return static_cast<std::int64_t>((dividend + (dividend < 0 ? -0.5 : 0.5)) * reciprocal);
+  static double Moved(VokLong dividend) noexcept { return dividend + (dividend < 0 ? -0.5 : 0.5); }
+  static std::int64_t Quotient(double movedDividend, double reciprocal) noexcept {
+    return static_cast<std::int64_t>(movedDividend * reciprocal);
   }
   // The remainder that truncation leaves, with the sign of the dividend. The smallest number by -1 leaves 0.
   static VokLong Remainder(VokLong dividend, VokLong divisor, double reciprocal) noexcept {
-    return static_cast<VokLong>(dividend - Quotient(dividend, reciprocal) * divisor);
+    return static_cast<VokLong>(dividend - Quotient(Moved(dividend), reciprocal) * divisor);
   }
 
   std::size_t GetCount() const noexcept { return fDivisors.size(); }

@@ -7,10 +7,8 @@
 // Exponent  Members are kept or dropped. When none is kept, nothing is removed: z = {7}, a = {2}, b = {1, 3}
 //           leaves b as it is. An exponent that is Any stays.
 //
-// Cost  A power beyond the range rules out all larger exponents, and a root of a number other than 0, 1 and -1 is one
-// of
-//       an exponent up to 30. So of all pairs but those with 0, 1 and -1, at most 31 for each base and 30 for each z
-//       are looked at.
+// Cost  A power beyond the range rules out all larger exponents, and only exponents up to 30 have roots other than 0, 1
+//       and -1. So of the pairs without 0, 1 and -1, at most 31 for each base and for each z are looked at.
 
 #include <algorithm>
 #include <cmath>
@@ -31,10 +29,6 @@ constexpr VokLong kGreatestExponent = 30;
 bool IsFinite(VokLong v) {
   return v > SubIntBase::sMin && v < SubIntBase::sMax;
 }
-bool AreFinite(std::span<const VokLong> members) {
-  return members.empty() || (IsFinite(members.front()) && IsFinite(members.back()));
-}
-
 // The members of [from, to].
 std::span<const VokLong> Between(std::span<const VokLong> members, VokLong from, VokLong to) {
   const auto first = std::lower_bound(members.begin(), members.end(), from);
@@ -98,9 +92,9 @@ int NarrowToRoots(Narrowed& x, const VokFenEnumInteger& z, const VokFenEnumInteg
   if (y.ReadsAny()) {
     return 0;
   }
-  // The special exponents have rules of their own, whatever the power.
+  // Exponents beyond the range have rules of their own, whatever the power.
   const std::span<const VokLong> exponents = y.GetMembers();
-  const bool special = !AreFinite(exponents);
+  const bool special = Between(exponents, SubIntBase::sMin, SubIntBase::sMax).size() < exponents.size();
   CandidateValues roots(std::min<VokLong>(bases.fLower, SubIntBase::sMax),
                         std::max<VokLong>(bases.fUpper, SubIntBase::sMin));
   for (const VokLong power : z.GetMembers()) {
@@ -115,6 +109,7 @@ int NarrowToRoots(Narrowed& x, const VokFenEnumInteger& z, const VokFenEnumInteg
   return roots.Narrow(x);
 }
 
+// Whether the exponent takes one of the bases to a member of z.
 bool HasBase(const VokFenEnumInteger& z, std::span<const VokLong> bases, VokLong exponent) {
   const bool onlyUnits = exponent < 0 || exponent > kGreatestExponent;
   const std::span<const VokLong> tried = onlyUnits ? Between(bases, -1, 1) : bases;

@@ -89,7 +89,8 @@ template <class Narrowed>
 int NarrowToQuotients(Narrowed& x, const VokFenEnumInteger& z, const VokFenEnumInteger& y) {
   const std::span<const VokLong> dividends = z.GetMembers();
   const std::span<const VokLong> divisors = y.GetMembers();
-  if (dividends.empty() || dividends.front() <= kMin || dividends.back() >= kMax) {
+  std::array<double, kMaxCandidates> moved;
+  if (dividends.empty() || dividends.size() > moved.size() || dividends.front() <= kMin || dividends.back() >= kMax) {
     return NarrowToPairs(x, divisors, dividends.size(), kMin, kMax, [dividends](VokLong divisor, auto sink) {
       for (std::size_t i = 0; divisor != 0 && i < dividends.size(); ++i) {
         sink(SubIntBase::base_div(dividends[i], divisor));
@@ -110,10 +111,12 @@ int NarrowToQuotients(Narrowed& x, const VokFenEnumInteger& z, const VokFenEnumI
   if (signs.positive > 0) {
     addQuotients(divisors[divisors.size() - signs.positive]);
   }
-  return NarrowToPairs(x, divisors, dividends.size(), lower, upper, [dividends](VokLong divisor, auto sink) {
+  std::transform(dividends.begin(), dividends.end(), moved.begin(), Divisors::Moved);
+  const std::span<const double> rows(moved.data(), dividends.size());
+  return NarrowToPairs(x, divisors, rows.size(), lower, upper, [rows](VokLong divisor, auto sink) {
     const double reciprocal = Divisors::ReciprocalOf(divisor);
-    for (std::size_t i = 0; divisor != 0 && i < dividends.size(); ++i) {
-      sink(static_cast<VokLong>(Divisors::Quotient(dividends[i], reciprocal)));
+    for (std::size_t i = 0; divisor != 0 && i < rows.size(); ++i) {
+      sink(static_cast<VokLong>(Divisors::Quotient(rows[i], reciprocal)));
     }
   });
 }
