@@ -16,9 +16,9 @@
 // Invariant  fValues ascends strictly. Only while it is empty does fEmptyMeansAny count: 1 is Any, 0 is
 //            Nil. It is kept meanwhile and decides again when the last member goes.
 // Ownership  Holds its vector by value; operands are borrowed for the call; temporaries stay on the stack.
-// Cost       n members: search O(log n), insertion and removal O(n), set algebra O(n). A sum, product, remainder or
-// power
-//            combines every pair of members and keeps at most sMAX_CARD results.
+// Cost       n members: search O(log n), insertion and removal O(n), set algebra O(n) in blocks of members. A sum,
+//            product, remainder or power stands for every pair of members, at most sMAX_CARD results, but seldom forms
+//            all of them: see the files of the operations. Order relations cut in O(log n).
 // Errors     Throws nothing, prints nothing: an impossible set is Nil, one too large to list is Any.
 // Narrowing  The generic entries (on VokTarnAny, VokTarnScalar, VokTarnNumber) find out what the operands
 //            are and hand over to the typed routines. Every operand of an operation may be the same object.

@@ -186,7 +186,7 @@ unsigned KeepByBits(const Sums& sums, Values values, VokLong* kept) {
 // Requires: at most kMaxCandidates pairs.
 unsigned KeepListed(const Sums& sums, Values values, VokLong* kept) {
   constexpr unsigned kGroup = 32;
-  std::array<VokLong, kMaxCandidates + kGroup> listed;
+  alignas(64) std::array<VokLong, kMaxCandidates + kGroup> listed;
   unsigned count = 0;
   for (const VokLong a : sums.fA) {
     VokLong* const row = listed.data() + count;
