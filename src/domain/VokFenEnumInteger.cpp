@@ -1,7 +1,9 @@
 // Construction and state of the enumerated set.
 #include "domain/VokFenEnumInteger.h"
 
+#include <algorithm>
 #include <cstring>
+#include <typeinfo>
 
 #include "domain/elements.h"
 #include "numbers/SDError.h"
@@ -16,6 +18,13 @@ VokLong WordAt(const void* list, unsigned i) noexcept {
   VokLong word;
   std::memcpy(&word, static_cast<const char*>(list) + std::size_t{i} * sizeof word, sizeof word);
   return word;
+}
+
+// The two classes that operands nearly always are of tell themselves apart by their table of virtual operations.
+bool IsEnumerated(const VokTarnAny& value) {
+  const std::type_info* const type = &typeid(value);
+  return type == &typeid(VokFenEnumInteger) ||
+         (type != &typeid(VokFenSingleInteger) && value.IsDerivedFrom(VokFenEnumInteger::sIdent) != 0);
 }
 
 }  // namespace
@@ -35,6 +44,17 @@ VokFenEnumInteger::VokFenEnumInteger(const VokFenSingleInteger& s, int) noexcept
   }
 }
 
+VokFenEnumInteger::VokFenEnumInteger(SubIntBase* borrowed) noexcept : fEmptyMeansAny(0) {
+  if (*borrowed == VokFenSingleInteger::sNC_INT_ANY) {
+    fEmptyMeansAny = 1;
+  } else if (*borrowed != VokFenSingleInteger::sNC_INT_NIL) {
+    fValues.BorrowElement(*borrowed);
+  }
+}
+
+VokFenEnumInteger::OfSingle::OfSingle(const VokFenSingleInteger& single) noexcept
+    : fElement(ToElement(single.GetExactValue())), fSet(&fElement) {}
+
 VokFenEnumInteger::VokFenEnumInteger(const SubIntBase& v, int) noexcept
     : fValues(kInitialSize, kGrowthStep, 0), fEmptyMeansAny(1) {
   fValues.Add(v);
@@ -53,10 +73,18 @@ VokFenEnumInteger::VokFenEnumInteger(const void* list) noexcept
   }
 }
 
-VokFenEnumInteger::VokFenEnumInteger(const VokFenEnumInteger& other) noexcept = default;
+// A copy needs room for the members alone, however large the other set has been.
+VokFenEnumInteger::VokFenEnumInteger(const VokFenEnumInteger& other) noexcept
+    : VokTarnInteger(other),
+      fValues(std::max(kInitialSize, other.fValues.GetSize()), kGrowthStep, 0),
+      fEmptyMeansAny(other.fEmptyMeansAny) {
+  fValues.AssignNumbers(other.fValues.GetNumbers(), other.fValues.GetSize());
+}
 
 VokFenEnumInteger& VokFenEnumInteger::operator=(const VokFenEnumInteger& other) noexcept {
-  fValues = other.fValues;
+  if (this != &other) {
+    fValues.AssignNumbers(other.fValues.GetNumbers(), other.fValues.GetSize());
+  }
   fEmptyMeansAny = other.fEmptyMeansAny;
   return *this;
 }
@@ -77,11 +105,11 @@ VokFenEnumInteger& VokFenEnumInteger::operator=(const VokFenSingleInteger& s) no
 VokFenEnumInteger::~VokFenEnumInteger() = default;
 
 const VokFenEnumInteger* VokFenEnumInteger::CastToEnumInteger(const VokTarnAny* value) {
-  return value != nullptr && value->IsDerivedFrom(sIdent) != 0 ? static_cast<const VokFenEnumInteger*>(value) : nullptr;
+  return value != nullptr && IsEnumerated(*value) ? static_cast<const VokFenEnumInteger*>(value) : nullptr;
 }
 
 VokFenEnumInteger* VokFenEnumInteger::CastToEnumInteger(VokTarnAny* value) {
-  return value != nullptr && value->IsDerivedFrom(sIdent) != 0 ? static_cast<VokFenEnumInteger*>(value) : nullptr;
+  return value != nullptr && IsEnumerated(*value) ? static_cast<VokFenEnumInteger*>(value) : nullptr;
 }
 
 int VokFenEnumInteger::SetNilValue() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <span>
 
 #include "domain/VokSVectorImp_SubIntBase.h"
@@ -15,15 +16,16 @@
 // Invariant  fValues ascends strictly. Only while it is empty does fEmptyMeansAny count: 1 is Any, 0 is
 //            Nil. It is kept meanwhile and decides again when the last member goes.
 // Ownership  Holds its vector by value; operands are borrowed for the call; temporaries stay on the stack.
-// Cost       n members: search O(log n), insertion and removal O(n), set algebra O(n). A sum, product, remainder or
-// power
-//            combines every pair of members and keeps at most sMAX_CARD results.
+// Cost       n members: search O(log n), insertion and removal O(n), set algebra O(n) in blocks of members. A sum,
+//            product, remainder or power stands for every pair of members, at most sMAX_CARD results, but seldom forms
+//            all of them: see the files of the operations. Order relations cut in O(log n).
 // Errors     Throws nothing, prints nothing: an impossible set is Nil, one too large to list is Any.
 // Narrowing  The generic entries (on VokTarnAny, VokTarnScalar, VokTarnNumber) find out what the operands
 //            are and hand over to the typed routines. Every operand of an operation may be the same object.
 class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
  public:
   class Descriptor;
+  class KernelChoice;
   using Predicate = VokSVectorImp_SubIntBase::Predicate;
 
   static const char* const sIdent;
@@ -46,6 +48,8 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   // Nil gives Nil.
   VokFenEnumInteger& operator=(const VokFenSingleInteger& s) noexcept;
   ~VokFenEnumInteger() override;
+  // The set of a single as an operand that is only read: takes no memory.
+  class OfSingle;
 
   static VokTarnObjectDescriptor* MakeDescriptor();
 
@@ -107,10 +111,11 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   // Keeps the members that keep(value) accepts. The status; a set that loses every member becomes Nil.
   template <class Keep>
   int KeepMembers(Keep keep);
-  // Keeps the first `kept` members, the others having been overwritten. Requires: the set has members.
-  int KeepFirstMembers(unsigned kept) noexcept;
-  // Intersection with the set of these values, Nil when there are none. They ascend strictly and may be the set's own.
-  int IntersectValues(std::span<const VokLong> values);
+  // The same with a part of the members that has been picked out elsewhere.
+  int ReplaceMembers(std::span<const VokLong> kept) noexcept;
+  // Intersection with the set of the values v + shift, Nil when there are none. They ascend strictly, stay within 32
+  // bits and may be the set's own. A set that is Any takes the flag with them.
+  int IntersectValues(std::span<const VokLong> values, VokLong shift = 0, int emptyMeansAny = 0);
 
   // ---- Set algebra
   int Intersect(const VokFenEnumInteger& o);
@@ -218,8 +223,27 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   int CalcSecondInversePowerValue(const VokFenEnumInteger& a, VokFenEnumInteger& b) const;
 
  private:
+  explicit VokFenEnumInteger(SubIntBase* borrowed) noexcept;
+
+  // Keeps the first `kept` members, the others having been overwritten.
+  int KeepFirstMembers(unsigned kept) noexcept;
+
   VokSVectorImp_SubIntBase fValues;
   int fEmptyMeansAny;
+};
+
+class VokFenEnumInteger::OfSingle {
+ public:
+  explicit OfSingle(const VokFenSingleInteger& single) noexcept;
+  OfSingle(const OfSingle&) = delete;
+  OfSingle& operator=(const OfSingle&) = delete;
+  ~OfSingle() { fSet.fValues.ReturnElement(); }
+
+  const VokFenEnumInteger& Get() const noexcept { return fSet; }
+
+ private:
+  SubIntBase fElement;
+  VokFenEnumInteger fSet;
 };
 
 template <class Keep>
@@ -232,7 +256,14 @@ int VokFenEnumInteger::KeepMembers(Keep keep) {
     members[kept] = v;
     kept += keep(v) ? 1U : 0U;
   }
-  return fValues.GetSize() == 0 ? 0 : KeepFirstMembers(kept);
+  return KeepFirstMembers(kept);
+}
+
+inline int VokFenEnumInteger::ReplaceMembers(std::span<const VokLong> kept) noexcept {
+  if (kept.size() != fValues.GetSize()) {
+    std::copy(kept.begin(), kept.end(), fValues.GetNumbers());
+  }
+  return KeepFirstMembers(static_cast<unsigned>(kept.size()));
 }
 
 inline int VokFenEnumInteger::KeepFirstMembers(unsigned kept) noexcept {

@@ -72,6 +72,17 @@ class VOKTARN_EXPORT VokSVectorImp_SubIntBase {
   // suffice. 0 when memory is short; the vector is empty then.
   int AssignNumbers(const VokLong* numbers, unsigned n) noexcept;
 
+  // Stands for one element of the caller's until it is returned, without memory of its own. Requires: this vector has
+  // no slots; meanwhile it is only read.
+  void BorrowElement(SubIntBase& element) noexcept {
+    fData = &element;
+    fCapacity = fSize = 1;
+  }
+  void ReturnElement() noexcept {
+    fData = nullptr;
+    fCapacity = fSize = 0;
+  }
+
   // Makes room for at least n elements. 1 when the array grew; 0 when it need not or cannot.
   int Resize(unsigned n) noexcept;
   // The slots to add when at least `need` more are wanted: a multiple of the step, or by the factor.
@@ -87,5 +98,4 @@ class VOKTARN_EXPORT VokSVectorImp_SubIntBase {
   int fBitwiseCopy;
 };
 
-static_assert(sizeof(SubIntBase) == sizeof(VokLong) && alignof(SubIntBase) == alignof(VokLong),
-              "an array of elements is read as an array of numbers");
+static_assert(sizeof(SubIntBase) == sizeof(VokLong), "an array of elements is read as an array of numbers");

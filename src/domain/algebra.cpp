@@ -1,11 +1,13 @@
 // Intersections and unions of enumerated sets.
 //
-// Both operands ascend, so one walk over the two serves. An intersection keeps a part of the members in place and
-// needs no memory; the operand may be the set itself.
+// Both operands ascend, so one walk over the two serves, mostly that of the kernels. What is kept is collected on the
+// stack and written back only when something has gone: the operand may be the set itself, and no memory is needed.
 #include <algorithm>
 
 #include "domain/VokFenEnumInteger.h"
-#include "domain/elementPredicates.h"
+#include "domain/intersectInto.h"
+#include "domain/kernels/kernels.h"
+#include "domain/scratch.h"
 
 namespace {
 
@@ -33,47 +35,20 @@ int KeepCommon(VokSVectorImp_SubIntBase& members, const VokSVectorImp_SubIntBase
   return kept != size ? 1 : 0;
 }
 
-// Fills `result` with the members of a and b in order. 0 when memory is short.
-int Merge(const VokSVectorImp_SubIntBase& a, const VokSVectorImp_SubIntBase& b, VokSVectorImp_SubIntBase& result) {
-  unsigned i = 0;
-  unsigned j = 0;
-  int done = 1;
-  while (done != 0 && (i < a.Size() || j < b.Size())) {
-    if (j == b.Size() || (i < a.Size() && a[i] < b[j])) {
-      done = result.Add(a[i++]);
-    } else if (i == a.Size() || b[j] < a[i]) {
-      done = result.Add(b[j++]);
-    } else {
-      done = result.Add(a[i++]);
-      ++j;
-    }
-  }
-  return done;
-}
-
 }  // namespace
 
 int VokFenEnumInteger::Intersect(const VokFenEnumInteger& o) {
-  if (IsNil() != 0) {
+  if (o.ReadsAny()) {
     return 0;
   }
-  if (o.IsNil() != 0) {
-    return SetNilValue();
-  }
-  if (o.IsUndefined() != 0) {
-    return 0;
-  }
-  if (IsUndefined() != 0) {
+  if (ReadsAny() && !o.ReadsNil()) {
     *this = o;
     return 1;
   }
-  if (KeepCommon(fValues, o.fValues, AlwaysTrue, nullptr) == 0) {
-    return 0;
-  }
-  return fValues.IsEmpty() != 0 ? SetNilValue() : 1;
+  return &o == this ? 0 : IntersectValues(o.GetMembers(), 0, o.fEmptyMeansAny);
 }
 
-int VokFenEnumInteger::IntersectValues(std::span<const VokLong> values) {
+int VokFenEnumInteger::IntersectValues(std::span<const VokLong> values, VokLong shift, int emptyMeansAny) {
   if (ReadsNil()) {
     return 0;
   }
@@ -81,16 +56,22 @@ int VokFenEnumInteger::IntersectValues(std::span<const VokLong> values) {
     return SetNilValue();
   }
   if (ReadsAny()) {
-    fEmptyMeansAny = 0;
-    fValues.AssignNumbers(values.data(), static_cast<unsigned>(values.size()));
+    fEmptyMeansAny = emptyMeansAny;
+    if (fValues.AssignNumbers(values.data(), static_cast<unsigned>(values.size())) != 0) {
+      const std::span<VokLong> taken(fValues.GetNumbers(), fValues.GetSize());
+      std::for_each(taken.begin(), taken.end(), [shift](VokLong& v) { v += shift; });
+    }
     return 1;
   }
-  return KeepMembers([next = values.begin(), end = values.end()](VokLong v) mutable {
-    while (next != end && *next < v) {
-      ++next;
-    }
-    return next != end && *next == v;
-  });
+  if (fValues.GetSize() == 0) {
+    return 0;
+  }
+  VokFenDomain::Scratch scratch(fValues.GetSize());
+  VokLong* const kept = scratch.GetNumbers();
+  if (kept == nullptr) {
+    return SetNilValue();
+  }
+  return ReplaceMembers({kept, VokFenDomain::IntersectInto(GetMembers(), values, shift, kept)});
 }
 
 int VokFenEnumInteger::Intersect(const VokFenEnumInteger& o, Predicate pred, void* ctx) {
@@ -142,20 +123,20 @@ int VokFenEnumInteger::Unite(const VokFenEnumInteger& o) {
     *this = o;
     return 1;
   }
-  // The step of the result is the sum of the steps; without a limit repeated unions would double it each time.
-  constexpr unsigned kMaxStep = 1024;
-  VokSVectorImp_SubIntBase result(fValues.Size() + o.fValues.Size(),
-                                  std::min(fValues.Delta() + o.fValues.Delta(), kMaxStep), 0);
-  if (Merge(fValues, o.fValues, result) == 0) {
+  const unsigned n = fValues.GetSize();
+  VokFenDomain::Scratch scratch(n + o.fValues.GetSize());
+  VokLong* const united = scratch.GetNumbers();
+  if (united == nullptr) {
     return SetNilValue();
   }
-  if (result.Size() == fValues.Size()) {
+  const unsigned count =
+      VokFenKernels::GetKernels().fUnite(fValues.GetNumbers(), n, o.fValues.GetNumbers(), o.fValues.GetSize(), united);
+  if (count == n) {
     return 0;
   }
   // A union that reaches the limit exactly is Any already, although insertion fills a set up to it.
-  if (result.Size() >= sMAX_CARD) {
+  if (count >= sMAX_CARD) {
     return SetUndefinedValue();
   }
-  fValues = result;
-  return 1;
+  return fValues.AssignNumbers(united, count) != 0 ? 1 : SetNilValue();
 }

@@ -10,6 +10,18 @@ void KeepPositions(VokSVectorImp_SubIntBase& v, unsigned first, unsigned end) {
   v.DetachAt(0, first);
 }
 
+bool HaveCommon(std::span<const VokLong> a, std::span<const VokLong> b) {
+  auto i = a.begin();
+  auto j = b.begin();
+  while (i != a.end() && j != b.end()) {
+    if (*i == *j) {
+      return true;
+    }
+    (*i < *j ? i : j) += 1;
+  }
+  return false;
+}
+
 }  // namespace
 
 // An interval makes the set Nil, like every type that is neither enumerated nor single, although a narrow one could be
@@ -41,14 +53,22 @@ int VokFenEnumInteger::Unite(const VokTarnAny& a) {
   return SetNilValue();
 }
 
+// An operand that is neither enumerated nor single shares nothing with a set.
 int VokFenEnumInteger::IsIntersected(const VokTarnAny& a) const {
-  VokFenEnumInteger common;
-  common.Assign(a);
-  if (IsNil() != 0 || common.IsNil() != 0) {
+  if (ReadsNil()) {
     return 0;
   }
-  common.Intersect(*this);
-  return common.GetCount() > 0 || common.IsUndefined() != 0 ? 1 : 0;
+  if (const VokFenEnumInteger* const set = CastToEnumInteger(&a)) {
+    return set->ReadsNil() ? 0 : ReadsAny() || set->ReadsAny() || HaveCommon(GetMembers(), set->GetMembers()) ? 1 : 0;
+  }
+  if (IsOperandOf(a, VokFenSingleInteger::sIdent) == 0) {
+    return 0;
+  }
+  const VokLong v = static_cast<const VokFenSingleInteger&>(a).GetExactValue();
+  if (v == VokFenSingleInteger::sNC_INT_NIL) {
+    return 0;
+  }
+  return v == VokFenSingleInteger::sNC_INT_ANY || ReadsAny() ? 1 : Contains(v);
 }
 
 int VokFenEnumInteger::GetCardinality() const {
@@ -87,10 +107,12 @@ int VokFenEnumInteger::Bisect(VokTarnObject& other, ValueSelection selection) {
     default:
       return SetNilValue();
   }
-  VokSVectorImp_SubIntBase moved(fValues);
-  KeepPositions(moved, movedFirst, movedEnd);
   VokFenEnumInteger& part = static_cast<VokFenEnumInteger&>(other);
-  part.fValues = moved;
+  if (&part == this) {
+    KeepPositions(fValues, movedFirst, movedEnd);
+  } else {
+    part.fValues.AssignNumbers(fValues.GetNumbers() + movedFirst, movedEnd - movedFirst);
+  }
   part.fEmptyMeansAny = 0;
   KeepPositions(fValues, keptFirst, keptEnd);
   return movedFirst < movedEnd ? 1 : 0;

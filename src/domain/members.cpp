@@ -1,4 +1,5 @@
 // The members of the enumerated set: insertion, removal and negation.
+#include <algorithm>
 #include <limits>
 
 #include "domain/VokFenEnumInteger.h"
@@ -13,11 +14,14 @@ VokLong VokFenEnumInteger::GetValue(unsigned i) const {
 }
 
 int VokFenEnumInteger::Contains(VokLong v) const {
-  return fValues.Find(ToElement(v)) < fValues.Size() ? 1 : 0;
+  const auto members = GetMembers();
+  return std::binary_search(members.begin(), members.end(), v) ? 1 : 0;
 }
 
 int VokFenEnumInteger::SimpleInsert(VokLong v) {
-  return fValues.AddUnique(ToElement(v));
+  // Values mostly come in ascending order: no search for one behind the last.
+  const bool isLast = fValues.GetSize() == 0 || GetMembers().back() < v;
+  return isLast ? fValues.Add(ToElement(v)) : fValues.AddUnique(ToElement(v));
 }
 
 int VokFenEnumInteger::Insert(VokLong v) {

@@ -5,28 +5,43 @@
 // a flag leaves z alone.
 
 #include "domain/VokFenEnumInteger.h"
-#include "domain/elementPredicates.h"
 #include "narrowing/dispatchFrame.h"
+#include "narrowing/negated.h"
+#include "narrowing/unionOf.h"
 
 using namespace VokFenNarrowing;
+
+namespace {
+
+struct Parts {
+  explicit Parts(std::span<const VokLong> values) {
+    const auto first = std::lower_bound(values.begin(), values.end(), 0);
+    fBelow = {values.begin(), first};
+    fFromZero = {first, values.end()};
+  }
+
+  std::span<const VokLong> fBelow;
+  std::span<const VokLong> fFromZero;
+};
+
+int NarrowToUnion(VokFenEnumInteger& set, const UnionOf& values) {
+  return values.IsAny() ? 0 : set.IntersectValues(values.Get());
+}
+
+}  // namespace
 
 int VokFenEnumInteger::CalcAbsoluteValue(const VokTarnNumber& a) {
   return NarrowLeft(*this, a, &VokFenEnumInteger::CalcAbsoluteValue);
 }
 
 int VokFenEnumInteger::CalcAbsoluteValue(const VokFenEnumInteger& a) {
-  if (a.IsUndefined() != 0 && IsUndefined() != 0) {
+  // z stands in for an argument of which nothing is known: that leaves its members from 0 on.
+  const VokFenEnumInteger& arguments = a.ReadsAny() ? *this : a;
+  const Parts parts(arguments.GetMembers());
+  if (arguments.fEmptyMeansAny == 1 && (parts.fBelow.empty() || parts.fFromZero.empty())) {
     return 0;
   }
-  // z stands in for an argument of which nothing is known: that leaves its members from 0 on.
-  const VokFenEnumInteger& arguments = a.IsUndefined() != 0 ? *this : a;
-  VokFenEnumInteger below(arguments);
-  VokFenEnumInteger above(arguments);
-  const unsigned k = below.fValues.FindUpperBound(SubIntBase(), 0);
-  below.fValues.DetachAt(k, below.GetCount());
-  above.fValues.DetachAt(0, k);
-  below.Minus();
-  return Intersect(below, above, AlwaysTrue, nullptr);
+  return NarrowToUnion(*this, UnionOf(Negated(parts.fBelow).Get(), parts.fFromZero));
 }
 
 int VokFenEnumInteger::CalcInverseAbsoluteValue(VokTarnNumber& x) const {
@@ -35,18 +50,14 @@ int VokFenEnumInteger::CalcInverseAbsoluteValue(VokTarnNumber& x) const {
 }
 
 int VokFenEnumInteger::CalcInverseAbsoluteValue(VokFenEnumInteger& x) const {
-  if (IsUndefined() != 0) {
+  if (ReadsAny()) {
     return 0;
   }
-  const unsigned k = fValues.FindUpperBound(SubIntBase(), 0);
-  if (k >= GetCount()) {
+  const Parts parts(GetMembers());
+  if (parts.fFromZero.empty()) {
     return MakeNil(x);
   }
-  VokFenEnumInteger above(*this);
-  above.fValues.DetachAt(0, k);
-  VokFenEnumInteger below(above);
-  below.Minus();
-  return x.Intersect(above, below, AlwaysTrue, nullptr);
+  return NarrowToUnion(x, UnionOf(parts.fFromZero, Negated(parts.fFromZero).Get()));
 }
 
 int VokFenEnumInteger::CalcInverseAbsoluteValue(VokFenSingleInteger& x) const {

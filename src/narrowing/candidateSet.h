@@ -93,27 +93,4 @@ inline bool CandidateValues::Contains(VokLong v) const noexcept {
   return v == 0 ? fHasZero : fCells[FindSlot(v)] != 0;
 }
 
-// The same with plain sets, slower; for operations whose pairs are few.
-
-inline VokFenEnumInteger NoCandidates() {
-  VokFenEnumInteger candidates;
-  candidates.SetNilValue();
-  return candidates;
-}
-
-// Every combine(o, i) of a member o of `outer` (outer loop) with a member i of `inner`. Ends as soon as the set is
-// Any, which no later insertion changes.
-template <class Combine>
-VokFenEnumInteger CollectPairs(const VokFenEnumInteger& outer, const VokFenEnumInteger& inner, Combine combine) {
-  VokFenEnumInteger candidates = NoCandidates();
-  for (unsigned i = 0; i < outer.GetCount(); ++i) {
-    for (unsigned j = 0; j < inner.GetCount(); ++j) {
-      if (candidates.Insert(combine(outer.GetValue(i), inner.GetValue(j))) == 0) {
-        return candidates;
-      }
-    }
-  }
-  return candidates;
-}
-
 }  // namespace VokFenNarrowing

@@ -1,39 +1,48 @@
 #include "narrowing/dispatchFrame.h"
 
 #include <optional>
+#include <type_traits>
+#include <typeinfo>
 
 namespace VokFenNarrowing {
 
 namespace {
 
-// A given operand in enumerated form: itself where it is a set, else a temporary set made of it.
+// The operand as a single, or null. Requires: it is not enumerated.
+template <class Value>
+auto CastToSingle(Value& value) {
+  using Single = std::conditional_t<std::is_const_v<Value>, const VokFenSingleInteger, VokFenSingleInteger>;
+  const bool isSingle =
+      typeid(value) == typeid(VokFenSingleInteger) || value.IsDerivedFrom(VokFenSingleInteger::sIdent) != 0;
+  return isSingle ? static_cast<Single*>(&value) : nullptr;
+}
+
+// A given operand in enumerated form: itself where it is a set, else a set made of its value. What is neither is Nil.
 class EnumeratedOperand {
  public:
   explicit EnumeratedOperand(const VokTarnAny& operand) : fSet(VokFenEnumInteger::CastToEnumInteger(&operand)) {
     if (fSet == nullptr) {
-      fTemporary.emplace().Assign(operand);
-      fSet = &*fTemporary;
+      const VokTarnAny* const address = &operand;
+      const VokFenSingleInteger* const single = address != nullptr ? CastToSingle(operand) : nullptr;
+      fSet =
+          &fOfSingle.emplace(single != nullptr ? *single : VokFenSingleInteger(VokFenSingleInteger::sNC_INT_NIL)).Get();
     }
   }
   EnumeratedOperand(const EnumeratedOperand&) = delete;
   EnumeratedOperand& operator=(const EnumeratedOperand&) = delete;
 
   const VokFenEnumInteger& Get() const { return *fSet; }
-  bool IsNil() const { return fSet->IsNil() != 0; }
+  bool IsNil() const { return fSet->ReadsNil(); }
 
  private:
-  std::optional<VokFenEnumInteger> fTemporary;
+  std::optional<VokFenEnumInteger::OfSingle> fOfSingle;
   const VokFenEnumInteger* fSet;
 };
-
-VokFenSingleInteger* CastToSingle(VokTarnAny& value) {
-  return value.IsDerivedFrom(VokFenSingleInteger::sIdent) != 0 ? static_cast<VokFenSingleInteger*>(&value) : nullptr;
-}
 
 }  // namespace
 
 int MakeNil(VokFenEnumInteger& set) {
-  if (set.GetCount() == 0 && set.IsUndefined() == 0) {
+  if (set.GetMembers().empty() && !set.ReadsAny()) {
     return 0;
   }
   set.SetNilValue();
@@ -49,7 +58,7 @@ int MakeNil(VokFenSingleInteger& single) {
 }
 
 int NarrowLeft(VokFenEnumInteger& x, const VokTarnAny& y, GivenOne typed) {
-  if (x.IsNil() != 0) {
+  if (x.ReadsNil()) {
     return 0;
   }
   const EnumeratedOperand given(y);
@@ -60,7 +69,7 @@ int NarrowRight(const VokFenEnumInteger& x, VokTarnAny& y, InverseOnSet onSet, I
   if (y.IsNil() != 0) {
     return 0;
   }
-  if (x.IsNil() != 0) {
+  if (x.ReadsNil()) {
     y.SetNilValue();
     return 1;
   }
@@ -68,11 +77,11 @@ int NarrowRight(const VokFenEnumInteger& x, VokTarnAny& y, InverseOnSet onSet, I
     return (x.*onSet)(*set);
   }
   VokFenSingleInteger* const single = CastToSingle(y);
-  return single == nullptr || x.IsUndefined() != 0 ? 0 : (x.*onSingle)(*single);
+  return single == nullptr || x.ReadsAny() ? 0 : (x.*onSingle)(*single);
 }
 
 int NarrowResult(VokFenEnumInteger& z, const VokTarnAny& a, const VokTarnAny& b, GivenTwo typed) {
-  if (z.IsNil() != 0) {
+  if (z.ReadsNil()) {
     return 0;
   }
   const EnumeratedOperand first(a);
@@ -88,10 +97,10 @@ int NarrowFirst(const VokFenEnumInteger& z, VokTarnAny& a, const VokTarnAny& b, 
     return 0;
   }
   const EnumeratedOperand given(b);
-  if (given.IsNil() || z.IsNil() != 0) {
+  if (given.IsNil() || z.ReadsNil()) {
     return set != nullptr ? MakeNil(*set) : MakeNil(*single);
   }
-  if (z.IsUndefined() != 0) {
+  if (z.ReadsAny()) {
     return 0;
   }
   return set != nullptr ? (z.*onSet)(*set, given.Get()) : (z.*onSingle)(*single, given.Get());
@@ -104,7 +113,7 @@ int NarrowSecond(const VokFenEnumInteger& z, const VokTarnAny& a, VokTarnAny& b,
     return 0;
   }
   const EnumeratedOperand given(a);
-  if (given.IsNil() || z.IsNil() != 0) {
+  if (given.IsNil() || z.ReadsNil()) {
     return set != nullptr ? MakeNil(*set) : MakeNil(*single);
   }
   if (set != nullptr) {

@@ -5,30 +5,41 @@
 // a, although no minimum is 3 then.
 
 #include "domain/VokFenEnumInteger.h"
-#include "domain/elementPredicates.h"
 #include "narrowing/dispatchFrame.h"
+#include "narrowing/unionOf.h"
 
 using namespace VokFenNarrowing;
+
+namespace {
+
+// Leaves z the members of `values`, the part of a union within the bound. An Any z takes no empty part.
+int Keep(VokFenEnumInteger& z, std::span<const VokLong> values) {
+  return values.empty() && z.ReadsAny() ? 0 : z.IntersectValues(values);
+}
+
+}  // namespace
 
 int VokFenEnumInteger::CalcMinValue(const VokTarnAny& a, const VokTarnAny& b) {
   return NarrowResult(*this, a, b, &VokFenEnumInteger::CalcMinValue);
 }
 
 int VokFenEnumInteger::CalcMinValue(const VokFenEnumInteger& a, const VokFenEnumInteger& b) {
-  if (a.IsUndefined() != 0) {
+  if (a.ReadsAny()) {
     return CalcLessOrEqualValue(b);
   }
-  if (b.IsUndefined() != 0) {
+  if (b.ReadsAny()) {
     return CalcLessOrEqualValue(a);
   }
-  if (a.GetCount() == 0 || b.GetCount() == 0) {
+  if (a.GetMembers().empty() || b.GetMembers().empty()) {
     return MakeNil(*this);
   }
-  SubIntBase bound = a.fValues[a.GetCount() - 1];
-  if (b.fValues[b.GetCount() - 1] < bound) {
-    bound = b.fValues[b.GetCount() - 1];
+  const UnionOf both(a.GetMembers(), b.GetMembers());
+  if (both.IsAny()) {
+    return 0;
   }
-  return Intersect(a, b, NotAboveBound, &bound);
+  const auto values = both.Get();
+  const VokLong bound = std::min(a.GetMembers().back(), b.GetMembers().back());
+  return Keep(*this, {values.begin(), std::upper_bound(values.begin(), values.end(), bound)});
 }
 
 int VokFenEnumInteger::CalcFirstInverseMinValue(VokTarnAny& a, const VokTarnAny& b) const {
@@ -49,20 +60,22 @@ int VokFenEnumInteger::CalcMaxValue(const VokTarnAny& a, const VokTarnAny& b) {
 }
 
 int VokFenEnumInteger::CalcMaxValue(const VokFenEnumInteger& a, const VokFenEnumInteger& b) {
-  if (a.IsUndefined() != 0) {
+  if (a.ReadsAny()) {
     return b.CalcInverseLessOrEqualValue(*this);
   }
-  if (b.IsUndefined() != 0) {
+  if (b.ReadsAny()) {
     return a.CalcInverseLessOrEqualValue(*this);
   }
-  if (a.GetCount() == 0 || b.GetCount() == 0) {
+  if (a.GetMembers().empty() || b.GetMembers().empty()) {
     return MakeNil(*this);
   }
-  SubIntBase bound = a.fValues[0];
-  if (bound < b.fValues[0]) {
-    bound = b.fValues[0];
+  const UnionOf both(a.GetMembers(), b.GetMembers());
+  if (both.IsAny()) {
+    return 0;
   }
-  return Intersect(a, b, NotBelowBound, &bound);
+  const auto values = both.Get();
+  const VokLong bound = std::max(a.GetMembers().front(), b.GetMembers().front());
+  return Keep(*this, {std::lower_bound(values.begin(), values.end(), bound), values.end()});
 }
 
 int VokFenEnumInteger::CalcFirstInverseMaxValue(VokTarnAny& a, const VokTarnAny& b) const {

@@ -2,25 +2,16 @@
 
 #include "domain/VokFenEnumInteger.h"
 #include "narrowing/dispatchFrame.h"
+#include "narrowing/negated.h"
 
 using namespace VokFenNarrowing;
-
-namespace {
-
-VokFenEnumInteger Negated(const VokFenEnumInteger& set) {
-  VokFenEnumInteger negated(set);
-  negated.Minus();
-  return negated;
-}
-
-}  // namespace
 
 int VokFenEnumInteger::CalcNegativeValue(const VokTarnNumber& a) {
   return NarrowLeft(*this, a, &VokFenEnumInteger::CalcNegativeValue);
 }
 
 int VokFenEnumInteger::CalcNegativeValue(const VokFenEnumInteger& a) {
-  return a.IsUndefined() != 0 ? 0 : Intersect(Negated(a));
+  return a.ReadsAny() ? 0 : IntersectValues(Negated(a.GetMembers()).Get(), 0, a.fEmptyMeansAny);
 }
 
 int VokFenEnumInteger::CalcInverseNegativeValue(VokTarnNumber& x) const {
@@ -29,7 +20,7 @@ int VokFenEnumInteger::CalcInverseNegativeValue(VokTarnNumber& x) const {
 }
 
 int VokFenEnumInteger::CalcInverseNegativeValue(VokFenEnumInteger& x) const {
-  return IsUndefined() != 0 ? 0 : x.Intersect(Negated(*this));
+  return x.CalcNegativeValue(*this);
 }
 
 int VokFenEnumInteger::CalcInverseNegativeValue(VokFenSingleInteger& x) const {

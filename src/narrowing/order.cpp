@@ -16,17 +16,17 @@ namespace {
 
 // The status where the states alone decide; none when both sets have members.
 std::optional<int> SettleStates(VokFenEnumInteger& narrowed, const VokFenEnumInteger& given) {
-  if (narrowed.IsUndefined() != 0 || given.IsUndefined() != 0 || narrowed.GetCount() == 0) {
+  if (narrowed.ReadsAny() || given.ReadsAny() || narrowed.GetMembers().empty()) {
     return 0;
   }
-  if (given.GetCount() == 0) {
+  if (given.GetMembers().empty()) {
     return MakeNil(narrowed);
   }
   return std::nullopt;
 }
 
 int EndCut(VokFenEnumInteger& cut) {
-  if (cut.GetCount() == 0) {
+  if (cut.GetMembers().empty()) {
     cut.SetNilValue();
   }
   return 1;

@@ -2,7 +2,6 @@
 // its own rules: where only -1 is possible, {-3, 1} becomes Nil, for "less" cuts one member more than it must.
 
 #include "domain/VokFenEnumInteger.h"
-#include "narrowing/candidateSet.h"
 #include "narrowing/dispatchFrame.h"
 
 using namespace VokFenNarrowing;
@@ -18,7 +17,8 @@ int VokFenEnumInteger::CalcSignumValue(VokTarnInteger& s) const {
     s.SetNilValue();
     return 1;
   }
-  VokFenEnumInteger signs = NoCandidates();
+  VokFenEnumInteger signs;
+  signs.SetNilValue();
   if (GetValue(0) < 0) {
     signs.Insert(-1);
   }

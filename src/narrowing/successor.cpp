@@ -1,28 +1,32 @@
-// y = next(x), that is y = x + 1: a copy of one set, shifted by one, is intersected with the other.
+// y = next(x), that is y = x + 1: one set is intersected with the other, shifted by one.
 //
 // The ends of the integer range are treated differently on purpose. The forward routine keeps sNC_INT_MAX in
 // x and shifts it like every member; the element addition absorbs there, so x = {MAX} allows y = {MAX}. The
 // inverse takes sNC_INT_MIN out of y first, for it is nobody's successor.
 
+#include <algorithm>
+
 #include "domain/VokFenEnumInteger.h"
+#include "domain/scratch.h"
 #include "narrowing/dispatchFrame.h"
 
 using namespace VokFenNarrowing;
 
 namespace {
 
-void AddStep(SubIntBase& member, void* step) {
-  member = SubIntBase::base_plus(member, *static_cast<const VokLong*>(step));
-}
-
-// Shifts every member. Members that meet at an end of the range become one.
-void Shift(VokSVectorImp_SubIntBase& members, VokLong step) {
-  members.ForEach(AddStep, &step);
-  for (unsigned i = members.Size(); i > 1; --i) {
-    if (members[i - 1] == members[i - 2]) {
-      members.DetachAt(i - 1, 1);
-    }
+// Intersects the set with the members of `from` plus step, whose flag an Any set takes over. Members that meet at an
+// end of the range become one.
+int NarrowToShifted(VokFenEnumInteger& set, std::span<const VokLong> from, VokLong step, int emptyMeansAny) {
+  if (from.front() > SubIntBase::sMin && from.back() < SubIntBase::sMax) {
+    return set.IntersectValues(from, step, emptyMeansAny);
   }
+  VokFenDomain::Scratch scratch(from.size());
+  VokLong* const shifted = scratch.GetNumbers();
+  if (shifted == nullptr) {
+    return 0;
+  }
+  std::transform(from.begin(), from.end(), shifted, [step](VokLong v) { return SubIntBase::base_plus(v, step); });
+  return set.IntersectValues({shifted, std::unique(shifted, shifted + from.size())}, 0, emptyMeansAny);
 }
 
 }  // namespace
@@ -32,15 +36,10 @@ int VokFenEnumInteger::CalcNextValue(const VokTarnScalar& x) {
 }
 
 int VokFenEnumInteger::CalcNextValue(const VokFenEnumInteger& x) {
-  if (x.IsUndefined() != 0) {
+  if (x.ReadsAny()) {
     return 0;
   }
-  if (x.GetCount() == 0) {
-    return MakeNil(*this);
-  }
-  VokFenEnumInteger successors(x);
-  Shift(successors.fValues, 1);
-  return Intersect(successors);
+  return x.GetMembers().empty() ? MakeNil(*this) : NarrowToShifted(*this, x.GetMembers(), 1, x.fEmptyMeansAny);
 }
 
 int VokFenEnumInteger::CalcInverseNextValue(VokTarnScalar& x) const {
@@ -48,7 +47,7 @@ int VokFenEnumInteger::CalcInverseNextValue(VokTarnScalar& x) const {
 }
 
 int VokFenEnumInteger::CalcInverseNextValue(VokFenEnumInteger& x) const {
-  if (IsUndefined() != 0) {
+  if (ReadsAny()) {
     // The greatest integer has no successor, whatever y is.
     const unsigned n = x.GetCount();
     if (n == 0 || x.GetValue(n - 1) != VokFenSingleInteger::sNC_INT_MAX) {
@@ -57,15 +56,11 @@ int VokFenEnumInteger::CalcInverseNextValue(VokFenEnumInteger& x) const {
     x.fValues.DetachAt(n - 1, 1);
     return x.GetCount() == 0 ? x.SetNilValue() : 1;
   }
-  VokFenEnumInteger predecessors(*this);
-  if (predecessors.GetCount() > 0 && predecessors.GetValue(0) == VokFenSingleInteger::sNC_INT_MIN) {
-    predecessors.fValues.DetachAt(0, 1);
+  auto from = GetMembers();
+  if (!from.empty() && from.front() == VokFenSingleInteger::sNC_INT_MIN) {
+    from = from.subspan(1);
   }
-  if (predecessors.GetCount() == 0) {
-    return MakeNil(x);
-  }
-  Shift(predecessors.fValues, -1);
-  return x.Intersect(predecessors);
+  return from.empty() ? MakeNil(x) : NarrowToShifted(x, from, -1, fEmptyMeansAny);
 }
 
 int VokFenEnumInteger::CalcInverseNextValue(VokFenSingleInteger& x) const {

@@ -1,7 +1,6 @@
 // Intersections and unions against plain set theory, over all small operands.
 #include <gtest/gtest.h>
 
-#include "domain/elementPredicates.h"
 #include "numbers/SDError.h"
 #include "support/enumSets.h"
 
@@ -10,6 +9,13 @@ using namespace enumSets;
 namespace {
 
 const Model kEvery{true};
+
+int NotAboveBound(const SubIntBase& element, void* bound) {
+  return element <= *static_cast<const SubIntBase*>(bound) ? 1 : 0;
+}
+int NotBelowBound(const SubIntBase& element, void* bound) {
+  return element >= *static_cast<const SubIntBase*>(bound) ? 1 : 0;
+}
 
 template <class Keep>
 Model Filter(Model model, Keep keep) {

@@ -1,6 +1,7 @@
 // Every narrowing operation, through the generic entry and on sets directly, against the plain way of doing it.
 #include <gtest/gtest.h>
 
+#include "domain/kernels/KernelChoice.h"
 #include "narrowing/literal.h"
 
 namespace narrowing {
@@ -94,6 +95,10 @@ void Compare(const Operation& op, const Operation& typed, Case c, unsigned role,
       return operands[static_cast<std::size_t>(std::find(at, at + 3, at[i]) - at)];
     };
     const Outcome expected = literal::Run(op, c, direct);
+    // The variants of the inner loops take turns.
+    static std::size_t turn = 0;
+    const auto kernels = VokFenEnumInteger::KernelChoice::GetRunnable();
+    VokFenEnumInteger::KernelChoice::Use(*kernels[++turn % kernels.size()]);
     const int status = (direct ? typed : op).run(operand(0).Get(), operand(1).Get(), operand(2).Get());
     ASSERT_EQ(status, expected.status) << Show(op, c) << where << (direct ? " typed" : "");
     for (unsigned i = 0; i < op.operands; ++i) {
@@ -142,6 +147,49 @@ TEST(NarrowingDifferential, SmallSets) {
 
 TEST(NarrowingDifferential, SetsAroundTheLimit) {
   CompareMany(true, kLargeCases);
+}
+
+// Sums and differences of about as many pairs as the limit allows candidates, near and far, disturbed or not, so that
+// 1023, 1024 and 1025 different values come in every way in which they are formed.
+TEST(NarrowingDifferential, SumsOfAsManyPairsAsTheLimit) {
+  static unsigned seed = 7;
+  Generator make(++seed);
+  for (std::size_t k = 0; k < support::Operations().size(); ++k) {
+    const Operation& op = support::Operations()[k];
+    if (!op.name.ends_with("sum")) {
+      continue;
+    }
+    const unsigned other = op.narrowed == 0 ? 1 : 0;
+    for (int i = 0; i < 6 * kLargeCases; ++i) {
+      const int na = 2 + make.Below(make.Below(2) == 0 ? 8 : 60);
+      const int nb = 1024 / na + make.Below(3) - 1;
+      const VokLong step = make.Below(3) == 0 ? 1 : 1 + make.Below(make.Below(2) == 0 ? 40 : 70000);
+      // Rows without a gap between them, or with a sum in common.
+      const VokLong stride = (na - (make.Below(4) == 0 ? 1 : 0)) * step;
+      Case c = {literal::SetOf({}, true), literal::SetOf({}, true), literal::SetOf({}, true)};
+      for (int j = 0; j < na; ++j) {
+        c[other].values.push_back(j * step);
+      }
+      for (int j = 0; j < nb; ++j) {
+        c[2].values.push_back(j * stride + (make.Below(60) == 0 && stride > 1 ? make.Below(stride) : 0));
+      }
+      c[other] = literal::SetOf(c[other].values);
+      c[2] = literal::SetOf(c[2].values);
+      Compare(op, support::Operations<VokFenEnumInteger>()[k], c, 0, " seed " + std::to_string(seed));
+      Values values = literal::Run(op, c, true).after[op.narrowed].values;
+      for (int j = make.Below(400); j > 0; --j) {
+        values.push_back((make.Below(na) + make.Below(nb) * na) * step + make.Below(2));
+      }
+      std::sort(values.begin(), values.end());
+      values.erase(std::unique(values.begin(), values.end()), values.end());
+      values.resize(std::min<std::size_t>(values.size(), make.Below(2) == 0 ? 1024 : 30));
+      c[op.narrowed] = literal::SetOf(values);
+      Compare(op, support::Operations<VokFenEnumInteger>()[k], c, 0, " seed " + std::to_string(seed));
+      if (testing::Test::HasFatalFailure()) {
+        return;
+      }
+    }
+  }
 }
 
 }  // namespace

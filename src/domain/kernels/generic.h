@@ -12,12 +12,12 @@ namespace VokFenKernels {
 
 #define VOK_INLINE [[gnu::always_inline]] static inline
 
-// Vectors that may stand at any address.
-using Words16 [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = std::uint64_t;
-using Words32 [[gnu::vector_size(32), gnu::aligned(1), gnu::may_alias]] = std::uint64_t;
-using Words64 [[gnu::vector_size(64), gnu::aligned(1), gnu::may_alias]] = std::uint64_t;
-using Numbers16 [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = VokLong;
-using Numbers32 [[gnu::vector_size(32), gnu::aligned(1), gnu::may_alias]] = VokLong;
+// Vectors; what stands at any address is copied into them.
+using Words16 [[gnu::vector_size(16)]] = std::uint64_t;
+using Words32 [[gnu::vector_size(32)]] = std::uint64_t;
+using Words64 [[gnu::vector_size(64)]] = std::uint64_t;
+using Numbers16 [[gnu::vector_size(16)]] = VokLong;
+using Numbers32 [[gnu::vector_size(32)]] = VokLong;
 
 // Without branches on the comparisons, whose outcomes nobody can foretell: positions move by their numbers.
 VOK_INLINE unsigned IntersectSingly(const VokLong* a, const VokLong* aEnd, const VokLong* b, const VokLong* bEnd,
@@ -84,15 +84,16 @@ VOK_INLINE unsigned KeepBitsSingly(const VokLong* values, unsigned n, VokLong ba
 template <class Numbers>
 VOK_INLINE unsigned KeepListedIn(const VokLong* values, unsigned n, const VokLong* listed, unsigned listedCount,
                                  VokLong* out) {
-  constexpr unsigned kLanes = sizeof(Numbers) / sizeof(VokLong);
+  constexpr std::size_t kLanes = sizeof(Numbers) / sizeof(VokLong);
   unsigned kept = 0;
   for (unsigned i = 0; i < n; ++i) {
     const Numbers value = Numbers{} + values[i];
     Numbers found[4] = {};
-    for (unsigned j = 0; j < listedCount; j += 4 * kLanes) {
-      const Numbers* const next = reinterpret_cast<const Numbers*>(listed + j);
+    for (std::size_t j = 0; j < listedCount; j += 4 * kLanes) {
       for (unsigned k = 0; k < 4; ++k) {
-        found[k] |= next[k] == value;
+        Numbers next;
+        std::memcpy(&next, listed + j + k * kLanes, sizeof next);
+        found[k] |= next == value;
       }
     }
     found[0] |= found[1] | found[2] | found[3];
@@ -130,12 +131,14 @@ VOK_INLINE void OrRowsIn(std::uint64_t* result, unsigned blocks, const unsigned 
       const unsigned char* const from = bits + (static_cast<std::ptrdiff_t>(start / 8) - shift / 8);
       for (unsigned k = 0; k < kParts; ++k) {
         // The byte in front of each word gives the bits that its own shift leaves empty.
-        const Words word = *reinterpret_cast<const Words*>(from + k * sizeof(Words));
-        const Words before = *reinterpret_cast<const Words*>(from + k * sizeof(Words) - 1);
+        Words word;
+        Words before;
+        std::memcpy(&word, from + k * sizeof word, sizeof word);
+        std::memcpy(&before, from + k * sizeof word - 1, sizeof before);
         joined[k] |= word << up | before >> (8 - up);
       }
     }
-    std::memcpy(result + 8 * block, joined, sizeof joined);
+    std::memcpy(result + std::size_t{8} * block, joined, sizeof joined);
   }
 }
 

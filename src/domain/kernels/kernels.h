@@ -1,18 +1,16 @@
 // The inner loops of the enumerated set, once in portable C++ and once for each instruction set that speeds them up.
 //
 // Every variant gives the same results; tests compare them. All but the portable one use instructions that the
-// processor may lack, so they are called through the table that GetKernels chooses when the module is loaded.
+// processor may lack, so they are called through a table that is chosen when the module is loaded.
 // Numbers ascend strictly unless a comment says otherwise. An output array has room for kSlack numbers more than
 // it can receive and does not overlap the inputs.
 //
-// Internal to the module; exported for the tests alone.
+// Internal to the module.
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "framework/VokLong.h"
-#include "framework/VokTarnExport.h"
 
 namespace VokFenKernels {
 
@@ -47,11 +45,11 @@ struct Kernels {
   unsigned (*fCountBits)(const std::uint64_t* bits, unsigned words);
 };
 
-// The variants that this processor can run, the portable one first.
-VOKTARN_EXPORT std::span<const Kernels* const> GetRunnable();
-// The one in use: the last runnable one unless SetKernels has chosen another.
-VOKTARN_EXPORT const Kernels& GetKernels() noexcept;
-VOKTARN_EXPORT void SetKernels(const Kernels& kernels) noexcept;
+// The kernels in use: those of the best instruction set that this processor has, unless a test chose others.
+extern const Kernels* sKernels;
+inline const Kernels& GetKernels() noexcept {
+  return *sKernels;
+}
 
 extern const Kernels kPortable;
 #if defined(__x86_64__)

@@ -1,6 +1,6 @@
-#include <array>
+#include "domain/kernels/KernelChoice.h"
 
-#include "domain/kernels/kernels.h"
+#include <array>
 
 namespace VokFenKernels {
 
@@ -26,23 +26,26 @@ struct Runnable {
   }
 };
 
-const Runnable rRunnable;
-// Portable until the choice is made, for other static objects may come first.
-const Kernels* sKernels = &kPortable;
-const bool rChosen = (sKernels = rRunnable.fKernels[rRunnable.fCount - 1], true);
+const Runnable& GetTable() noexcept {
+  static const Runnable sRunnable;
+  return sRunnable;
+}
 
 }  // namespace
 
-std::span<const Kernels* const> GetRunnable() {
-  return {rRunnable.fKernels.data(), rRunnable.fCount};
-}
+// Portable until this library's static objects are made.
+const Kernels* sKernels = &kPortable;
 
-const Kernels& GetKernels() noexcept {
-  return *sKernels;
-}
-
-void SetKernels(const Kernels& kernels) noexcept {
-  sKernels = &kernels;
+namespace {
+const bool rChosen = (sKernels = GetTable().fKernels[GetTable().fCount - 1]) != nullptr;
 }
 
 }  // namespace VokFenKernels
+
+std::span<const VokFenKernels::Kernels* const> VokFenEnumInteger::KernelChoice::GetRunnable() noexcept {
+  return {VokFenKernels::GetTable().fKernels.data(), VokFenKernels::GetTable().fCount};
+}
+
+void VokFenEnumInteger::KernelChoice::Use(const VokFenKernels::Kernels& kernels) noexcept {
+  VokFenKernels::sKernels = &kernels;
+}
