@@ -17,8 +17,7 @@
 //            Nil. It is kept meanwhile and decides again when the last member goes.
 // Ownership  Holds its vector by value; operands are borrowed for the call; temporaries stay on the stack.
 // Cost       n members: search O(log n), insertion and removal O(n), set algebra O(n). A sum, product, remainder or
-// power
-//            combines every pair of members and keeps at most sMAX_CARD results.
+//            power looks at every pair of members at most, mostly at far fewer, and keeps at most sMAX_CARD results.
 // Errors     Throws nothing, prints nothing: an impossible set is Nil, one too large to list is Any.
 // Narrowing  The generic entries (on VokTarnAny, VokTarnScalar, VokTarnNumber) find out what the operands
 //            are and hand over to the typed routines. Every operand of an operation may be the same object.
