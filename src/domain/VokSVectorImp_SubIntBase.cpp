@@ -81,7 +81,7 @@ VokSVectorImp_SubIntBase& VokSVectorImp_SubIntBase::operator=(const VokSVectorIm
     std::fill(fData + other.fSize, fData + fCapacity, SubIntBase());
   }
   fValid = fCapacity == other.fCapacity ? 1 : 0;
-  fSize = fValid != 0 ? other.fSize : 0;
+  fSize = fValid != 0 && fData != nullptr ? other.fSize : 0;
   fDelta = other.fDelta;
   fFactor = other.fFactor;
   fBitwiseCopy = other.fBitwiseCopy;

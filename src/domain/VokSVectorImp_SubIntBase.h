@@ -98,5 +98,4 @@ class VOKTARN_EXPORT VokSVectorImp_SubIntBase {
   int fBitwiseCopy;
 };
 
-static_assert(sizeof(SubIntBase) == sizeof(VokLong) && alignof(SubIntBase) == alignof(VokLong),
-              "an array of elements is read as an array of numbers");
+static_assert(sizeof(SubIntBase) == sizeof(VokLong), "an array of elements is read as an array of numbers");

@@ -17,7 +17,7 @@ void CandidateValues::GetSorted(VokLong* values) const noexcept {
   if (fAreBits) {
     for (unsigned i = 0; i < (fWidth + 31) / 32; ++i) {
       for (VokULong word = fCells[i]; word != 0; word &= word - 1) {
-        *next++ = static_cast<VokLong>(fLower + 32 * i + std::countr_zero(word));
+        *next++ = static_cast<VokLong>(fLower + std::int64_t{32} * i + std::countr_zero(word));
       }
     }
     return;

@@ -9,7 +9,7 @@
 //                  D > limit. O(na * W / 512)
 //   few pairs      each member is looked for among the sums, without a branch. O(n * na * nb / 16)
 //   one stride     the common divisor of all distances makes a wide hull small
-//   else           the pairs in a hash table, until it has overflowed
+//   else           the residues of the pairs, which are quick to count; then the pairs in a hash table
 //
 // D = limit counts as an overflow unless the last pair is the first to give its value (candidateSet.h). The last sum is
 // the greatest, which no other pair gives; the last difference may have been there.
@@ -25,6 +25,7 @@
 #include "domain/kernels/kernels.h"
 #include "narrowing/candidateSet.h"
 #include "narrowing/dispatchFrame.h"
+#include "narrowing/pairs.h"
 
 using namespace VokFenNarrowing;
 
@@ -37,10 +38,6 @@ using VokFenKernels::kSlack;
 constexpr unsigned kAny = std::numeric_limits<unsigned>::max();
 constexpr unsigned kWords = 512;
 constexpr unsigned kMaxWidth = 64 * kWords;
-
-unsigned GetLimit() {
-  return std::min(kMaxCandidates, unsigned{VokFenEnumInteger::sMAX_CARD});
-}
 
 unsigned Count(Values values) {
   return static_cast<unsigned>(values.size());
@@ -78,7 +75,8 @@ struct Sums {
 
   // Whether more distinct values than usable came. Requires: no pair was left out.
   bool IsTooMany(unsigned distinct) const {
-    return distinct > GetLimit() || (distinct == GetLimit() && CountPairs() > distinct && IsLastRepeated());
+    return distinct > LimitOfCandidates() ||
+           (distinct == LimitOfCandidates() && CountPairs() > distinct && IsLastRepeated());
   }
 };
 
@@ -95,7 +93,7 @@ class Bits {
     unsigned at = 0;
     for (const VokLong v : values) {
       const unsigned bit = Distance(values.front(), v);
-      word = (bit / 64 == at ? word : 0) | std::uint64_t{1} << bit % 64;
+      word = (word & (0 - std::uint64_t{bit / 64 == at})) | std::uint64_t{1} << bit % 64;
       at = bit / 64;
       fWords[at] = word;
     }
@@ -110,23 +108,55 @@ class Bits {
  private:
   unsigned fWidth;
   std::uint64_t* fWords;
-  std::array<std::uint64_t, kWords + 2 * VokFenKernels::kBitPadding / sizeof(std::uint64_t)> fStorage;
+  std::array<std::uint64_t, kWords + std::size_t{2} * VokFenKernels::kBitPadding / sizeof(std::uint64_t)> fStorage;
 };
 
-// Whether some rows alone give more distinct sums than usable.
-bool DoFewRowsOverflow(const Bits& bits, Values rows, unsigned words) {
-  constexpr std::size_t kRows = 6;
+// Whether some rows, spread over all, give more distinct sums than usable. Looked at after a few: rows of many values
+// far apart overflow at once.
+bool DoSomeRowsOverflow(const Bits& bits, Values rows, std::size_t valuesOfRow, unsigned words) {
+  constexpr std::size_t kFew = 4;
+  const std::size_t limit = LimitOfCandidates();
+  const std::size_t last = std::min(rows.size(), kFew + 2 * limit / valuesOfRow) - 1;
   std::array<std::uint64_t, kWords + 1> joined;
   std::fill_n(joined.begin(), words + 1, 0);
-  for (std::size_t i = 0; i < kRows; ++i) {
-    const VokLong row = rows[i * (rows.size() - 1) / (kRows - 1)];
+  for (std::size_t i = 0; i <= last; ++i) {
+    const VokLong row = rows[i * (rows.size() - 1) / last];
     GetKernels().fOrShifted(joined.data(), bits.GetWords(), bits.GetWordCount(), Distance(rows.front(), row));
+    const bool canBe = (i + 1) * valuesOfRow > limit;
+    if (canBe && (i == kFew || i == last) && GetKernels().fCountBits(joined.data(), words) > limit) {
+      return true;
+    }
   }
-  return GetKernels().fCountBits(joined.data(), words) > GetLimit();
+  return false;
 }
 
 // The routines below write the values that are sums to `kept` and return their number, or kAny where the sums
 // are too many to tell.
+
+// Requires: the hull of the sums is at most 128 and below the limit.
+unsigned KeepByTwoWords(const Sums& sums, Values values, VokLong* kept) {
+  __extension__ using Words = unsigned __int128;
+  // One of the hulls is at most 64.
+  const bool rowsAreA = Distance(sums.fA.front(), sums.fA.back()) > Distance(sums.fB.front(), sums.fB.back());
+  const Values rows = rowsAreA ? sums.fA : sums.fB;
+  const Values others = rowsAreA ? sums.fB : sums.fA;
+  std::uint64_t bits = 0;
+  for (const VokLong v : others) {
+    bits |= std::uint64_t{1} << Distance(others.front(), v);
+  }
+  Words joined = 0;
+  for (const VokLong row : rows) {
+    joined |= Words{bits} << Distance(rows.front(), row);
+  }
+  const VokLong lower = sums.GetLower();
+  unsigned count = 0;
+  for (const VokLong v : values) {
+    const unsigned at = Distance(lower, v);
+    kept[count] = v;
+    count += static_cast<unsigned>(joined >> at % 128) & (at < 128 ? 1U : 0U);
+  }
+  return count;
+}
 
 // Requires: the hull of the sums is at most kMaxWidth.
 unsigned KeepByBits(const Sums& sums, Values values, VokLong* kept) {
@@ -136,11 +166,12 @@ unsigned KeepByBits(const Sums& sums, Values values, VokLong* kept) {
   };
   const bool rowsAreA = steps(sums.fA, sums.fB) < steps(sums.fB, sums.fA);
   const Values rows = rowsAreA ? sums.fA : sums.fB;
-  const Bits bits(rowsAreA ? sums.fB : sums.fA);
+  const Values others = rowsAreA ? sums.fB : sums.fA;
+  const Bits bits(others);
   const unsigned width = sums.GetDistance() + 1;
   const unsigned words = (width + 63) / 64;
-  const bool mayOverflow = width >= GetLimit() && sums.CountPairs() > GetLimit();
-  if (mayOverflow && DoFewRowsOverflow(bits, rows, words)) {
+  const bool mayOverflow = width >= LimitOfCandidates() && sums.CountPairs() > LimitOfCandidates();
+  if (mayOverflow && DoSomeRowsOverflow(bits, rows, others.size(), words)) {
     return kAny;
   }
   std::array<std::uint64_t, kWords + 8> joined;
@@ -158,13 +189,31 @@ unsigned KeepListed(const Sums& sums, Values values, VokLong* kept) {
   std::array<VokLong, kMaxCandidates + kGroup> listed;
   unsigned count = 0;
   for (const VokLong a : sums.fA) {
-    for (const VokLong b : sums.fB) {
-      listed[count++] = a + b;
+    VokLong* const row = listed.data() + count;
+    const VokLong* const b = sums.fB.data();
+    const unsigned nb = Count(sums.fB);
+    for (unsigned j = 0; j < nb; ++j) {
+      row[j] = a + b[j];
     }
+    count += nb;
   }
   const unsigned end = (count + kGroup - 1) / kGroup * kGroup;
   std::fill(listed.begin() + count, listed.begin() + end, listed[0]);
   return GetKernels().fKeepListed(values.data(), Count(values), listed.data(), end, kept);
+}
+
+// More distinct residues than usable are more distinct sums. Counted without branches on what a residue is.
+bool DoResiduesOverflow(const Sums& sums) {
+  Residues residues;
+  for (const VokLong a : sums.fA) {
+    for (const VokLong b : sums.fB) {
+      residues.Add(a + b);
+    }
+    if (residues.GetCount() > LimitOfCandidates()) {
+      return true;
+    }
+  }
+  return false;
 }
 
 unsigned KeepByTable(const Sums& sums, Values values, VokLong* kept) {
@@ -226,7 +275,7 @@ unsigned KeepByStrides(const Sums& sums, VokULong stride, Values values, VokLong
 unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
   const std::size_t na = sums.fA.size();
   const std::size_t nb = sums.fB.size();
-  if (na + nb - 1 > GetLimit()) {
+  if (na + nb - 1 > LimitOfCandidates()) {
     return kAny;
   }
   if (nb == 1) {
@@ -235,11 +284,14 @@ unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
   if (na == 1) {
     return VokFenDomain::IntersectInto(values, sums.fB, sums.fA[0], kept);
   }
+  if (sums.GetDistance() < std::min(128U, LimitOfCandidates())) {
+    return KeepByTwoWords(sums, values, kept);
+  }
   // Rough counts of cycles. The table's is that of its worst case.
   const VokULong distance = sums.GetDistance();
   const std::size_t pairs = sums.CountPairs();
   const std::size_t byTable = 4 * pairs + 1000;
-  const std::size_t byList = pairs <= GetLimit() ? values.size() * pairs / 12 + pairs : byTable;
+  const std::size_t byList = pairs <= LimitOfCandidates() ? values.size() * pairs / 12 + pairs : byTable;
   const std::size_t byBits = 3 * std::min(na, nb) * (distance / 512 + 1) + distance / 16 + 4 * (na + nb);
   if (distance < kMaxWidth && byBits <= std::min(byList, byTable)) {
     return KeepByBits(sums, values, kept);
@@ -248,7 +300,10 @@ unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
     return KeepListed(sums, values, kept);
   }
   const VokULong stride = CommonDivisor(sums.fB, CommonDivisor(sums.fA, Distance(sums.fA[0], sums.fA[1])));
-  return distance / stride < kMaxWidth ? KeepByStrides(sums, stride, values, kept) : KeepByTable(sums, values, kept);
+  if (distance / stride < kMaxWidth) {
+    return KeepByStrides(sums, stride, values, kept);
+  }
+  return pairs > LimitOfCandidates() && DoResiduesOverflow(sums) ? kAny : KeepByTable(sums, values, kept);
 }
 
 // The operands as they come, to be added or subtracted.
@@ -305,7 +360,7 @@ int Narrow(VokFenEnumInteger& set, const Pairs& pairs) {
     return set.SetNilValue();
   }
   const bool isExact = pairs.AreExact();
-  if (isExact && pairs.fA.size() + pairs.fB.size() - 1 > GetLimit()) {
+  if (isExact && pairs.fA.size() + pairs.fB.size() - 1 > LimitOfCandidates()) {
     return 0;
   }
   if (!isExact || set.GetMembers().empty() || set.GetMembers().size() > kMaxCandidates) {
@@ -320,7 +375,7 @@ int Narrow(VokFenEnumInteger& set, const Pairs& pairs) {
 int Narrow(VokFenSingleInteger& single, const Pairs& pairs) {
   const VokLong v = single.GetExactValue();
   const bool isExact = !pairs.fA.empty() && !pairs.fB.empty() && pairs.AreExact();
-  if (isExact && pairs.fA.size() + pairs.fB.size() - 1 > GetLimit()) {
+  if (isExact && pairs.fA.size() + pairs.fB.size() - 1 > LimitOfCandidates()) {
     return 0;
   }
   if (pairs.fA.empty() || pairs.fB.empty()) {

@@ -84,12 +84,12 @@ VOK_INLINE unsigned KeepBitsSingly(const VokLong* values, unsigned n, VokLong ba
 template <class Numbers>
 VOK_INLINE unsigned KeepListedIn(const VokLong* values, unsigned n, const VokLong* listed, unsigned listedCount,
                                  VokLong* out) {
-  constexpr unsigned kLanes = sizeof(Numbers) / sizeof(VokLong);
+  constexpr std::size_t kLanes = sizeof(Numbers) / sizeof(VokLong);
   unsigned kept = 0;
   for (unsigned i = 0; i < n; ++i) {
     const Numbers value = Numbers{} + values[i];
     Numbers found[4] = {};
-    for (unsigned j = 0; j < listedCount; j += 4 * kLanes) {
+    for (std::size_t j = 0; j < listedCount; j += 4 * kLanes) {
       for (unsigned k = 0; k < 4; ++k) {
         Numbers next;
         std::memcpy(&next, listed + j + k * kLanes, sizeof next);
@@ -138,7 +138,7 @@ VOK_INLINE void OrRowsIn(std::uint64_t* result, unsigned blocks, const unsigned 
         joined[k] |= word << up | before >> (8 - up);
       }
     }
-    std::memcpy(result + 8 * block, joined, sizeof joined);
+    std::memcpy(result + std::size_t{8} * block, joined, sizeof joined);
   }
 }
 
