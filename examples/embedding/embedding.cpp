@@ -42,7 +42,8 @@ void SolveText(tarn::Modules& modules) {
 VokTarnValueId AddVariable(VokTarnNetwork& network, VokTarnType type, const char* name, const char* domain) {
   const VokTarnValueId id = network.AddValue(type, name);
   std::istringstream text(domain);
-  network.GetValue(id).InputValue(text);
+  network.Touch(id).InputValue(text);
+  network.NoteChange(id);
   return id;
 }
 

@@ -97,16 +97,16 @@ template <class Marks, class Row>
 int KeepMarked(VokFenEnumInteger& narrowed, std::span<const VokLong> outer, Row row) {
   const std::span<const VokLong> members = narrowed.GetMembers();
   Marks marks(members);
-  const auto countLeading = [&] {
-    std::size_t i = 0;
-    while (i < members.size() && marks.IsMarked(i, members[i])) {
-      ++i;
+  std::size_t leading = 0;
+  const auto areAllMarked = [&] {
+    while (leading < members.size() && marks.IsMarked(leading, members[leading])) {
+      ++leading;
     }
-    return i;
+    return leading == members.size();
   };
   for (std::size_t r = 0; r < outer.size(); ++r) {
     row(outer[r], [&marks](VokLong v) { marks.Mark(v); });
-    if ((r & (r + 1)) == 0 && countLeading() == members.size()) {
+    if ((r & (r + 1)) == 0 && areAllMarked()) {
       return 0;
     }
   }
