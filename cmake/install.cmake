@@ -11,7 +11,7 @@ install(TARGETS tarn VokTarn VokFenAbstractTypes VokFenNumbers VokFenEnumInteger
 # A header with a class bears its name; the others serve the libraries' own sources.
 install(DIRECTORY src/framework src/numbers src/constraints src/domain src/tarn DESTINATION ${voktarn_include_dir}
   FILES_MATCHING PATTERN "[A-Z]*.h"
-  PATTERN commands EXCLUDE)
+  PATTERN commands EXCLUDE PATTERN kernels EXCLUDE)
 
 # ---- For find_package and pkg-config
 install(EXPORT VokTarnTargets NAMESPACE VokTarn:: DESTINATION ${voktarn_package_dir})
