@@ -120,7 +120,8 @@ all different {brackets(letters)};
 
 """
     for word, total in words:
-        text += f"{' + '.join(word)} = {total};\n"
+        terms = [f"{word.count(c)} * {c}" if word.count(c) > 1 else c for c in sorted(set(word))]
+        text += f"sum [{', '.join(terms)}] = {total};\n"
     return text
 
 
@@ -154,17 +155,40 @@ all different {brackets(x)};
 """
 
 
+def squares(low, high):
+    """The domain of squares."""
+    return "{\n" + wrap([str(i * i) for i in range(low, high + 1)]) + "\n}"
+
+
 def magic_squares():
     cell = [[f"{'abcd'[r]}{c + 1}" for c in range(4)] for r in range(4)]
     lines = cell + [list(column) for column in zip(*cell)]
     lines += [[cell[i][i] for i in range(4)], [cell[i][3 - i] for i in range(4)]]
-    sums = "\n".join(f"{' + '.join(f'{c} * {c}' for c in line)} = 2823;" for line in lines)
+    sums = "\n".join(f"{' + '.join(line)} = 2823;" for line in lines)
     cells = [c for row in cell for c in row]
     return f"""// A square whose cells are different squares; its rows, columns and diagonals add up to 2823.
-{wrap(cells, "")} : enum int [0, 53];
+{wrap(cells, "")} : enum int {squares(0, 53)};
 
 {sums}
 all different {brackets(cells)};
+"""
+
+
+def pythagorean(n):
+    return f"""// Right-angled triangles with whole sides up to {n}, by the squares of their sides.
+aa, bb, cc : enum int {squares(1, n)};
+aa < bb;
+bb < cc;
+aa + bb = cc;
+"""
+
+
+def three_squares():
+    return f"""// 700001 as a sum of three squares.
+xx, yy, zz : enum int {squares(0, 836)};
+xx <= yy;
+yy <= zz;
+xx + yy + zz = 700001;
 """
 
 
@@ -193,7 +217,7 @@ class RadioLinks:
     def model(self):
         f = names("f", len(self.lists))
         text = """// Radio links: each has a list of frequencies that it may use, and two links that disturb one another need one of the
-// distances that their filters can separate.
+// distances that their filters separate.
 """
         for name, values in zip(f, self.lists):
             text += f"{name} : enum int {{{wrap(list(map(str, values)), '  ').strip()}}};\n"
@@ -227,10 +251,14 @@ def main():
     write("square-chain-26.tarn", square_chain(26))
     write("prime-ring-14.tarn", prime_ring(14))
     write("magic-squares.tarn", magic_squares())
+    write("pythagorean-1000.tarn", pythagorean(1000))
+    write("three-squares.tarn", three_squares())
     for name, *arguments in RADIO:
         radio = RadioLinks(*arguments)
         write(f"{name}.tarn", radio.model())
         write(f"{name}.data", radio.data())
+        if name == "radio-60-2" and len(sys.argv) == 1:
+            write("../../examples/radio-links.tarn", radio.model())
 
 
 # Seed, links, near, frequencies of a link, distances, greatest frequency.
