@@ -122,5 +122,9 @@ extern "C" VOKTARN_EXPORT int InitModule(VokTarnModule* module, VokTarnModuleMan
   if (VokTarnInteger::sDescriptor == nullptr || VokTarnBoolean::sDescriptor == nullptr) {
     return 0;
   }
-  return PublishConstraints(*module) ? PublishOperators(*module) : 0;
+  if (!PublishConstraints(*module)) {
+    return 0;
+  }
+  VokTarnAllDifferentConstraint::sDescriptor->SetTakesShifts();
+  return PublishOperators(*module);
 }

@@ -2,6 +2,7 @@
 // choice of the operator has brought to types that they take.
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "constraints/VokTarnAdditionConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
@@ -48,6 +49,27 @@ bool IsOnePassEnough(const VokTarnObjectEnvironment& environment) {
          !environment.AreSame(kA, kResult) && !environment.AreSame(kB, kResult);
 }
 
+// r = a * a for a listed a: as a product of two operands it would pair each value of a with all others.
+int KeepSquares(const VokTarnObjectEnvironment& environment) {
+  std::vector<VokLong> roots;
+  std::vector<VokLong> squares;
+  for (const std::int64_t v : environment.Members(kA)) {
+    if (v * v < SubIntBase::sMax) {
+      roots.push_back(static_cast<VokLong>(v));
+      squares.push_back(static_cast<VokLong>(v * v));
+    }
+  }
+  std::sort(squares.begin(), squares.end());
+  squares.erase(std::unique(squares.begin(), squares.end()), squares.end());
+  const int changed = KeepValues(environment, kResult, squares);
+  if (environment.IsFailed()) {
+    return changed;
+  }
+  const VokTarnInteger& r = environment.Integer(kResult);
+  std::erase_if(roots, [&r](VokLong v) { return !r.IsPossible(v * v); });
+  return changed | KeepValues(environment, kA, roots);
+}
+
 }  // namespace
 
 std::optional<std::int64_t> VokTarnAdditionConstraint::Compute(std::int64_t a, std::int64_t b) const {
@@ -75,6 +97,10 @@ std::optional<std::int64_t> VokTarnMultiplicationConstraint::Compute(std::int64_
 }
 
 int VokTarnMultiplicationConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  if (GetForm() != VokTarnForm::Inverse && environment.AreSame(kA, kB) && !environment.AreSame(kA, kResult) &&
+      !environment.Members(kA).empty()) {
+    return KeepSquares(environment);
+  }
   const VokTarnInteger& a = environment.Integer(kA);
   const VokTarnInteger& b = environment.Integer(kB);
   const VokTarnInteger& r = environment.Integer(kResult);

@@ -45,8 +45,12 @@ class VOKTARN_EXPORT VokTarnConstraintDescriptor : public VokTarnObjectDescripto
   VokTarnConstraint* Create(std::span<const VokTarnValueId> arguments, VokTarnForm form,
                             std::span<const VokLong> constants = {}) const;
   bool TakesAnyOperands() const noexcept { return fOperands == Operands::Any; }
+  // Whether constants, one for each argument, say what is to be added to it.
+  bool TakesShifts() const noexcept { return fTakesShifts; }
+  void SetTakesShifts() noexcept { fTakesShifts = true; }
 
  private:
   Factory fFactory;
   Operands fOperands;
+  bool fTakesShifts = false;
 };

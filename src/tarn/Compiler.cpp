@@ -1,8 +1,10 @@
 #include "tarn/Compiler.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "framework/VokTarnBoolean.h"
 #include "tarn/CompileErrors.h"
@@ -14,6 +16,8 @@ namespace {
 
 constexpr std::string_view sEquality = "=";
 constexpr std::string_view sSum = "sum";
+// Sums that stay this near to 0 are inside the integers in whatever order they are made.
+constexpr double sLargestReach = 2e9;
 
 // The side of an equation that is an operation and may give its result to the value of the other side: rather one
 // that faces a variable than not, rather a sum than another operation. Behind the sides when there is none.
@@ -118,18 +122,34 @@ void Compiler::PostTruth(const Formula& formula) {
 }
 
 void Compiler::PostList(const Formula& formula) {
-  const std::vector<VokTarnValueId> values = CompileNodes(formula);
-  std::vector<VokTarnValueId> operands;
-  for (const NodeIndex root : formula.fRoots) {
-    operands.push_back(values[root]);
-  }
   const Word& name = formula.fOperators[0];
+  Nodes nodes(formula);
+  // "x + 3" in the list is x and a constant of the constraint, where the operator knows what to do with it.
+  std::vector<VokLong> constants = formula.fConstants;
+  std::vector<VokTarnValueId> shifted(formula.fRoots.size(), vokNoValue);
+  const auto rows = fTable.GetRows(name.fText);
+  if (std::ranges::all_of(rows, [](const auto* row) { return row->GetConstraint()->TakesShifts(); })) {
+    for (std::size_t i = 0; i < shifted.size(); ++i) {
+      if (const auto found = FindShifted(nodes, formula.fRoots[i])) {
+        constants.resize(shifted.size());
+        std::tie(shifted[i], constants[i]) = *found;
+        nodes.Skip(*nodes.fSumOf[formula.fRoots[i]]);
+      }
+    }
+  }
+  if (!formula.fNodes.empty()) {
+    CompileRange(nodes, 0, static_cast<NodeIndex>(formula.fNodes.size() - 1), vokNoValue);
+  }
+  std::vector<VokTarnValueId> operands;
+  for (std::size_t i = 0; i < shifted.size(); ++i) {
+    operands.push_back(shifted[i] != vokNoValue ? shifted[i] : nodes.fValues[formula.fRoots[i]]);
+  }
   const std::vector<VokTarnType> types = GetTypes(operands);
   const VokTarnOperatorDescriptor* chosen = fTable.ChooseList(name.fText, types);
   if (chosen == nullptr) {
     throw MakeOperatorError(fTable, name, types);
   }
-  fTable.Apply(fNetwork, {chosen, {}}, operands, vokNoValue, false, formula.fConstants);
+  fTable.Apply(fNetwork, {chosen, {}}, operands, vokNoValue, false, constants);
 }
 
 void Compiler::PostObjective(const Formula& formula) {
@@ -151,11 +171,21 @@ Compiler::Nodes::Nodes(const Formula& formula)
     : fFormula(formula),
       fSums(FindSums(formula)),
       fSumOf(formula.fNodes.size(), nullptr),
+      fIsSkipped(formula.fNodes.size(), false),
       fValues(formula.fNodes.size(), vokNoValue) {
   for (const Sum& sum : fSums) {
     for (const NodeIndex node : sum.fInner) {
       fSumOf[node] = &sum;
     }
+  }
+}
+
+void Compiler::Nodes::Skip(const Sum& sum) {
+  for (const NodeIndex node : sum.fInner) {
+    fIsSkipped[node] = true;
+  }
+  for (const Sum::Term& term : sum.fTerms) {
+    fIsSkipped[term.fNode] = true;
   }
 }
 
@@ -171,6 +201,9 @@ void Compiler::CompileRange(Nodes& nodes, NodeIndex first, NodeIndex root, VokTa
   for (NodeIndex i = first; i <= root; ++i) {
     const VokTarnValueId wanted = i == root ? result : vokNoValue;
     const Sum* sum = nodes.fSumOf[i];
+    if (nodes.fIsSkipped[i]) {
+      continue;
+    }
     if (sum == nullptr) {
       nodes.fValues[i] = CompileNode(nodes, i, wanted);
     } else if (sum->GetTop() == i) {
@@ -206,7 +239,8 @@ VokTarnValueId Compiler::CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId
     coefficients.push_back(term.fCoefficient);
   }
   const VokTarnOperatorDescriptor* linear = fTable.ChooseList(sSum, GetTypes(operands));
-  if (linear != nullptr && IsLongSum(sum, operands, result)) {
+  if (linear != nullptr && (sum.fIsList || IsLongSum(sum, operands, result))) {
+    MergeTerms(operands, coefficients);
     const VokTarnValueId taken = CanBeResult(*linear, result) ? result : vokNoValue;
     return fTable.Apply(fNetwork, {linear, {}}, operands, taken, true, coefficients);
   }
@@ -216,11 +250,70 @@ VokTarnValueId Compiler::CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId
   return nodes.fValues[sum.GetTop()];
 }
 
+void Compiler::MergeTerms(std::vector<VokTarnValueId>& operands, std::vector<VokLong>& coefficients) const {
+  double reach = 0;  // how far any sum of some of the terms can be from 0
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    const VokTarnAny& value = fNetwork.GetValue(operands[i]);
+    const auto& integer = static_cast<const VokTarnInteger&>(value);
+    reach += std::abs(static_cast<double>(coefficients[i])) *
+             std::max({1.0, std::abs(static_cast<double>(integer.GetLowerBound())),
+                       std::abs(static_cast<double>(integer.GetUpperBound()))});
+  }
+  if (!(reach < sLargestReach)) {
+    return;
+  }
+  std::unordered_map<VokTarnValueId, std::size_t> places;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    const auto [place, isNew] = places.try_emplace(operands[i], kept);
+    if (isNew) {
+      operands[kept] = operands[i];
+      coefficients[kept++] = coefficients[i];
+    } else {
+      coefficients[place->second] += coefficients[i];
+    }
+  }
+  operands.resize(kept);
+  coefficients.resize(kept);
+  for (std::size_t i = operands.size(); i-- > 0;) {
+    if (coefficients[i] == 0) {
+      operands.erase(operands.begin() + static_cast<std::ptrdiff_t>(i));
+      coefficients.erase(coefficients.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+  }
+}
+
+std::optional<std::pair<VokTarnValueId, VokLong>> Compiler::FindShifted(const Nodes& nodes, NodeIndex index) const {
+  const Sum* sum = nodes.fSumOf[index];
+  if (sum == nullptr || sum->fTerms.size() != 2) {
+    return std::nullopt;
+  }
+  const std::vector<Node>& all = nodes.fFormula.fNodes;
+  for (const auto& [term, shift] :
+       {std::pair(sum->fTerms[0], sum->fTerms[1]), std::pair(sum->fTerms[1], sum->fTerms[0])}) {
+    const Node& node = all[term.fNode];
+    const std::optional<VokLong> number = ReadCoefficient(all[shift.fNode]);
+    if (node.fKind != Node::Kind::Variable || term.fCoefficient != 1 || !number ||
+        !IsDerivedFrom(fVariables[node.fLeft], VokTarnInteger::sIdent)) {
+      continue;
+    }
+    const VokTarnValueId value = fVariables[node.fLeft];
+    const auto& integer = static_cast<const VokTarnInteger&>(fNetwork.GetValue(value));
+    const double reach =
+        std::abs(static_cast<double>(*number)) + std::max(std::abs(static_cast<double>(integer.GetLowerBound())),
+                                                          std::abs(static_cast<double>(integer.GetUpperBound())));
+    if (reach < sLargestReach) {
+      return std::pair(value, *number * shift.fCoefficient);
+    }
+  }
+  return std::nullopt;
+}
+
 // Whether a partial sum may take more values than a set should list. It has no more than the terms before it can make,
 // and, where the result is known, no more than the terms behind it can take from that.
 bool Compiler::IsLongSum(const Sum& sum, std::span<const VokTarnValueId> operands, VokTarnValueId result) const {
   constexpr std::size_t sMostTerms = 8;
-  constexpr double sMostValues = 512;
+  constexpr double sMostValues = 1023;
   if (operands.size() > sMostTerms) {
     return true;
   }

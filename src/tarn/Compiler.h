@@ -57,10 +57,13 @@ class Compiler {
   // The nodes of a formula and the values that they have got so far.
   struct Nodes {
     explicit Nodes(const Formula& formula);
+    // The sum, of two leaves, is dealt with elsewhere.
+    void Skip(const Sum& sum);
 
     const Formula& fFormula;
     std::vector<Sum> fSums;
     std::vector<const Sum*> fSumOf;  // per node, the sum of which it is an inner node, or null
+    std::vector<bool> fIsSkipped;    // per node, whether it needs no value
     std::vector<VokTarnValueId> fValues;
   };
 
@@ -82,6 +85,10 @@ class Compiler {
 
   // Whether the value can be the result of the operator itself.
   bool CanBeResult(const VokTarnOperatorDescriptor& row, VokTarnValueId value) const;
+  // The variable and the number of which the node is the sum, where that is certain to stay inside the integers.
+  std::optional<std::pair<VokTarnValueId, VokLong>> FindShifted(const Nodes& nodes, NodeIndex index) const;
+  // Makes one term of those over the same value, where no order of them can leave the integers.
+  void MergeTerms(std::vector<VokTarnValueId>& operands, std::vector<VokLong>& coefficients) const;
   bool IsLongSum(const Sum& sum, std::span<const VokTarnValueId> values, VokTarnValueId result) const;
   double EstimateSize(VokTarnValueId value) const;
 

@@ -11,17 +11,12 @@ namespace {
 // Coefficients are kept far within the integers, so that a negative one has its counterpart.
 constexpr VokLong sGreatestCoefficient = 1'000'000'000;
 
-bool IsSign(const Node& node) {
-  return node.fKind == Node::Kind::Binary && (node.fText == "+" || node.fText == "-");
+bool IsListSum(const Node& node) {
+  return node.fKind == Node::Kind::Call && node.fText == "sum" && !node.fHasBeside;
 }
 
-std::optional<VokLong> ReadCoefficient(const Node& node) {
-  VokLong number = 0;
-  const char* end = node.fText.data() + node.fText.size();
-  const auto read = std::from_chars(node.fText.data(), end, number);
-  const bool isNumber = node.fKind == Node::Kind::Literal && read.ec == std::errc() && read.ptr == end;
-  return isNumber && number >= -sGreatestCoefficient && number <= sGreatestCoefficient ? std::optional(number)
-                                                                                       : std::nullopt;
+bool IsSign(const Node& node) {
+  return node.fKind == Node::Kind::Binary && (node.fText == "+" || node.fText == "-");
 }
 
 // The expression and the number of which the node is the product, where it is one.
@@ -43,6 +38,15 @@ std::optional<Sum::Term> FindProduct(const Formula& formula, const Node& node) {
 
 }  // namespace
 
+std::optional<VokLong> ReadCoefficient(const Node& node) {
+  VokLong number = 0;
+  const char* end = node.fText.data() + node.fText.size();
+  const auto read = std::from_chars(node.fText.data(), end, number);
+  const bool isNumber = node.fKind == Node::Kind::Literal && read.ec == std::errc() && read.ptr == end;
+  return isNumber && number >= -sGreatestCoefficient && number <= sGreatestCoefficient ? std::optional(number)
+                                                                                       : std::nullopt;
+}
+
 std::vector<Sum> FindSums(const Formula& formula) {
   std::vector<Sum> sums;
   std::vector<bool> isInner(formula.fNodes.size(), false);
@@ -58,10 +62,21 @@ std::vector<Sum> FindSums(const Formula& formula) {
     sum.fTerms.push_back(product ? Sum::Term{product->fNode, sign * product->fCoefficient} : Sum::Term{node, sign});
   };
   for (auto top = static_cast<NodeIndex>(formula.fNodes.size()); top-- > 0;) {
-    if (isInner[top] || !IsSign(formula.fNodes[top])) {
+    const Node& written = formula.fNodes[top];
+    if (isInner[top] || (!IsSign(written) && !IsListSum(written))) {
       continue;
     }
     Sum sum;
+    if (IsListSum(written)) {
+      sum.fIsList = true;
+      sum.fInner.push_back(top);
+      for (NodeIndex member = written.fLeft; member < written.fRight; ++member) {
+        addTerm(sum, formula.fMembers[member], 1);
+      }
+      std::ranges::sort(sum.fInner);
+      sums.push_back(std::move(sum));
+      continue;
+    }
     NodeIndex node = top;
     for (; IsSign(formula.fNodes[node]); node = formula.fNodes[node].fLeft) {
       isInner[node] = true;
