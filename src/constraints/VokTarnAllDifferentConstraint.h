@@ -14,7 +14,7 @@
 // Cost      Of n arguments, k known and e possible values in all: O(k (n - k)) removals, and O(n e) for the matching at
 //           worst, see valueMatching.h. Up to 64 arguments within a window of 64 values are words: O(n + e) for most
 //           calls, because the matching of the last one is mended; O(n^2) where arguments have only each other's
-//           values.
+//           values. Where no k arguments have at most k values each, no matching is made.
 class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstraintOf<VokTarnAllDifferentConstraint> {
  public:
   static const char* const sIdent;
@@ -38,4 +38,10 @@ class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstra
 
   // The values of the last matching: a hint only.
   mutable std::vector<VokLong> fPartners;
+  // Room for the lists of one call.
+  mutable std::vector<unsigned> fOpen;
+  mutable std::vector<unsigned> fCounts;
+  mutable std::vector<int> fSizes;
+  mutable std::vector<std::int64_t> fKnown;
+  mutable std::vector<std::int64_t> fBecameKnown;
 };

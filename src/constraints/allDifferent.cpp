@@ -41,6 +41,26 @@ void ForEachBit(Bits bits, Visit visit) {
   }
 }
 
+// Whether some arguments may have no more values than they are, so that they need all of them: as many as k of at most
+// k values. Only then can a matching take a value that is not another argument's only one. `sizes` are the numbers of
+// values of the arguments that are open; O(n).
+bool MayBeTight(std::span<const int> sizes, std::vector<unsigned>& counts) {
+  counts.assign(sizes.size() + 1, 0);
+  for (const int size : sizes) {
+    if (static_cast<std::size_t>(size) <= sizes.size()) {
+      ++counts[static_cast<std::size_t>(size)];
+    }
+  }
+  unsigned count = 0;
+  for (unsigned k = 1; k < counts.size(); ++k) {
+    count += counts[k];
+    if (count >= k) {
+      return true;
+    }
+  }
+  return false;
+}
+
 // The arguments when they are at most 64 and their values lie in a window of 64: every set of values, and of
 // arguments, is a word.
 class SmallMatching {
@@ -53,6 +73,8 @@ class SmallMatching {
 
   // Takes what is known of one argument from the others. False when no assignment is left.
   bool EliminateKnown();
+  // See MayBeTight above, here of all arguments: those that are known have left the others alone.
+  bool MayBeTight() const;
   // Takes the values that no assignment with all values different has: by J.-C. Régin, as in valueMatching.h. The
   // partners that a matching gave an argument last are tried first, and replaced. False when no assignment is left.
   bool EliminateUnsupported(std::vector<VokLong>& partners);
@@ -87,7 +109,7 @@ bool SmallMatching::EliminateKnown() {
       if (fDomains[i] == 0) {
         return false;
       }
-      if (std::has_single_bit(fDomains[i])) {
+      if ((fDomains[i] & (fDomains[i] - 1)) == 0) {
         known |= fDomains[i];
         done |= Bit(i);
         isChanged = true;
@@ -95,6 +117,30 @@ bool SmallMatching::EliminateKnown() {
     }
   }
   return true;
+}
+
+bool SmallMatching::MayBeTight() const {
+  std::array<unsigned char, kMostBits + 1> counts{};
+  unsigned open = 0;
+  for (unsigned i = 0; i < fSize; ++i) {
+    // Counting stops where no number of arguments could be tight.
+    unsigned size = 0;
+    for (Bits rest = fDomains[i]; rest != 0 && size <= fSize; rest &= rest - 1) {
+      ++size;
+    }
+    if (size > 1) {
+      ++open;
+      ++counts[size];
+    }
+  }
+  unsigned count = 0;
+  for (unsigned k = 2; k <= open; ++k) {
+    count += counts[k];
+    if (count >= k) {
+      return true;
+    }
+  }
+  return false;
 }
 
 bool SmallMatching::Augment(unsigned i, Bits& visited) {
@@ -245,7 +291,7 @@ int VokTarnAllDifferentConstraint::PropagateSmall(const VokTarnObjectEnvironment
     matching.Set(i, before[i]);
   }
   fPartners.resize(size);
-  if (!matching.EliminateKnown() || !matching.EliminateUnsupported(fPartners)) {
+  if (!matching.EliminateKnown() || (matching.MayBeTight() && !matching.EliminateUnsupported(fPartners))) {
     return environment.Fail();
   }
   int changed = 0;
@@ -279,8 +325,10 @@ int VokTarnAllDifferentConstraint::PropagateSmall(const VokTarnObjectEnvironment
 // Takes every value that is known from the arguments that are open, until no further one becomes known.
 int VokTarnAllDifferentConstraint::EliminateKnown(const VokTarnObjectEnvironment& environment) const {
   int changed = 0;
-  std::vector<unsigned> open;
-  std::vector<std::int64_t> known;
+  std::vector<unsigned>& open = fOpen;
+  std::vector<std::int64_t>& known = fKnown;
+  open.clear();
+  known.clear();
   for (unsigned i = 0; i < environment.Size(); ++i) {
     if (environment.IsSingle(i)) {
       known.push_back(environment.Lower(i) + GetOffset(i));
@@ -292,8 +340,8 @@ int VokTarnAllDifferentConstraint::EliminateKnown(const VokTarnObjectEnvironment
     if (HasDuplicate(known)) {
       return environment.Fail();
     }
-    std::vector<std::int64_t> becameKnown;
-    std::vector<unsigned> stillOpen;
+    fBecameKnown.clear();
+    std::size_t stillOpen = 0;
     for (const unsigned i : open) {
       for (const std::int64_t v : known) {
         const std::int64_t own = v - GetOffset(i);
@@ -305,13 +353,13 @@ int VokTarnAllDifferentConstraint::EliminateKnown(const VokTarnObjectEnvironment
         return changed;
       }
       if (environment.IsSingle(i)) {
-        becameKnown.push_back(environment.Lower(i) + GetOffset(i));
+        fBecameKnown.push_back(environment.Lower(i) + GetOffset(i));
       } else {
-        stillOpen.push_back(i);
+        open[stillOpen++] = i;
       }
     }
-    open.swap(stillOpen);
-    known.swap(becameKnown);
+    open.resize(stillOpen);
+    known.swap(fBecameKnown);
   }
   return changed;
 }
@@ -319,7 +367,10 @@ int VokTarnAllDifferentConstraint::EliminateKnown(const VokTarnObjectEnvironment
 // Takes the values that no assignment with all values different has. An argument that is known already has no other
 // argument's value after the elimination, so only the open ones are matched.
 int VokTarnAllDifferentConstraint::EliminateUnsupported(const VokTarnObjectEnvironment& environment) const {
-  std::vector<unsigned> open;
+  std::vector<unsigned>& open = fOpen;
+  std::vector<int>& sizes = fSizes;
+  open.clear();
+  sizes.clear();
   int total = 0;
   for (unsigned i = 0; i < environment.Size(); ++i) {
     const int cardinality = environment.Cardinality(i);
@@ -331,6 +382,10 @@ int VokTarnAllDifferentConstraint::EliminateUnsupported(const VokTarnObjectEnvir
     }
     total += cardinality;
     open.push_back(i);
+    sizes.push_back(cardinality);
+  }
+  if (!MayBeTight(sizes, fCounts)) {
+    return 0;
   }
   std::vector<std::vector<std::int64_t>> domains;
   domains.reserve(open.size());

@@ -232,9 +232,11 @@ VokTarnValueId VokTarnOperatorTable::Apply(VokTarnNetwork& network, const Choice
       taken[i] = Convert(network, taken[i], choice.fConversions[i]);
     }
   }
-  if (result == vokNoValue && wantResult && choice.fOperator->GetResultType() != nullptr) {
-    result = network.AddValue(ResultType(choice.fOperator->GetResultType(),
-                                         network.GetType(ModelOperand(network, *choice.fOperator, taken))));
+  const VokTarnType declared = choice.fOperator->GetResultType();
+  if (result == vokNoValue && wantResult && declared != nullptr) {
+    const bool isSettled = IsConcrete(declared) || taken.empty();
+    result = network.AddValue(
+        isSettled ? declared : ResultType(declared, network.GetType(ModelOperand(network, *choice.fOperator, taken))));
   }
   const std::vector<VokTarnValueId> arguments = choice.fOperator->ArrangeArguments(taken, result);
   VokTarnConstraint* constraint =

@@ -46,15 +46,15 @@ expect 'c = even {10}' "$tarn" solve -M build-module-even "$source/examples/modu
 "$tarn" solve -a -M build-module-even "$source/examples/module-even/even.tarn" >output
 [ "$(grep -c '^a = ' output)" = 4 ] || fail "the module's model has other solutions"
 build-embedding/embedding >output || fail "the embedding program"
-# The first line, what propagation leaves of squares, may become shorter one day.
-sed 1d output | diff - /dev/fd/3 3<<'END' || fail "the embedding program's output"
+# The first line, what propagation leaves of squares, may become shorter one day, and the order of solutions another.
+sed 1d output | LC_ALL=C sort | diff - /dev/fd/3 3<<'END' || fail "the embedding program's output"
 a = 3, b = 4, c = 5
 a = 5, b = 12, c = 13
 a = 6, b = 8, c = 10
-x = { 1, 2 }, y = { 2, 3 }
 x = 1, y = 2
 x = 1, y = 3
 x = 2, y = 3
+x = { 1, 2 }, y = { 2, 3 }
 END
 
 echo "== every header, with the flags of pkg-config"
