@@ -31,7 +31,7 @@ class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstra
   int Propagate(const VokTarnObjectEnvironment& environment) const override;
 
  private:
-  std::int64_t GetOffset(unsigned i) const noexcept;
+  std::int64_t GetOffset(unsigned i) const noexcept { return GetConstants().empty() ? 0 : GetConstants()[i]; }
   int PropagateSmall(const VokTarnObjectEnvironment& environment, std::int64_t base) const;
   int EliminateKnown(const VokTarnObjectEnvironment& environment) const;
   int EliminateUnsupported(const VokTarnObjectEnvironment& environment) const;

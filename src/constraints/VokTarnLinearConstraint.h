@@ -37,5 +37,10 @@ class VOKTARN_EXPORT VokTarnLinearConstraint final : public VokTarnConstraintOf<
 
   Term MakeTerm(const VokTarnObjectEnvironment& environment, unsigned i) const;
   int NarrowTerm(const VokTarnObjectEnvironment& environment, unsigned i, const Term& own, const Term& others) const;
-  std::int64_t GetCoefficient(unsigned i) const noexcept;
+  // Whether the bounds say at once that every value stays: the common case once a sum has been narrowed.
+  bool IsNarrowed(const VokTarnObjectEnvironment& environment) const;
+  // -1 for the result.
+  std::int64_t GetCoefficient(unsigned i) const noexcept {
+    return i == 0 ? -1 : GetConstants().empty() ? 1 : GetConstants()[i - 1];
+  }
 };

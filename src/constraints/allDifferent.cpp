@@ -33,6 +33,14 @@ constexpr Bits Range(unsigned first, unsigned last) {
   return (~Bits{0} >> (kMostBits - 1 - (last - first))) << first;
 }
 
+// The number of bits that are set, in ordinary instructions: not every processor has one for it.
+constexpr unsigned CountBits(Bits bits) {
+  bits -= (bits >> 1U) & 0x5555555555555555U;
+  bits = (bits & 0x3333333333333333U) + ((bits >> 2U) & 0x3333333333333333U);
+  bits = (bits + (bits >> 4U)) & 0x0F0F0F0F0F0F0F0FU;
+  return static_cast<unsigned>((bits * 0x0101010101010101U) >> 56U);
+}
+
 // Calls visit(position) for each bit that is set, from the lowest.
 template <class Visit>
 void ForEachBit(Bits bits, Visit visit) {
@@ -98,21 +106,18 @@ class SmallMatching {
 
 bool SmallMatching::EliminateKnown() {
   Bits known = 0;
-  Bits done = 0;  // the arguments whose value is in `known`
-  for (bool isChanged = true; isChanged;) {
-    isChanged = false;
-    for (unsigned i = 0; i < fSize; ++i) {
-      if ((done & Bit(i)) != 0) {
-        continue;
-      }
+  Bits open = Range(0, fSize - 1);
+  for (Bits before = ~open; before != open;) {
+    before = open;
+    for (Bits rest = open; rest != 0; rest &= rest - 1) {
+      const auto i = static_cast<unsigned>(std::countr_zero(rest));
       fDomains[i] &= ~known;
-      if (fDomains[i] == 0) {
-        return false;
-      }
       if ((fDomains[i] & (fDomains[i] - 1)) == 0) {
+        if (fDomains[i] == 0) {
+          return false;
+        }
         known |= fDomains[i];
-        done |= Bit(i);
-        isChanged = true;
+        open &= ~Bit(i);
       }
     }
   }
@@ -123,15 +128,9 @@ bool SmallMatching::MayBeTight() const {
   std::array<unsigned char, kMostBits + 1> counts{};
   unsigned open = 0;
   for (unsigned i = 0; i < fSize; ++i) {
-    // Counting stops where no number of arguments could be tight.
-    unsigned size = 0;
-    for (Bits rest = fDomains[i]; rest != 0 && size <= fSize; rest &= rest - 1) {
-      ++size;
-    }
-    if (size > 1) {
-      ++open;
-      ++counts[size];
-    }
+    const unsigned size = CountBits(fDomains[i]);
+    open += size > 1 ? 1U : 0U;
+    ++counts[size];
   }
   unsigned count = 0;
   for (unsigned k = 2; k <= open; ++k) {
@@ -227,29 +226,26 @@ bool SmallMatching::EliminateUnsupported(std::vector<VokLong>& partners) {
 
 // The possible values of an argument as bits, the least being `first` above the window's base.
 Bits ReadBits(const VokTarnObjectEnvironment& environment, unsigned i, unsigned first) {
-  const std::span<const VokLong> members = environment.Members(i);
   const VokLong lower = environment.Lower(i);
-  if (members.empty() && IsInterval(environment.Integer(i))) {
-    return Range(first, first + static_cast<unsigned>(environment.Upper(i) - lower));
+  const auto width = static_cast<unsigned>(environment.Upper(i) - lower);
+  if (environment.Cardinality(i) == static_cast<int>(width) + 1) {
+    return Range(first, first + width);
   }
   Bits bits = 0;
+  const std::span<const VokLong> members = environment.Members(i);
   if (!members.empty()) {
     for (const VokLong v : members) {
-      bits |= Bit(first + static_cast<unsigned>(v - lower));
+      bits |= Bit(static_cast<unsigned>(v - lower));
     }
-    return bits;
+    return bits << first;
   }
   for (const VokLong v : ListValues(environment.Integer(i))) {
-    bits |= Bit(first + static_cast<unsigned>(v - lower));
+    bits |= Bit(static_cast<unsigned>(v - lower));
   }
-  return bits;
+  return bits << first;
 }
 
 }  // namespace
-
-std::int64_t VokTarnAllDifferentConstraint::GetOffset(unsigned i) const noexcept {
-  return GetConstants().empty() ? 0 : GetConstants()[i];
-}
 
 bool VokTarnAllDifferentConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
   return AreIntegers(environment, 0, environment.Size()) &&

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 
 #include "constraints/VokTarnLinearConstraint.h"
 #include "constraints/narrowing.h"
@@ -54,10 +55,6 @@ struct VokTarnLinearConstraint::Term {
   }
 };
 
-std::int64_t VokTarnLinearConstraint::GetCoefficient(unsigned i) const noexcept {
-  return i == kResult ? -1 : GetConstants().empty() ? 1 : GetConstants()[i - kFirst];
-}
-
 VokTarnLinearConstraint::Term VokTarnLinearConstraint::MakeTerm(const VokTarnObjectEnvironment& environment,
                                                                 unsigned i) const {
   const std::int64_t c = GetCoefficient(i);
@@ -92,9 +89,35 @@ bool VokTarnLinearConstraint::IsSatisfied(const VokTarnObjectEnvironment& enviro
   return sum == ExactValue(environment, kResult);
 }
 
+// With all terms together 0, a term keeps its values when it is no wider than the least of what the sum can exceed 0 by
+// and fall short of it.
+bool VokTarnLinearConstraint::IsNarrowed(const VokTarnObjectEnvironment& environment) const {
+  const std::span<const VokLong> coefficients = GetConstants();
+  std::int64_t lower = -std::int64_t{environment.Upper(kResult)};
+  std::int64_t upper = -std::int64_t{environment.Lower(kResult)};
+  std::int64_t widest = upper - lower;
+  std::int64_t farthest = std::max(std::abs(lower), std::abs(upper));
+  for (unsigned i = kFirst; i < environment.Size(); ++i) {
+    const std::int64_t c = coefficients.empty() ? 1 : coefficients[i - kFirst];
+    const std::int64_t first = c * environment.Lower(i);
+    const std::int64_t last = c * environment.Upper(i);
+    farthest = std::max({farthest, std::abs(first), std::abs(last)});
+    if (farthest > kLargest) {
+      return false;  // it takes more care
+    }
+    lower += std::min(first, last);
+    upper += std::max(first, last);
+    widest = std::max(widest, std::abs(last - first));
+  }
+  return farthest <= kLargest && widest <= upper && widest <= -lower;
+}
+
 // The terms are read again when their turn comes. One that an earlier step has narrowed, being there twice, is then
 // smaller than its part of the sum: what is left for the others is too wide, and the next pass makes up for it.
 int VokTarnLinearConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  if (IsNarrowed(environment)) {
+    return 0;
+  }
   Term sum;
   for (unsigned i = 0; i < environment.Size(); ++i) {
     const Term t = MakeTerm(environment, i);
