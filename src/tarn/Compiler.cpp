@@ -240,10 +240,19 @@ VokTarnValueId Compiler::CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId
   }
   const VokTarnOperatorDescriptor* linear = fTable.ChooseList(sSum, GetTypes(operands));
   if (linear != nullptr && (sum.fIsList || IsLongSum(sum, operands, result))) {
+    VokTarnValueId taken = CanBeResult(*linear, result) ? result : vokNoValue;
+    if (!sum.fIsList && HasFewSmallTerms(operands)) {
+      // Bounds narrow it now, and the chain as soon as some of its terms are known.
+      taken = CompileChain(nodes, sum, result);
+    }
     MergeTerms(operands, coefficients);
-    const VokTarnValueId taken = CanBeResult(*linear, result) ? result : vokNoValue;
     return fTable.Apply(fNetwork, {linear, {}}, operands, taken, true, coefficients);
   }
+  return CompileChain(nodes, sum, result);
+}
+
+// The sum as its operators stand.
+VokTarnValueId Compiler::CompileChain(Nodes& nodes, const Sum& sum, VokTarnValueId result) {
   for (const NodeIndex node : sum.fInner) {
     nodes.fValues[node] = CompileNode(nodes, node, node == sum.GetTop() ? result : vokNoValue);
   }
@@ -307,6 +316,13 @@ std::optional<std::pair<VokTarnValueId, VokLong>> Compiler::FindShifted(const No
     }
   }
   return std::nullopt;
+}
+
+bool Compiler::HasFewSmallTerms(std::span<const VokTarnValueId> operands) const {
+  constexpr std::size_t sMostTerms = 4;
+  constexpr double sMostValues = 256;
+  return operands.size() > 2 && operands.size() <= sMostTerms &&
+         std::ranges::all_of(operands, [this](VokTarnValueId operand) { return EstimateSize(operand) <= sMostValues; });
 }
 
 // Whether a partial sum may take more values than a set should list. It has no more than the terms before it can make,

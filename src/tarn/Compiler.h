@@ -21,7 +21,8 @@ namespace tarn {
 //          is converted to one type once. Propagation through a shared value is stronger than through copies, and
 //          sharing is right everywhere because every operation must have a value, also inside a truth value.
 // Sums     A sum is a chain of additions while the sets of its partial sums stay small; otherwise it is one linear
-//          constraint, which narrows by bounds at a cost that does not depend on the sets.
+//          constraint, which narrows by bounds at a cost that does not depend on the sets. It is both when its terms
+//          are few and small: the partial sums can be listed once some terms are known.
 // Errors   Throws ModelError. The network is then incomplete and only good to be thrown away.
 class Compiler {
  public:
@@ -73,6 +74,7 @@ class Compiler {
   void CompileRange(Nodes& nodes, NodeIndex first, NodeIndex root, VokTarnValueId result);
   VokTarnValueId CompileNode(const Nodes& nodes, NodeIndex index, VokTarnValueId result);
   VokTarnValueId CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId result);
+  VokTarnValueId CompileChain(Nodes& nodes, const Sum& sum, VokTarnValueId result);
   VokTarnValueId CompileOperation(const Node& node, std::span<const VokTarnValueId> operands, VokTarnValueId result);
   VokTarnValueId CompileCall(const Nodes& nodes, const Node& node, VokTarnValueId result);
   VokTarnValueId CompileLiteral(const Node& node);
@@ -89,6 +91,7 @@ class Compiler {
   std::optional<std::pair<VokTarnValueId, VokLong>> FindShifted(const Nodes& nodes, NodeIndex index) const;
   // Makes one term of those over the same value, where no order of them can leave the integers.
   void MergeTerms(std::vector<VokTarnValueId>& operands, std::vector<VokLong>& coefficients) const;
+  bool HasFewSmallTerms(std::span<const VokTarnValueId> operands) const;
   bool IsLongSum(const Sum& sum, std::span<const VokTarnValueId> values, VokTarnValueId result) const;
   double EstimateSize(VokTarnValueId value) const;
 
