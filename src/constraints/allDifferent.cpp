@@ -185,7 +185,11 @@ bool SmallMatching::EliminateUnsupported(std::vector<VokLong>& partners) {
     return false;
   }
   // An argument that can move to a value nobody has, at once or by others moving on, sets its own value free.
-  Bits stuck = Range(0, fSize - 1);
+  // One that is known has no value that another has, and stays out of it.
+  Bits stuck = 0;
+  for (unsigned i = 0; i < fSize; ++i) {
+    stuck |= (fDomains[i] & (fDomains[i] - 1)) != 0 ? Bit(i) : 0;
+  }
   Bits free = ~fTaken;
   for (Bits before = 0; before != free;) {
     before = free;
@@ -212,13 +216,15 @@ bool SmallMatching::EliminateUnsupported(std::vector<VokLong>& partners) {
   Bits stuckValues = 0;
   ForEachBit(stuck, [&](unsigned i) { stuckValues |= Bit(fPartner[i]); });
   for (unsigned i = 0; i < fSize; ++i) {
-    Bits kept = fDomains[i] & ~stuckValues;
-    if ((stuck & Bit(i)) != 0) {
-      ForEachBit(fDomains[i], [&](unsigned value) {
-        const unsigned owner = fOwner[value];
-        kept |= owner == i || (reach[owner] & Bit(i)) != 0 ? Bit(value) : 0;
-      });
+    if ((stuck & Bit(i)) == 0) {
+      fDomains[i] &= ~stuckValues;
+      continue;
     }
+    Bits kept = 0;
+    ForEachBit(fDomains[i], [&](unsigned value) {
+      const unsigned owner = fOwner[value];
+      kept |= owner == i || (reach[owner] & Bit(i)) != 0 ? Bit(value) : 0;
+    });
     fDomains[i] = kept;
   }
   return true;
