@@ -13,8 +13,8 @@
 //           arguments, values that have become known leave the others.
 // Cost      Of n arguments, k known and e possible values in all: O(k (n - k)) removals, and O(n e) for the matching at
 //           worst, see valueMatching.h. Up to 64 arguments within a window of 64 values are words: O(n + e) for most
-//           calls, because the matching of the last one is mended; O(n^2) where arguments have only each other's
-//           values. Where no k arguments have at most k values each, no matching is made.
+//           calls, because the matching of the last one is mended; O(n^2) at worst where arguments have only each
+//           other's values. Where no k arguments have at most k values each, no matching is made.
 class VOKTARN_EXPORT VokTarnAllDifferentConstraint final : public VokTarnConstraintOf<VokTarnAllDifferentConstraint> {
  public:
   static const char* const sIdent;

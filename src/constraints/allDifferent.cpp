@@ -90,6 +90,7 @@ class SmallMatching {
  private:
   bool Match(std::vector<VokLong>& partners);
   bool Augment(unsigned i, Bits& visited);
+  Bits KeepCycles(Bits stuck);
   void SetPartner(unsigned i, unsigned value) {
     fPartner[i] = value;
     fOwner[value] = i;
@@ -203,31 +204,43 @@ bool SmallMatching::EliminateUnsupported(std::vector<VokLong>& partners) {
   if (stuck == 0) {
     return true;
   }
-  // The others have only each other's values, and exchange them along cycles: reach[i] are the arguments that i can
-  // push on (S. Warshall, "A theorem on Boolean matrices", 1962).
-  std::array<Bits, kMostBits> reach;
-  ForEachBit(stuck, [&](unsigned i) {
-    reach[i] = 0;
-    ForEachBit(fDomains[i], [&](unsigned value) { reach[i] |= Bit(fOwner[value]); });
-  });
-  ForEachBit(stuck, [&](unsigned k) {
-    ForEachBit(stuck, [&](unsigned i) { reach[i] |= (reach[i] & Bit(k)) != 0 ? reach[k] : 0; });
-  });
+  // The others have only each other's values, and exchange them along cycles.
   Bits stuckValues = 0;
   ForEachBit(stuck, [&](unsigned i) { stuckValues |= Bit(fPartner[i]); });
   for (unsigned i = 0; i < fSize; ++i) {
     if ((stuck & Bit(i)) == 0) {
       fDomains[i] &= ~stuckValues;
-      continue;
     }
-    Bits kept = 0;
-    ForEachBit(fDomains[i], [&](unsigned value) {
-      const unsigned owner = fOwner[value];
-      kept |= owner == i || (reach[owner] & Bit(i)) != 0 ? Bit(value) : 0;
-    });
-    fDomains[i] = kept;
+  }
+  while (stuck != 0) {
+    const Bits values = KeepCycles(stuck);
+    ForEachBit(stuck, [&](unsigned i) { stuck &= (values & Bit(fPartner[i])) != 0 ? ~Bit(i) : ~Bits{0}; });
   }
   return true;
+}
+
+// Of the arguments `stuck`, those on a cycle with the first one: those that it can push on, directly or by others, and
+// that can push it on. They keep the values of one another, which are the answer.
+Bits SmallMatching::KeepCycles(Bits stuck) {
+  const auto first = static_cast<unsigned>(std::countr_zero(stuck));
+  Bits values = 0;
+  ForEachBit(stuck, [&](unsigned i) { values |= Bit(fPartner[i]); });
+  Bits pushed = Bit(fPartner[first]);  // the values of arguments that the first one can push on
+  for (Bits open = pushed; open != 0;) {
+    const auto value = static_cast<unsigned>(std::countr_zero(open));
+    open &= open - 1;
+    const Bits next = fDomains[fOwner[value]] & values & ~pushed;
+    pushed |= next;
+    open |= next;
+  }
+  Bits pushing = Bit(fPartner[first]);  // the values of arguments that can push the first one on
+  for (Bits before = 0; before != pushing;) {
+    before = pushing;
+    ForEachBit(stuck, [&](unsigned i) { pushing |= (fDomains[i] & pushing) != 0 ? Bit(fPartner[i]) : 0; });
+  }
+  const Bits cycle = pushed & pushing;
+  ForEachBit(cycle, [&](unsigned value) { fDomains[fOwner[value]] &= cycle; });
+  return cycle;
 }
 
 // The possible values of an argument as bits, the least being `first` above the window's base.

@@ -37,7 +37,7 @@ bool IsOnePassEnough(const VokTarnObjectEnvironment& environment) {
   constexpr VokLong kFarInside = 1'000'000'000;
   std::array<std::int64_t, 3> sizes;
   for (const unsigned i : {kA, kB, kResult}) {
-    sizes[i] = static_cast<std::int64_t>(environment.Members(i).size());
+    sizes[i] = environment.IsListed(i) ? environment.Cardinality(i) : 0;
     if (sizes[i] != 0 && (environment.Lower(i) < -kFarInside || environment.Upper(i) > kFarInside)) {
       return false;
     }
@@ -98,7 +98,7 @@ std::optional<std::int64_t> VokTarnMultiplicationConstraint::Compute(std::int64_
 
 int VokTarnMultiplicationConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
   if (GetForm() != VokTarnForm::Inverse && environment.AreSame(kA, kB) && !environment.AreSame(kA, kResult) &&
-      !environment.Members(kA).empty()) {
+      environment.IsListed(kA)) {
     return KeepSquares(environment);
   }
   const VokTarnInteger& a = environment.Integer(kA);

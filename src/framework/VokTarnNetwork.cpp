@@ -193,7 +193,11 @@ VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
     if (copy == nullptr) {
       throw std::bad_alloc();
     }
-    Copy(*copy, *slot.fObject);
+    copy->Assign(*slot.fObject);
+    // Where the type lists its values they can be counted without a call.
+    const bool isListed = slot.fLister != nullptr && slot.fSummary.fSize > 0;
+    const int size = isListed ? static_cast<int>(slot.fLister(*copy).size()) : copy->GetCardinality();
+    fMemoryShort = fMemoryShort || size != slot.fSummary.fSize;
     fTrail.push_back({id, slot.fStamp, copy, slot.fSummary});
     slot.fStamp = fLevels.back().fStamp;
   }

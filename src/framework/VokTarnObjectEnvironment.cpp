@@ -4,17 +4,14 @@
 
 VokTarnObjectEnvironment::VokTarnObjectEnvironment(VokTarnNetwork& network,
                                                    std::span<const VokTarnValueId> arguments) noexcept
-    : fNetwork(network), fSlots(network.fValues.data()), fArguments(arguments) {}
+    : fNetwork(network), fSlots(network.fValues.data()), fIsFailed(network.fFailed), fArguments(arguments) {}
 
 VokTarnAny& VokTarnObjectEnvironment::Narrow(unsigned i) const {
   return fNetwork.Touch(fArguments[i]);
 }
 
-int VokTarnObjectEnvironment::Note(unsigned i, int status) const {
-  if (status != 0) {
-    fNetwork.NoteChange(fArguments[i]);
-  }
-  return status;
+void VokTarnObjectEnvironment::NoteChange(unsigned i) const {
+  fNetwork.NoteChange(fArguments[i]);
 }
 
 int VokTarnObjectEnvironment::MakeNil(unsigned i) const {
@@ -25,10 +22,6 @@ int VokTarnObjectEnvironment::MakeNil(unsigned i) const {
 int VokTarnObjectEnvironment::Fail() const {
   fNetwork.Fail();
   return 1;
-}
-
-bool VokTarnObjectEnvironment::IsFailed() const noexcept {
-  return fNetwork.IsFailed();
 }
 
 void VokTarnObjectEnvironment::NoteFixpoint() const noexcept {

@@ -28,6 +28,8 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   bool IsSingle(unsigned i) const noexcept { return Cardinality(i) == 1; }
   VokLong Lower(unsigned i) const noexcept { return Slot(i).fSummary.fLower; }
   VokLong Upper(unsigned i) const noexcept { return Slot(i).fSummary.fUpper; }
+  // Whether the argument is neither undefined nor empty and of a type that lists its values.
+  bool IsListed(unsigned i) const noexcept { return Slot(i).fLister != nullptr && Slot(i).fSummary.fSize > 0; }
   // The possible values where the type lists them, see VokTarnObjectDescriptor::Lister; valid until the argument
   // changes.
   std::span<const VokLong> Members(unsigned i) const {
@@ -42,20 +44,27 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   VokTarnInteger& NarrowInteger(unsigned i) const { return static_cast<VokTarnInteger&>(Narrow(i)); }
   VokTarnBoolean& NarrowTruth(unsigned i) const { return static_cast<VokTarnBoolean&>(Narrow(i)); }
   // Tells the network that argument i changed when `status` is 1. Returns `status`.
-  int Note(unsigned i, int status) const;
+  int Note(unsigned i, int status) const {
+    if (status != 0) {
+      NoteChange(i);
+    }
+    return status;
+  }
   // Makes argument i Nil. Returns 1.
   int MakeNil(unsigned i) const;
   // The constraint cannot hold, whatever its arguments. Returns 1.
   int Fail() const;
   // 1 when a contradiction has been found: nothing more need be narrowed.
-  bool IsFailed() const noexcept;
+  bool IsFailed() const noexcept { return fIsFailed; }
   // Filtering the constraint once more would change nothing: its own changes need not wake it.
   void NoteFixpoint() const noexcept;
 
  private:
   const VokTarnSlot& Slot(unsigned i) const noexcept { return fSlots[fArguments[i]]; }
+  void NoteChange(unsigned i) const;
 
   VokTarnNetwork& fNetwork;
   const VokTarnSlot* fSlots;
+  const bool& fIsFailed;
   std::span<const VokTarnValueId> fArguments;
 };
