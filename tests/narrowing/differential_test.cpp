@@ -11,7 +11,7 @@ namespace {
 constexpr int kSmallCases = 1500;
 constexpr int kLargeCases = 25;
 #else
-constexpr int kSmallCases = 30000;
+constexpr int kSmallCases = 100000;
 constexpr int kLargeCases = 150;
 #endif
 
