@@ -2,7 +2,7 @@
 
 #include "constraints/VokTarnConstraintOf.h"
 
-// r = a and b, for truth values (a, b, r). Domain consistent.
+// r = a and b, for truth values (a, b, r). Domain consistent, at constant cost.
 class VOKTARN_EXPORT VokTarnBooleanAndConstraint final : public VokTarnConstraintOf<VokTarnBooleanAndConstraint> {
  public:
   static const char* const sIdent;

@@ -2,7 +2,7 @@
 
 #include "constraints/VokTarnConstraintOf.h"
 
-// r = (a implies b), for truth values (a, b, r). Domain consistent.
+// r = (a implies b), for truth values (a, b, r). Domain consistent, at constant cost.
 class VOKTARN_EXPORT VokTarnBooleanImpliesConstraint final
     : public VokTarnConstraintOf<VokTarnBooleanImpliesConstraint> {
  public:

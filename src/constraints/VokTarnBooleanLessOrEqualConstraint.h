@@ -2,7 +2,8 @@
 
 #include "constraints/VokTarnConstraintOf.h"
 
-// t tells whether a <= b, for the arguments (a, t, b): integers of any types. By bounds.
+// t tells whether a <= b, for the arguments (a, t, b): integers of any types. By bounds: two comparisons, and
+// one cut of each side once t is known.
 class VOKTARN_EXPORT VokTarnBooleanLessOrEqualConstraint final
     : public VokTarnConstraintOf<VokTarnBooleanLessOrEqualConstraint> {
  public:

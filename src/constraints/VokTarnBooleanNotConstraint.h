@@ -2,7 +2,7 @@
 
 #include "constraints/VokTarnConstraintOf.h"
 
-// r = not a, for truth values (a, r).
+// r = not a, for truth values (a, r), at constant cost.
 class VOKTARN_EXPORT VokTarnBooleanNotConstraint final : public VokTarnConstraintOf<VokTarnBooleanNotConstraint> {
  public:
   static const char* const sIdent;

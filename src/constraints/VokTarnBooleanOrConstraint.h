@@ -2,7 +2,7 @@
 
 #include "constraints/VokTarnConstraintOf.h"
 
-// r = a or b, for truth values (a, b, r). Domain consistent.
+// r = a or b, for truth values (a, b, r). Domain consistent, at constant cost.
 class VOKTARN_EXPORT VokTarnBooleanOrConstraint final : public VokTarnConstraintOf<VokTarnBooleanOrConstraint> {
  public:
   static const char* const sIdent;

@@ -9,12 +9,11 @@
 //
 // Strength  Domain consistent: a value stays when some row has it and only possible values beside it.
 // Cost      For t rows with d different values in all columns together: O(d) look-ups and O(t n) array accesses for
-// each
-//           filtering; O(t n log t) once, to index the table, which takes as much storage again as the constants.
+//           each filtering; O(t n log t) once, to index the table, which takes as much storage again as the
+//           constants.
 // Source    J. R. Ullmann, "Partition search for non-binary constraint satisfaction", Information Sciences 177, 2007,
-// and
-//           C. Lecoutre, "STR2: optimized simple tabular reduction for table constraints", Constraints 16, 2011. We
-//           keep no state between the calls: every row is looked at again.
+//           and C. Lecoutre, "STR2: optimized simple tabular reduction for table constraints", Constraints 16, 2011.
+//           We keep no state between the calls: every row is looked at again.
 class VOKTARN_EXPORT VokTarnTableConstraint final : public VokTarnConstraintOf<VokTarnTableConstraint> {
  public:
   static const char* const sIdent;

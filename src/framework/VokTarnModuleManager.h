@@ -16,8 +16,7 @@
 //
 // Names      1 to 64 letters, digits and underscores.
 // Lifetime   Modules stay loaded until the manager is destroyed, in reverse order of loading; every value and network
-// built
-//            from their descriptors must be gone by then.
+//            built from their descriptors must be gone by then.
 // Errors     Throws nothing: OpenModule returns null and GetError() says why.
 class VOKTARN_EXPORT VokTarnModuleManager {
  public:

@@ -18,15 +18,13 @@
 // first come first served among equals, until none waits or a value is Nil. The order is deterministic.
 //
 // Events     A constraint waits for the events that it asked for, see VokTarnConstraint::GetEvent; its own changes wake
-// it
-//            as well unless it said that it is at its fixpoint.
+//            it as well unless it said that it is at its fixpoint.
 // Levels     PushLevel opens a choice level; PopLevel restores every value to what it was at that moment,
 //            empties the agenda and forgets a failure. A value is copied once per level, when it is first
 //            written to. Values and constraints may be added at the root level only.
 // Ownership  Owns its values and constraints. Descriptors belong to modules, which must outlive it.
-// Errors     Adding throws std::bad_alloc. A value that could not be copied sets IsMemoryShort() for good: from then on
-// no
-//            conclusion may be drawn from a failure.
+// Errors     Adding and propagating throw std::bad_alloc; after that the network is only good to be destroyed. A value
+//            that could not be copied sets IsMemoryShort() for good: no conclusion may be drawn from a failure then.
 class VOKTARN_EXPORT VokTarnNetwork {
  public:
   enum class Outcome { Fixpoint, Failed, Interrupted };

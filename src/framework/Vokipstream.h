@@ -9,8 +9,7 @@
 // A persistent object stream to read from; see Vokopstream for the form. The bytes are not trusted.
 //
 // Errors     Throws nothing. After the first failure (short input, wrong header, unknown class, bad reference, nesting
-// deeper than
-//            sMaxDepth) the stream is failed, and every field read from then on is 0, every object null.
+//            deeper than sMaxDepth) the stream is failed, and every field read from then on is 0, every object null.
 // Ownership  An object made by ReadObjectPointer belongs to the caller; the stream keeps only its address
 //            for later references. When the stream fails while it reads an object, that object is destroyed.
 class VOKTARN_EXPORT Vokipstream {

@@ -5,8 +5,7 @@
 // but 0 in both y and z says that every x will do.
 //
 // Cost  O(pairs) at most, and mostly far less: see pairs.h. A product of two large sets is known to have too many
-// values
-//       from the numbers of members of each sign alone.
+//       values from the numbers of members of each sign alone.
 
 #include <algorithm>
 #include <cstdlib>

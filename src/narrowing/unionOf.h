@@ -1,8 +1,7 @@
 // The union of two ascending lists of numbers, for operations that intersect a set with one.
 //
 // The limit  is that of VokFenEnumInteger::Unite: a union that is larger than its first operand and reaches sMAX_CARD
-// is
-//            Any.
+//            is Any.
 //
 // Internal to the module.
 #pragma once

@@ -128,7 +128,9 @@ void Compiler::PostList(const Formula& formula) {
   std::vector<VokLong> constants = formula.fConstants;
   std::vector<VokTarnValueId> shifted(formula.fRoots.size(), vokNoValue);
   const auto rows = fTable.GetRows(name.fText);
-  if (std::ranges::all_of(rows, [](const auto* row) { return row->GetConstraint()->TakesShifts(); })) {
+  if (std::ranges::all_of(rows, [](const auto* row) {
+        return row->GetConstraint() != nullptr && row->GetConstraint()->TakesShifts();
+      })) {
     for (std::size_t i = 0; i < shifted.size(); ++i) {
       if (const auto found = FindShifted(nodes, formula.fRoots[i])) {
         constants.resize(shifted.size());

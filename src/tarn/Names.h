@@ -11,8 +11,7 @@ namespace tarn {
 // What the parts of a session's network are called in the text of its model.
 //
 // Lifetime  Refers to the session, which has read the source and nothing else, and must not read on while this object
-// is
-//           used; made before the network is propagated, when only literals and what is stated have one value.
+//           is used; made before the network is propagated, when only literals and what is stated have one value.
 class Names {
  public:
   Names(Session& session, const Source& source);

@@ -19,9 +19,8 @@ namespace tarn {
 // memory leaves the session as it was.
 //
 // State   The texts of the accepted statements, and the network built from them. A statement that is not accepted
-// leaves
-//         a network behind that is good for nothing, so the network is built anew from the texts, in linear time.
-//         Modules stay open.
+//         leaves a network behind that is good for nothing, so the network is built anew from the texts, in linear
+//         time. Modules stay open.
 // Output  Answers go to `out`, mistakes to `err`.
 class Repl {
  public:
