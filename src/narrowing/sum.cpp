@@ -133,9 +133,12 @@ bool DoSomeRowsOverflow(const Bits& bits, Values rows, std::size_t valuesOfRow, 
 // The routines below write the values that are sums to `kept` and return their number, or kAny where the sums
 // are too many to tell.
 
-// Requires: the hull of the sums is at most 128 and below the limit.
-unsigned KeepByTwoWords(const Sums& sums, Values values, VokLong* kept) {
-  __extension__ using Words = unsigned __int128;
+__extension__ using TwoWords = unsigned __int128;
+
+// Requires: the hull of the sums is at most the bits of a Word, and below the limit.
+template <class Word>
+unsigned KeepByWord(const Sums& sums, Values values, VokLong* kept) {
+  constexpr unsigned kBits = 8 * sizeof(Word);
   // One of the hulls is at most 64.
   const bool rowsAreA = Distance(sums.fA.front(), sums.fA.back()) > Distance(sums.fB.front(), sums.fB.back());
   const Values rows = rowsAreA ? sums.fA : sums.fB;
@@ -144,16 +147,16 @@ unsigned KeepByTwoWords(const Sums& sums, Values values, VokLong* kept) {
   for (const VokLong v : others) {
     bits |= std::uint64_t{1} << Distance(others.front(), v);
   }
-  Words joined = 0;
+  Word joined = 0;
   for (const VokLong row : rows) {
-    joined |= Words{bits} << Distance(rows.front(), row);
+    joined |= Word{bits} << Distance(rows.front(), row);
   }
   const VokLong lower = sums.GetLower();
   unsigned count = 0;
   for (const VokLong v : values) {
     const unsigned at = Distance(lower, v);
     kept[count] = v;
-    count += static_cast<unsigned>(joined >> at % 128) & (at < 128 ? 1U : 0U);
+    count += static_cast<unsigned>(joined >> at % kBits) & (at < kBits ? 1U : 0U);
   }
   return count;
 }
@@ -284,8 +287,11 @@ unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
   if (na == 1) {
     return VokFenDomain::IntersectInto(values, sums.fB, sums.fA[0], kept);
   }
+  if (sums.GetDistance() < std::min(64U, LimitOfCandidates())) {
+    return KeepByWord<std::uint64_t>(sums, values, kept);
+  }
   if (sums.GetDistance() < std::min(128U, LimitOfCandidates())) {
-    return KeepByTwoWords(sums, values, kept);
+    return KeepByWord<TwoWords>(sums, values, kept);
   }
   // Rough counts of cycles. The table's is that of its worst case.
   const VokULong distance = sums.GetDistance();
