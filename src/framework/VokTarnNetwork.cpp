@@ -11,6 +11,9 @@ namespace {
 
 const std::string kNoName;
 
+// Constraints that have been taken from a queue are kept in it up to this number at least.
+constexpr std::size_t kMostTaken = 1024;
+
 VokTarnSlot::Kind FindKind(const VokTarnAny& value) {
   return value.IsDerivedFrom(VokTarnInteger::sIdent) != 0   ? VokTarnSlot::Kind::Integer
          : value.IsDerivedFrom(VokTarnBoolean::sIdent) != 0 ? VokTarnSlot::Kind::Truth
@@ -145,8 +148,11 @@ VokULong VokTarnNetwork::TakeWaiting() noexcept {
   for (Queue& queue : fAgenda) {
     if (queue.fFirst != queue.fConstraints.size()) {
       const VokULong constraint = queue.fConstraints[queue.fFirst++];
-      if (queue.fFirst == queue.fConstraints.size()) {
-        queue.fConstraints.clear();
+      // What has been taken goes when it is the greater part: a queue that never runs empty does not grow.
+      if (queue.fFirst == queue.fConstraints.size() ||
+          (queue.fFirst >= kMostTaken && 2 * queue.fFirst >= queue.fConstraints.size())) {
+        queue.fConstraints.erase(queue.fConstraints.begin(),
+                                 queue.fConstraints.begin() + static_cast<std::ptrdiff_t>(queue.fFirst));
         queue.fFirst = 0;
       }
       fWaiting[constraint] = 0;
