@@ -1,3 +1,4 @@
+#include <fstream>
 #include <random>
 #include <stdexcept>
 
@@ -68,6 +69,36 @@ TEST(Network, AnInterruptKeepsWhatStillWaits) {
   stop = false;
   EXPECT_EQ(network.Propagate(), VokTarnNetwork::Outcome::Fixpoint);
   EXPECT_EQ(ShowAll(network), ShowAll(whole));
+}
+
+std::size_t CountResidentPages() {
+  std::size_t size = 0;
+  std::size_t resident = 0;
+  std::ifstream("/proc/self/statm") >> size >> resident;
+  return resident;
+}
+
+// Three orders in a circle: some constraint waits whenever another one is filtered.
+TEST(Network, AnAgendaThatIsNeverEmptyDoesNotGrow) {
+  const LoadedModules modules;
+  VokTarnNetwork network;
+  std::vector<VokTarnValueId> values;
+  for (int i = 0; i < 3; ++i) {
+    values.push_back(modules.Add(network, "interval int", "[0, 2000000000]"));
+  }
+  for (unsigned i = 0; i < 3; ++i) {
+    modules.Post(network, "<", {values[i], values[(i + 1) % 3]});
+  }
+  int left = 0;
+  network.SetInterrupt([&left] { return left-- == 0; });
+  const auto propagate = [&](int steps) {
+    left = steps;
+    ASSERT_EQ(network.Propagate(), VokTarnNetwork::Outcome::Interrupted);
+  };
+  propagate(10000);
+  const std::size_t before = CountResidentPages();
+  propagate(3000000);  // of which each would have taken four bytes
+  EXPECT_LT(CountResidentPages(), before + 1024);
 }
 
 TEST(Network, RefusesWhatDoesNotFitTogether) {
