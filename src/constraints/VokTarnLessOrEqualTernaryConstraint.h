@@ -19,7 +19,7 @@ class VOKTARN_EXPORT VokTarnLessOrEqualTernaryConstraint final
 
   Priority GetPriority() const noexcept override { return Unary; }
   // As a statement; its value could be told more.
-  VokTarnEvent GetEvent(unsigned) const noexcept override {
+  VokTarnEvent GetEvent(unsigned, const VokTarnObjectEnvironment&) const override {
     return HasValue() ? VokTarnEvent::Domain : VokTarnEvent::Bounds;
   }
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;

@@ -25,7 +25,7 @@ class VOKTARN_EXPORT VokTarnLinearConstraint final : public VokTarnConstraintOf<
   Priority GetPriority() const noexcept override {
     return GetArguments().size() <= 2 ? Binary : GetArguments().size() == 3 ? Ternary : Many;
   }
-  VokTarnEvent GetEvent(unsigned) const noexcept override { return VokTarnEvent::Bounds; }
+  VokTarnEvent GetEvent(unsigned, const VokTarnObjectEnvironment&) const override { return VokTarnEvent::Bounds; }
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
 

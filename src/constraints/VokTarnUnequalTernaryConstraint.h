@@ -13,9 +13,12 @@ class VOKTARN_EXPORT VokTarnUnequalTernaryConstraint final
   using VokTarnConstraintOf::VokTarnConstraintOf;
 
   Priority GetPriority() const noexcept override { return Binary; }
-  // As a statement; its value could be told more.
-  VokTarnEvent GetEvent(unsigned) const noexcept override {
-    return HasValue() ? VokTarnEvent::Domain : VokTarnEvent::Single;
+  // As a statement; its value could be told more. What is not listed yet may have to lose a value only when it reaches
+  // it.
+  VokTarnEvent GetEvent(unsigned, const VokTarnObjectEnvironment& environment) const override {
+    return HasValue()                                           ? VokTarnEvent::Domain
+           : environment.IsListed(0) && environment.IsListed(1) ? VokTarnEvent::Single
+                                                                : VokTarnEvent::Bounds;
   }
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;

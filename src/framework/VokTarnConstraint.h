@@ -43,7 +43,9 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   VokTarnForm GetForm() const noexcept { return fForm; }
   virtual Priority GetPriority() const noexcept { return Ternary; }
   // The least telling event of an argument that is to wake the constraint. Domain where more could be narrowed then.
-  virtual VokTarnEvent GetEvent(unsigned /*argument*/) const noexcept { return VokTarnEvent::Domain; }
+  virtual VokTarnEvent GetEvent(unsigned /*argument*/, const VokTarnObjectEnvironment& /*environment*/) const {
+    return VokTarnEvent::Domain;
+  }
   // Whether the arguments have the number and the kinds that the constraint needs, and the constants the number.
   virtual bool IsApplicable(const VokTarnObjectEnvironment& environment) const = 0;
   // Whether the relation holds. Requires: every argument has exactly one value.

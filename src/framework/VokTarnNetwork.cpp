@@ -112,14 +112,15 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
       throw std::invalid_argument("an argument of a constraint is not a value of the network");
     }
   }
-  if (!constraint->IsApplicable(VokTarnObjectEnvironment(*this, arguments))) {
+  const VokTarnObjectEnvironment environment(*this, arguments);
+  if (!constraint->IsApplicable(environment)) {
     throw std::invalid_argument("a constraint does not apply to its arguments");
   }
   const VokULong index = GetConstraintCount();
   constraint->SetIndex(index);
   for (unsigned i = 0; i < arguments.size(); ++i) {
     if (arguments[i] != vokNoValue) {
-      fValues[arguments[i]].fWatchers.push_back({index, constraint->GetEvent(i)});
+      fValues[arguments[i]].fWatchers.push_back({index, constraint->GetEvent(i, environment)});
     }
   }
   fPriorities.push_back(static_cast<unsigned char>(constraint->GetPriority()));
