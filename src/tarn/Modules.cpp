@@ -1,7 +1,9 @@
 #include "tarn/Modules.h"
 
 #include <filesystem>
+#include <new>
 
+#include "framework/VokTarnMemoryWatch.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/ValueText.h"
 
@@ -25,8 +27,12 @@ VokTarnModule& Modules::Open(const std::string& module) {
 }
 
 VokTarnModule* Modules::TryOpen(std::string_view module) {
+  const VokTarnMemoryWatch memory;
   VokTarnModule* opened = fManager.OpenModule(VokString(module));
   if (opened == nullptr) {
+    if (memory.HasSeenFailure()) {
+      throw std::bad_alloc();
+    }
     return nullptr;
   }
   fTable.Refresh();
