@@ -33,6 +33,9 @@ std::string FrameworkDirectory() {
   }
   std::error_code error;
   const std::filesystem::path path = std::filesystem::canonical(info.dli_fname, error);
+  if (error == std::errc::not_enough_memory) {
+    throw std::bad_alloc();
+  }
   return error ? std::string() : path.parent_path().string();
 }
 

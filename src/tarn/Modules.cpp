@@ -12,6 +12,9 @@ namespace tarn {
 void Modules::AddDirectory(const std::string& directory) {
   std::error_code error;
   const std::filesystem::path path = std::filesystem::absolute(directory, error);
+  if (error == std::errc::not_enough_memory) {
+    throw std::bad_alloc();
+  }
   if (error || fManager.AddSearchDirectory(path.string()) == 0) {
     throw ProgramError("tarn: error: cannot search the directory " + Quote(MakePrintable(directory)));
   }

@@ -117,9 +117,10 @@ TEST_F(ModelShortage, NeverChangesAVerdict) {
       {truths, {"x && !y || z;", "x -> y; y <-> z; !x;", "x <-> !x;"}}};
   for (const auto& [declarations, statements] : models) {
     for (const char* statement : statements) {
+      const std::string text = declarations + statement;
       ExpectRightOrNothing(statement, [&] {
         tarn::Session session(fModules);
-        Read(session, declarations + statement);
+        Read(session, text);
         return Solve(session);
       });
     }

@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <iostream>
 #include <new>
 
@@ -115,7 +116,7 @@ int main(int argc, char** argv) {
   }
   // Also where it was got over: what has been said since may be wrong for it.
   if (memory.HasSeenFailure()) {
-    std::cerr << "tarn: error: out of memory\n";
+    std::fputs("tarn: error: out of memory\n", stderr);  // std::cerr may not have been made
     return tarn::Undecided;
   }
   return exitCode;
