@@ -112,6 +112,7 @@ VokTarnModule* VokTarnModuleManager::Fail(std::string message) {
 }
 
 VokTarnModule* VokTarnModuleManager::Load(const VokString& name) {
+  const VokTarnMemoryWatch memory;
   const std::string text(name.View());
   if (!IsModuleName(text)) {
     return Fail("a module name has 1 to 64 letters, digits and underscores");
@@ -142,8 +143,7 @@ VokTarnModule* VokTarnModuleManager::Load(const VokString& name) {
   Loaded& loaded = *entry;
   fOrder.reserve(fLoaded.size() + 1);  // room for the modules that are being loaded too
   fLoaded.push_back(std::move(entry));
-  const VokTarnMemoryWatch memory;
-  // A module need not report that memory was too short for some of its descriptors.
+  // A module need not report that memory was too short for some of its descriptors, and its name may be cut short.
   if (init(&loaded.fModule, this) == 0 || memory.HasSeenFailure()) {
     const std::string reason = std::move(fError);
     std::erase_if(fLoaded, [&loaded](const auto& other) { return other.get() == &loaded; });
