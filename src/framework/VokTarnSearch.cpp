@@ -44,15 +44,20 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
 
 VokTarnSearch::~VokTarnSearch() {
   fNetwork.SetChangeLog(nullptr);
-  while (!fChoices.empty()) {
-    LeaveLevel();
-  }
-  if (fNetwork.GetLevel() != 0) {
+  while (fNetwork.GetLevel() != 0) {
     fNetwork.PopLevel();
   }
 }
 
 VokTarnSearch::Status VokTarnSearch::Next() {
+  const Status status = Run();
+  if (fNetwork.IsMemoryShort()) {
+    throw std::bad_alloc();
+  }
+  return status;
+}
+
+VokTarnSearch::Status VokTarnSearch::Run() {
   if (!fStarted) {
     const VokTarnNetwork::Outcome root = fNetwork.Propagate();
     if (root == VokTarnNetwork::Outcome::Interrupted) {
@@ -117,7 +122,7 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     }
     fExhausted = !Backtrack();
   }
-  return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
+  return fUndecided != vokNoValue ? Status::Undecided : Status::Exhausted;
 }
 
 // Less is better.
@@ -265,19 +270,14 @@ bool VokTarnSearch::IsBound(VokTarnValueId id) const {
 
 void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   const VokTarnObjectDescriptor* type = fNetwork.GetType(variable);
-  VokTarnAny* rest = fNetwork.TakeSpare(type);
-  VokTarnAny* part = fNetwork.TakeSpare(type);
-  if (rest == nullptr || part == nullptr) {
-    fNetwork.ReleaseSpare(type, rest);
-    fNetwork.ReleaseSpare(type, part);
-    throw std::bad_alloc();
-  }
+  VokTarnNetwork::Spare rest = fNetwork.TakeSpare(type);
+  const VokTarnNetwork::Spare part = fNetwork.TakeSpare(type);
   fNetwork.Copy(*rest, fNetwork.GetValue(variable));
   constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
   rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
-  fChoices.push_back({variable, rest, auxiliary});
   fNetwork.PushLevel();
+  fChoices.push_back({variable, std::move(rest), auxiliary});
   ++fStatistics.fDecisions;
   fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
   fNetwork.Copy(fNetwork.Touch(variable), *part);
@@ -285,11 +285,9 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   if (fObserver != nullptr) {
     fObserver->OnDecision(variable, *part);
   }
-  fNetwork.ReleaseSpare(type, part);
 }
 
 void VokTarnSearch::LeaveLevel() {
-  fNetwork.ReleaseSpare(fNetwork.GetType(fChoices.back().fVariable), fChoices.back().fRest);
   fChoices.pop_back();
   fNetwork.PopLevel();
 }
@@ -300,11 +298,10 @@ bool VokTarnSearch::Backtrack() {
   if (fChoices.empty()) {
     return false;
   }
-  const Choice choice = fChoices.back();
+  const Choice choice = std::move(fChoices.back());
   fChoices.pop_back();
   fNetwork.PopLevel();
   fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
-  fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
   fNetwork.NoteChange(choice.fVariable);
   if (fObserver != nullptr) {
     fObserver->OnBacktrack(static_cast<unsigned>(fChoices.size()), choice.fVariable,

@@ -35,6 +35,8 @@ class VOKTARN_EXPORT VokTarnSearchObserver {
 // propagation leaves open are searched for one completion. A variable that is still undefined when nothing else can be
 // split leaves its branch undecided: no solution is claimed or denied there.
 //
+// Errors  Throws std::bad_alloc rather than to answer when memory has been short, see VokTarnNetwork.
+//
 // With an objective, every solution found must be better than the one before: the last one is optimal
 // when the search ends Exhausted.
 class VOKTARN_EXPORT VokTarnSearch {
@@ -43,7 +45,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     Solution,   // the network holds a solution, every variable single-valued
     Exhausted,  // there is no further solution: a completed search
     Stopped,    // by the network's interrupt (Next() goes on) or by a limit
-    Undecided   // the search ended, but a branch could not be decided (GetUndecided) or memory ran short
+    Undecided   // the search ended, but a branch could not be decided (GetUndecided)
   };
   enum class Sense { Minimize, Maximize };
 
@@ -117,8 +119,8 @@ class VOKTARN_EXPORT VokTarnSearch {
  private:
   struct Choice {
     VokTarnValueId fVariable;
-    VokTarnAny* fRest;  // what remains of the variable's domain when the first part has been searched
-    bool fAuxiliary;    // an intermediate value: one completion is enough
+    VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched
+    bool fAuxiliary;              // an intermediate value: one completion is enough
   };
 
   struct Variable {
@@ -145,6 +147,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     }
   };
 
+  Status Run();
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
   VokTarnValueId ChooseVariable();
