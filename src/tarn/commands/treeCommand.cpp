@@ -2,6 +2,7 @@
 // rest.
 #include <ostream>
 #include <sstream>
+#include <streambuf>
 
 #include "tarn/commands/Commands.h"
 #include "tarn/commands/Picture.h"
@@ -16,6 +17,12 @@ constexpr const char* sHead =
     "  edge [fontname=\"Helvetica,Arial,sans-serif\", fontsize=10, arrowhead=none, color=\"#808080\"];\n";
 constexpr const char* sRed = "#e06666";
 constexpr const char* sGrey = "#c0c0c0";
+
+// Takes all and keeps nothing.
+class NoBuffer : public std::streambuf {
+ protected:
+  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+};
 
 // A tree that grows as the search goes on.
 //
@@ -254,7 +261,8 @@ int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, co
   CheckPictureName(path);
   Tree tree(session, options);
   solve.fObserver = &tree;
-  std::ostream nowhere(nullptr);  // the picture tells the solutions
+  NoBuffer buffer;
+  std::ostream nowhere(&buffer);  // the picture tells the solutions
   const int exitCode = RunSolve(session, solve, nowhere, err);
   std::ostringstream dot;
   tree.Write(dot);
