@@ -58,7 +58,7 @@ TEST(ShortMemory, EndsTheProgramWithAnErrorNeverWithAFalseAnswer) {
                {{"tree", "-a", all.GetPath()}, {}},
                {{"repl"}, session}};
   // Every allocation in a long run, those of the beginning and ever fewer later ones otherwise.
-  const bool isThorough = SoakFactor() > 1;
+  const bool isThorough = support::SoakFactor() > 1;
   for (const auto& c : cases) {
     const TemporaryFile count;
     const ProgramResult right = RunShort(c.fArguments, c.fInput, "FAILING_MALLOC_COUNT=" + count.GetPath());
