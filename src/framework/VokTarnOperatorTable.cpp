@@ -62,13 +62,11 @@ VokTarnOperatorTable::VokTarnOperatorTable(const VokTarnModuleManager& manager) 
   Refresh();
 }
 
-void VokTarnOperatorTable::Refresh() {
-  fTypes.clear();
-  fOperators.clear();
-  fCasts.clear();
-  fEquality = nullptr;
-  for (const VokTarnModule* module : fManager.GetModules()) {
-    for (const auto& descriptor : module->GetDescriptors()) {
+bool VokTarnOperatorTable::Refresh() {
+  const std::vector<VokTarnModule*>& modules = fManager.GetModules();
+  const bool isNew = fModulesSeen < modules.size();
+  for (; fModulesSeen < modules.size(); ++fModulesSeen) {
+    for (const auto& descriptor : modules[fModulesSeen]->GetDescriptors()) {
       if (descriptor == nullptr) {
         continue;
       }
@@ -85,6 +83,7 @@ void VokTarnOperatorTable::Refresh() {
       }
     }
   }
+  return isNew;
 }
 
 VokTarnType VokTarnOperatorTable::FindType(std::string_view name) const noexcept {

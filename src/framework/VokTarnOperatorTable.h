@@ -35,7 +35,8 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
 
   explicit VokTarnOperatorTable(const VokTarnModuleManager& manager);
 
-  void Refresh();
+  // Adds what the modules opened since the last time publish. Returns whether there were any.
+  bool Refresh();
 
   // The concrete and abstract types, in order of publication; null when there is none of that name.
   const std::vector<VokTarnType>& GetTypes() const noexcept { return fTypes; }
@@ -68,6 +69,7 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
   VokTarnType ResultType(VokTarnType declared, VokTarnType operand) const noexcept;
 
   const VokTarnModuleManager& fManager;
+  std::size_t fModulesSeen = 0;
   std::vector<VokTarnType> fTypes;
   std::map<std::string, std::vector<const VokTarnOperatorDescriptor*>, std::less<>> fOperators;
   std::vector<const VokTarnOperatorDescriptor*> fCasts;

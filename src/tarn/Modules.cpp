@@ -26,10 +26,9 @@ VokTarnModule& Modules::Open(const std::string& module) {
 
 VokTarnModule* Modules::TryOpen(std::string_view module) {
   VokTarnModule* opened = fManager.OpenModule(VokString(module));
-  if (opened == nullptr) {
-    return nullptr;
+  if (opened == nullptr || !fTable.Refresh()) {
+    return opened;
   }
-  fTable.Refresh();
   for (const VokTarnType type : fTable.GetTypes()) {
     if (IsConcrete(type)) {
       fVocabulary.AddType(type->GetName().View());
