@@ -72,7 +72,7 @@ bool VokTarnOperatorTable::Refresh() {
       }
       if (descriptor->IsDerivedFrom(VokTarnOperatorDescriptor::sIdent) != 0) {
         const auto* row = static_cast<const VokTarnOperatorDescriptor*>(descriptor.get());
-        fOperators[std::string(row->GetName().View())].push_back(row);
+        fOperators[row->GetName().View()].push_back(row);
         if (row->IsCast()) {
           fCasts.push_back(row);
         }

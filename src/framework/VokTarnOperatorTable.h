@@ -71,7 +71,7 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
   const VokTarnModuleManager& fManager;
   std::size_t fModulesSeen = 0;
   std::vector<VokTarnType> fTypes;
-  std::map<std::string, std::vector<const VokTarnOperatorDescriptor*>, std::less<>> fOperators;
+  std::map<std::string_view, std::vector<const VokTarnOperatorDescriptor*>> fOperators;
   std::vector<const VokTarnOperatorDescriptor*> fCasts;
   VokTarnConstraintType fEquality = nullptr;
 };
