@@ -214,7 +214,7 @@ std::string VokTarnModuleManager::FindFile(const std::string& name) {
   }
   std::string searched;
   for (const std::string& directory : directories) {
-    const std::string path = directory + "/lib" + name + ".so";
+    std::string path = directory + "/lib" + name + ".so";
     const OpenFile file(path);
     if (file.fFile >= 0 || (errno != ENOENT && errno != ENOTDIR)) {
       const std::string fault = file.fFile >= 0 ? VokFindFaultOfLibrary(file.fFile)
