@@ -287,10 +287,12 @@ unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
   if (na == 1) {
     return VokFenDomain::IntersectInto(values, sums.fB, sums.fA[0], kept);
   }
-  if (sums.GetDistance() < std::min(64U, LimitOfCandidates())) {
+  // Below the limit, that no sum can come again when there are as many as it allows.
+  const VokULong unlimited = LimitOfCandidates() - 1;
+  if (sums.GetDistance() < std::min(64U, unlimited)) {
     return KeepByWord<std::uint64_t>(sums, values, kept);
   }
-  if (sums.GetDistance() < std::min(128U, LimitOfCandidates())) {
+  if (sums.GetDistance() < std::min(128U, unlimited)) {
     return KeepByWord<TwoWords>(sums, values, kept);
   }
   // Rough counts of cycles. The table's is that of its worst case.

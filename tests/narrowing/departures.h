@@ -62,7 +62,7 @@ inline std::optional<Values> SignCut(const Case& c) {
 inline std::optional<Values> AbsoluteOfFlagged(const Case& c) {
   const Model& a = c[1].any ? c[0] : c[1];
   const bool oneSided = !a.values.empty() && (a.values.front() >= 0 || a.values.back() < 0);
-  return a.emptyMeansAny && oneSided ? std::optional(c[0].values) : std::nullopt;
+  return a.emptyMeansAny == 1 && oneSided ? std::optional(c[0].values) : std::nullopt;
 }
 
 // The inverses of minimum and maximum look at the bound of z only.

@@ -96,7 +96,7 @@ inline Model RandomModel(std::mt19937& random, const Values& universe, bool mayb
   } else {
     m.values = Filter(universe, [&](VokLong) { return below(2) == 0; });
   }
-  m.emptyMeansAny = m.kind == 'e' && (m.any || (!m.values.empty() && below(2) == 0));
+  m.emptyMeansAny = m.kind == 'e' && (m.any || (!m.values.empty() && below(2) == 0)) ? 1 : 0;
   return m;
 }
 

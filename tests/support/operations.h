@@ -21,6 +21,7 @@ struct Operation {
   unsigned operands;
   unsigned narrowed;
   int (*run)(VokTarnInteger&, VokTarnInteger&, VokTarnInteger&);
+  const char* call;  // of *this*, as it is written behind "Calc"
 };
 
 template <class Keep>
@@ -70,18 +71,24 @@ inline bool IsPower(VokLong z, VokLong a, VokLong b) {
 template <class I = VokTarnInteger>
 const std::vector<Operation>& Operations() {
 #define HOLDS(condition) [](VokLong x, VokLong y, [[maybe_unused]] VokLong z) { return condition; }
-#define RUN(call)                                                      \
-  [](VokTarnInteger& r, VokTarnInteger& s, VokTarnInteger& t) -> int { \
-    I& x = static_cast<I&>(r);                                         \
-    I& y = static_cast<I&>(s);                                         \
-    [[maybe_unused]] I& z = static_cast<I&>(t);                        \
-    return x.Calc##call;                                               \
+#define RUN(text)                                                        \
+  {                                                                      \
+    [](VokTarnInteger& r, VokTarnInteger& s, VokTarnInteger& t) -> int { \
+      I& x = static_cast<I&>(r);                                         \
+      I& y = static_cast<I&>(s);                                         \
+      [[maybe_unused]] I& z = static_cast<I&>(t);                        \
+      return x.Calc##text;                                               \
+    },                                                                   \
+        #text                                                            \
   }
   static const struct {
     const char* relation;
     bool (*holds)(VokLong, VokLong, VokLong);
     unsigned operands;
-    int (*run[3])(VokTarnInteger&, VokTarnInteger&, VokTarnInteger&);  // for each operand
+    struct {
+      int (*run)(VokTarnInteger&, VokTarnInteger&, VokTarnInteger&);
+      const char* call;
+    } narrowing[3];  // of each operand
   } relations[] = {
       {"x = y", HOLDS(x == y), 2, {RUN(EqualValue(y)), RUN(InverseEqualValue(y))}},
       {"x <= y", HOLDS(x <= y), 2, {RUN(LessOrEqualValue(y)), RUN(InverseLessOrEqualValue(y))}},
@@ -106,9 +113,10 @@ const std::vector<Operation>& Operations() {
 #undef HOLDS
   static const std::vector<Operation> operations = [] {
     std::vector<Operation> all;
-    for (const auto& [relation, holds, operands, run] : relations) {
-      for (unsigned i = 0; i < 3 && run[i] != nullptr; ++i) {
-        all.push_back({std::array{"", "inv ", "inv2 "}[i] + std::string(relation), holds, operands, i, run[i]});
+    for (const auto& [relation, holds, operands, narrowing] : relations) {
+      for (unsigned i = 0; i < 3 && narrowing[i].run != nullptr; ++i) {
+        all.push_back({std::array{"", "inv ", "inv2 "}[i] + std::string(relation), holds, operands, i, narrowing[i].run,
+                       narrowing[i].call});
       }
     }
     return all;
