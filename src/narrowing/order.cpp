@@ -47,9 +47,6 @@ int VokFenEnumInteger::CalcLessOrEqualValue(const VokFenEnumInteger& y) {
     return 0;
   }
   const unsigned i = fValues.FindUpperBound(bound, 0);
-  if (i >= GetCount()) {
-    return MakeNil(*this);
-  }
   fValues.DetachAt(fValues[i] == bound ? i + 1 : i, GetCount());
   return EndCut(*this);
 }
@@ -68,9 +65,6 @@ int VokFenEnumInteger::CalcInverseLessOrEqualValue(VokFenEnumInteger& y) const {
     return 0;
   }
   const unsigned i = y.fValues.FindLowerBound(bound, 0);
-  if (i >= y.GetCount()) {
-    return MakeNil(y);
-  }
   y.fValues.DetachAt(0, y.fValues[i] == bound ? i : i + 1);
   return EndCut(y);
 }
@@ -107,9 +101,6 @@ int VokFenEnumInteger::CalcLessValue(const VokFenEnumInteger& y) {
   }
   // The member at i goes without a test whether it equals the bound.
   const unsigned i = fValues.FindLowerBound(bound, 0);
-  if (i >= GetCount()) {
-    return MakeNil(*this);
-  }
   fValues.DetachAt(i, GetCount());
   return EndCut(*this);
 }
@@ -135,9 +126,6 @@ int VokFenEnumInteger::CalcInverseLessValue(VokFenEnumInteger& y) const {
     return 0;
   }
   const unsigned i = y.fValues.FindUpperBound(bound, 0);
-  if (i >= y.GetCount()) {
-    return MakeNil(y);
-  }
   y.fValues.DetachAt(0, i + 1);
   return EndCut(y);
 }

@@ -39,9 +39,23 @@ TEST(EnumShortMemory, LeavesTheRightSetOrNilNeverAPart) {
     list.push_back(v);
     braces.append(",").append(std::to_string(v));
   }
+  // More members than an operation collects without asking for memory.
+  const VokFenEnumInteger large = RangeSet(0, 3000), last = RangeSet(kMax - 2999, 3000);
   const std::function<void(VokFenEnumInteger&, VokFenEnumInteger&)> operations[] = {
       [](auto& set, auto&) { set.SetUpperBound(99); },
       [](auto& set, auto& other) { set.Unite(other); },
+      [&](auto& set, auto& other) { set = large, set.Unite(other); },
+      [&](auto& set, auto& other) { set = large, set.Intersect(other); },
+      [&](auto& set, auto&) { set = VokFenEnumInteger(), set.CalcNextValue(last); },
+      [](auto& set, auto& other) {
+        set = VokFenEnumInteger();
+        set.Intersect(other, [](const SubIntBase&, void*) { return 1; }, nullptr);
+      },
+      [](auto& set, auto&) {
+        for (VokLong v = 1; v < 100 && set.GetCount() > 0; ++v) {
+          set.Insert(v);
+        }
+      },
       [](auto& set, auto& other) { set.Assign(other); },
       [](auto& set, auto& other) { other.Bisect(set, VokTarnAny::UpperHalf); },
       [](auto& set, auto&) { set = VokFenEnumInteger(), set.Intersect(VokFenIntervalInteger(0, 99)); },
