@@ -49,7 +49,8 @@ TEST(EnumShortMemory, LeavesTheRightSetOrNilNeverAPart) {
       [&](auto& set, auto&) { set = VokFenEnumInteger(), set.CalcNextValue(last); },
       [](auto& set, auto& other) {
         set = VokFenEnumInteger();
-        set.Intersect(other, [](const SubIntBase&, void*) { return 1; }, nullptr);
+        set.Intersect(
+            other, [](const SubIntBase&, void*) { return 1; }, nullptr);
       },
       [](auto& set, auto&) {
         for (VokLong v = 1; v < 100 && set.GetCount() > 0; ++v) {

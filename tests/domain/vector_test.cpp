@@ -7,6 +7,7 @@
 
 #include "domain/VokSVectorIteratorImp_SubIntBase.h"
 #include "support/enumSets.h"
+#include "support/soak.h"
 
 using enumSets::Element;
 using Vector = VokSVectorImp_SubIntBase;
@@ -63,7 +64,7 @@ std::string Mismatch(const Vector& v, const Values& shadow) {
 }
 
 TEST(Vector, FollowsAShadowThroughRandomOperations) {
-  for (unsigned seed = 1; seed <= 24; ++seed) {
+  for (unsigned seed = 24 * static_cast<unsigned>(support::SoakFactor()); seed > 0; --seed) {
     std::mt19937 random(seed);
     const int bitwise = static_cast<int>(seed % 2);
     Vector v = seed % 3 == 0 ? Vector(0, 1.5, bitwise) : Vector(2, seed % 5 + 1, bitwise);

@@ -6,6 +6,7 @@
 
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnSearch.h"
+#include "support/soak.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/Session.h"
 
@@ -52,7 +53,7 @@ std::vector<Assignment> Solve(tarn::Modules& modules, const std::string& text, u
   return Solve(session, options);
 }
 
-constexpr unsigned sModels = 3000;
+const unsigned sModels = 3000 * static_cast<unsigned>(support::SoakFactor());
 
 class RandomModels : public testing::Test {
  protected:
