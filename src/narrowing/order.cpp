@@ -101,6 +101,9 @@ int VokFenEnumInteger::CalcLessValue(const VokFenEnumInteger& y) {
   }
   // The member at i goes without a test whether it equals the bound.
   const unsigned i = fValues.FindLowerBound(bound, 0);
+  if (i >= GetCount()) {
+    return MakeNil(*this);
+  }
   fValues.DetachAt(i, GetCount());
   return EndCut(*this);
 }
@@ -126,6 +129,9 @@ int VokFenEnumInteger::CalcInverseLessValue(VokFenEnumInteger& y) const {
     return 0;
   }
   const unsigned i = y.fValues.FindUpperBound(bound, 0);
+  if (i >= y.GetCount()) {
+    return MakeNil(y);
+  }
   y.fValues.DetachAt(0, i + 1);
   return EndCut(y);
 }
