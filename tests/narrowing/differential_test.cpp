@@ -3,6 +3,7 @@
 
 #include "domain/kernels/KernelChoice.h"
 #include "narrowing/literal.h"
+#include "support/soak.h"
 
 namespace narrowing {
 namespace {
@@ -142,11 +143,11 @@ void CompareMany(bool large, int cases) {
 }
 
 TEST(NarrowingDifferential, SmallSets) {
-  CompareMany(false, kSmallCases);
+  CompareMany(false, kSmallCases * support::SoakFactor());
 }
 
 TEST(NarrowingDifferential, SetsAroundTheLimit) {
-  CompareMany(true, kLargeCases);
+  CompareMany(true, kLargeCases * support::SoakFactor());
 }
 
 // Sums and differences of about as many pairs as the limit allows candidates, near and far, disturbed or not, so that
@@ -160,7 +161,7 @@ TEST(NarrowingDifferential, SumsOfAsManyPairsAsTheLimit) {
       continue;
     }
     const unsigned other = op.narrowed == 0 ? 1 : 0;
-    for (int i = 0; i < 6 * kLargeCases; ++i) {
+    for (int i = 0; i < 6 * kLargeCases * support::SoakFactor(); ++i) {
       const int na = 2 + make.Below(make.Below(2) == 0 ? 8 : 60);
       const int nb = 1024 / na + make.Below(3) - 1;
       const VokLong step = make.Below(3) == 0 ? 1 : 1 + make.Below(make.Below(2) == 0 ? 40 : 70000);

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "support/soak.h"
 #include "tarn/solving.h"
 
 namespace {
@@ -20,7 +21,7 @@ std::vector<Assignment> SolveAsSeeded(tarn::Modules& modules, const std::string&
   return Solve(session, options);
 }
 
-constexpr unsigned sModels = 3000;
+const unsigned sModels = 3000 * static_cast<unsigned>(support::SoakFactor());
 
 class RandomModels : public testing::Test {
  protected:
