@@ -44,7 +44,8 @@ void Exercise(const Value& value) {
   value.PrintOn(text);
   Vokopstream record(text);
   value.Write(record);
-  static_cast<void>(value.GetCardinality() + value.IsNil() + value.IsUndefined() + value.IsDerivedFrom(Value::sIdent));
+  static_cast<void>(value.GetCardinality());
+  static_cast<void>(value.IsNil() + value.IsUndefined() + value.IsDerivedFrom(Value::sIdent));
   static_cast<void>(value.GetWidth() + value.GetRelativeWidth(2));
   for (const int part : {VokTarnAny::LowerHalf, VokTarnAny::UpperHalf, VokTarnAny::Smallest, VokTarnAny::Largest}) {
     Value x = value;
