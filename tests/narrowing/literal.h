@@ -3,7 +3,8 @@
 // element arithmetic and the powers of intervals.
 #pragma once
 
-#include <functional>
+#include <map>
+#include <optional>
 
 #include "narrowing/oracle.h"
 
@@ -142,6 +143,29 @@ Set Pairs(const Set& outer, const Set& inner, Combine combine) {
 }
 
 // ---- Order
+template <class Holds>
+bool AnyOf(const Values& values, Holds holds) {
+  return std::any_of(values.begin(), values.end(), holds);
+}
+
+// x < bound with the cut one member too wide: {1, 3, 7} < 5 leaves {1}.
+inline std::optional<Values> CutLess(const Model& x, const Model& y) {
+  if (x.kind != 'e' || x.any || y.any || x.values.back() < y.values.back()) {
+    return std::nullopt;
+  }
+  const Values reached = Filter(x.values, [&](VokLong v) { return v <= y.values.back(); });
+  return reached.empty() ? Values{} : Values(reached.begin(), reached.end() - 1);
+}
+
+// The mirror image: 4 < {2, 5, 6} leaves {6}.
+inline std::optional<Values> CutGreater(const Model& x, const Model& y) {
+  if (x.kind != 'e' || x.any || y.any || x.values.front() > y.values.front()) {
+    return std::nullopt;
+  }
+  const Values reached = Filter(x.values, [&](VokLong v) { return v >= y.values.front(); });
+  return reached.empty() ? Values{} : Values(reached.begin() + 1, reached.end());
+}
+
 inline bool Unsettled(const Set& narrowed, const Set& given) {
   return narrowed.any || given.any || narrowed.values.empty();
 }

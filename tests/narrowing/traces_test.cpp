@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <random>
 
 #include "support/apiTrace.h"
 #include "support/soak.h"
@@ -45,6 +46,41 @@ TEST(Traces, EveryCallLeavesWhatItsModelSays) {
   std::mt19937 random(seed);
   const Bytes trace = FindDiffering(random, kTraces * support::SoakFactor());
   ASSERT_TRUE(trace.empty()) << "VOKTARN_SEED=" << seed << "\n" << Describe(trace);
+}
+
+TEST(Traces, PlantedFaultsShrinkToAFewCalls) {
+  struct Row {
+    apiTrace::Fault fault;
+    const char* call;
+    std::ptrdiff_t calls;
+  };
+  const auto loses = [](const char* call, const char* name, std::size_t members, support::Model& x) {
+    if (std::strstr(call, name) != nullptr && x.values.size() >= members) {
+      x.values.pop_back();
+      x.any = x.values.empty() && x.emptyMeansAny == 1;
+    }
+  };
+  static const auto kLoses = loses;
+  for (const Row& row :
+       {Row{[](const char*call, support::Model&x) { kLoses(call, "Minus", 3, x); }, ".Minus()", 2},
+        Row{[](const char*call, support::Model&x) { kLoses(call, "FirstInverseSum", 2, x); }, "InverseSumValue(", 2},
+        Row{[](const char*call, support::Model&x) { kLoses(call, "Bisect", 1, x); }, ".Bisect(", 2}}) {
+    std::mt19937 random(7);
+    const Bytes trace = FindDiffering(random, 2000, row.fault);
+    ASSERT_FALSE(trace.empty()) << row.call;
+    const std::string text = Describe(trace, row.fault);
+    std::istringstream lines(text);
+    std::string last;
+    std::ptrdiff_t calls = 0;
+    for (std::string line; std::getline(lines, line);) {
+      if (line.starts_with("EXPECT_EQ(")) {
+        ++calls;
+        last = line;
+      }
+    }
+    EXPECT_NE(last.find(row.call), std::string::npos) << text;
+    EXPECT_LE(calls, row.calls) << text;
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -59,8 +60,9 @@ inline bool IsPower(VokLong z, VokLong a, VokLong b) {
   if (b < 0 && std::abs(a) != 1) {
     return false;
   }
-  VokLong power = 1;
-  for (VokLong i = 0; i < std::abs(b) && std::abs(power) < 100000; ++i) {
+  std::int64_t power = 1;
+  const VokLong times = std::abs(a) <= 1 && b != 0 ? 2 - std::abs(b % 2) : b;
+  for (VokLong i = 0; i < times && std::abs(power) <= 2147483647; ++i) {
     power *= a;
   }
   return z == power;
@@ -101,8 +103,8 @@ const std::vector<Operation>& Operations() {
       {"sign", HOLDS(y == (x > 0) - (x < 0)), 2, {RUN(InverseSignumValue(y)), RUN(SignumValue(y))}},
       {"min", HOLDS(x == std::min(y, z)), 3, {RUN(MinValue(y, z)), RUN(FirstInverseMinValue(y, z))}},
       {"max", HOLDS(x == std::max(y, z)), 3, {RUN(MaxValue(y, z)), RUN(FirstInverseMaxValue(y, z))}},
-      {"sum", HOLDS(x == y + z), 3, {RUN(SumValue(y, z)), RUN(FirstInverseSumValue(y, z))}},
-      {"prod", HOLDS(x == y * z), 3, {RUN(ProdValue(y, z)), RUN(FirstInverseProdValue(y, z))}},
+      {"sum", HOLDS(x == std::int64_t{y} + z), 3, {RUN(SumValue(y, z)), RUN(FirstInverseSumValue(y, z))}},
+      {"prod", HOLDS(x == std::int64_t{y} * z), 3, {RUN(ProdValue(y, z)), RUN(FirstInverseProdValue(y, z))}},
       {"mod", IsRemainder, 3, {RUN(ModValue(y, z)), RUN(FirstInverseModValue(y, z)), RUN(SecondInverseModValue(y, z))}},
       {"power",
        IsPower,
