@@ -111,8 +111,8 @@ def prepare():
     return make, commands
 
 
-def limit():
-    resource.setrlimit(resource.RLIMIT_CPU, (60, 60))
+def limit(seconds):
+    resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
     resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
@@ -124,7 +124,7 @@ def survives(path):
         command = [str(BUILD / "bin" / f"{program}_tests"), f"--gtest_filter={tests}", "--gtest_fail_fast",
                    "--gtest_brief=1"]
         try:
-            if not quiet(command, preexec_fn=limit, timeout=600):
+            if not quiet(command, preexec_fn=lambda: limit(120 if tests == LONG else 12), timeout=600):
                 return program
         except subprocess.TimeoutExpired:
             return program
