@@ -98,6 +98,9 @@ def prepare():
     TREE.mkdir(parents=True, exist_ok=True)
     for name in ("src", "tests", "cmake", "docs", "examples"):
         shutil.copytree(ROOT / name, TREE / name, copy_function=refresh, dirs_exist_ok=True)
+        for copy in (TREE / name).rglob("*"):
+            if copy.is_file() and not (ROOT / copy.relative_to(TREE)).exists():
+                copy.unlink()
     for name in ("CMakeLists.txt", "LICENSE", "README.md"):
         refresh(ROOT / name, TREE / name)
     subprocess.run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja",
