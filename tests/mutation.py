@@ -189,7 +189,7 @@ def main():
         elif result is None:
             (harmless if reason else unexplained).append(f"{where}\n    {reason or 'no reason is known'}")
         if result != "":
-            print(f"{tried + 1:4} {time.time() - begin:6.0f} s  {result or 'SURVIVED'}  {where}", flush=True)
+            print(f"{tried + 1:4} {time.time() - begin:6.0f} s  {result or ('harmless' if reason else 'SURVIVED')}  {where}", flush=True)
     share = 100 * killed / max(1, killed + len(unexplained))
     print(f"\n{killed} found, {len(harmless)} known to change nothing, {len(unexplained)} survived: {share:.1f} % "
           f"of those that can be found (of {len(drawn)} possible, seed {seed})")
