@@ -108,6 +108,13 @@ TEST(NarrowingStates, TypedRoutinesSettleEmptySets) {
   }
 }
 
+// 3024 is a multiple of the last divisor alone.
+TEST(NarrowingStates, DivisorsBeyondTheLimitDivideToo) {
+  VokFenEnumInteger x = enumSets::SetOf({3023, 3024, 3025});
+  EXPECT_EQ(enumSets::SetOf({0}).CalcFirstInverseModValue(x, enumSets::RangeSet(2000, 1025)), 1);
+  EXPECT_EQ(enumSets::Show(x), "3023 3024");
+}
+
 // More members than the room for a union, which only SimpleInsert gives a set.
 TEST(NarrowingStates, UnionsBeyondTheRoomJoinOnlyWhatTheyHold) {
   for (const VokLong nonnegative : {3, 2101}) {
