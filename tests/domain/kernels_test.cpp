@@ -95,6 +95,46 @@ TEST_P(Kernels, KeepsWhatBitsAndListsHold) {
   }
 }
 
+TEST_P(Kernels, JoinShiftedBits) {
+  constexpr unsigned kPadding = VokFenKernels::kBitPadding / 8;
+  constexpr std::uint64_t kUntouched = 0x0123456789ABCDEF;
+  const auto bit = [](const std::vector<std::uint64_t>& bits, unsigned i) { return (bits[i / 64] >> i % 64 & 1) != 0; };
+  for (int i = 0; i < 2000 * support::SoakFactor(); ++i) {
+    const unsigned width = 1 + Below(700), words = (width + 63) / 64;
+    std::vector<std::uint64_t> bits(words + 2 * kPadding);
+    for (unsigned k = 0; k < width; ++k) {
+      bits[kPadding + k / 64] |= std::uint64_t{Below(3) == 0} << k % 64;
+    }
+    Values rows = Ascending(40);
+    const unsigned last = static_cast<unsigned>(rows.back() - rows[0]), all = last + width;
+    const unsigned blocks = (all + 511) / 512;
+    std::vector<std::uint64_t> joined(std::size_t{8} * blocks + 1, kUntouched), expected(joined.size() + 1);
+    std::vector<std::uint64_t> shifted(expected.size() + 1);
+    for (const VokLong row : rows) {
+      fKernels.fOrShifted(shifted.data(), bits.data() + kPadding, words, static_cast<unsigned>(row - rows[0]));
+      for (unsigned k = 0; k < width; ++k) {
+        const unsigned to = k + static_cast<unsigned>(row - rows[0]);
+        expected[to / 64] |= std::uint64_t{bit(bits, 64 * kPadding + k)} << to % 64;
+      }
+    }
+    fKernels.fOrRows(joined.data(), blocks, reinterpret_cast<const unsigned char*>(bits.data() + kPadding), width,
+                     rows.data(), Size(rows));
+    ASSERT_EQ(joined.back(), kUntouched) << i;
+    joined.back() = 0;
+    ASSERT_TRUE(std::equal(joined.begin(), joined.end(), expected.begin())) << i;
+    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), shifted.begin())) << i;
+    unsigned count = 0;
+    for (unsigned k = 0; k < all; ++k) {
+      count += bit(expected, k) ? 1U : 0U;
+    }
+    ASSERT_EQ(fKernels.fCountBits(expected.data(), (all + 63) / 64), count) << i;
+  }
+}
+
+TEST(KernelChoice, EveryMachineRunsThePortableOnes) {
+  EXPECT_STREQ(VokFenEnumInteger::KernelChoice::GetRunnable().front()->fName, "portable");
+}
+
 INSTANTIATE_TEST_SUITE_P(OfThisMachine, Kernels,
                          testing::Range(std::size_t{0}, VokFenEnumInteger::KernelChoice::GetRunnable().size()));
 

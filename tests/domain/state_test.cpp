@@ -27,6 +27,9 @@ TEST(EnumState, ConstructionAndAssignmentDiffer) {
   EXPECT_EQ(Show(VokFenEnumInteger(List({5, 7, 9, -3, 9, 2, 77}))), "-3 2 7 9");
   EXPECT_EQ(Show(VokFenEnumInteger(List({0, 5}))), "Nil");
   EXPECT_EQ(Show(VokFenEnumInteger(List({}))), "Nil");
+  VokFenEnumInteger checked = SetOf({1, 2});
+  checked.CheckValue();
+  EXPECT_EQ(Show(checked), "1 2");
 }
 
 TEST(EnumState, TheFlagDecidesWhatAnEmptiedSetMeans) {

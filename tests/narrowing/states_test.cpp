@@ -108,6 +108,23 @@ TEST(NarrowingStates, TypedRoutinesSettleEmptySets) {
   }
 }
 
+// How far apart the ends of the sums are decides how they are formed: one word, two, or blocks of bits.
+TEST(NarrowingStates, SumsOfEveryWidth) {
+  for (VokLong width = 7; width <= 1100; ++width) {
+    VokFenEnumInteger z = enumSets::RangeSet(-1, static_cast<unsigned>(width) + 3);
+    const std::set<VokLong> sums{0, 1, 5, 6, width - 5, width};
+    EXPECT_EQ(z.CalcSumValue(enumSets::SetOf({0, 1, width - 5}), enumSets::SetOf({0, 5})), 1);
+    ASSERT_EQ(enumSets::Show(z), enumSets::Show(enumSets::SetFrom(sums))) << width;
+  }
+}
+
+// 3024 is a multiple of the last divisor alone.
+TEST(NarrowingStates, DivisorsBeyondTheLimitDivideToo) {
+  VokFenEnumInteger x = enumSets::SetOf({3023, 3024, 3025});
+  EXPECT_EQ(enumSets::SetOf({0}).CalcFirstInverseModValue(x, enumSets::RangeSet(2000, 1025)), 1);
+  EXPECT_EQ(enumSets::Show(x), "3023 3024");
+}
+
 // More members than the room for a union, which only SimpleInsert gives a set.
 TEST(NarrowingStates, UnionsBeyondTheRoomJoinOnlyWhatTheyHold) {
   for (const VokLong nonnegative : {3, 2101}) {

@@ -129,7 +129,8 @@ TEST(NumberNarrowing, BesideOtherKindsLosesNoPartner) {
     for (int i = 0; i < 8000 * support::SoakFactor(); ++i) {
       Case c;
       for (Domain& d : c) {
-        const char kind = "isf"[draw(&d == &c[0] ? 2 : 3)];
+        // The unknown type narrows, and is asked, by the framework's relations alone.
+        const char kind = "isf"[draw(&d == &c[0] && !op.name.ends_with(" y") ? 2 : 3)];
         const VokLong lower = draw(13) - 6;
         d = Range(lower, kind == 's' ? lower : lower + draw(2) * draw(9), kind);
         std::erase_if(d.values, [&](VokLong) { return kind == 'f' && draw(3) == 0; });
