@@ -87,7 +87,7 @@ VokTarnValueId VokTarnNetwork::AddValue(const VokTarnObjectDescriptor* type, std
     fNames.emplace(id, std::move(name));
   }
   const unsigned pool = FindPool(type);
-  fValues.push_back({nullptr, {}, 0, type->GetLister(), type, {}, pool, VokTarnSlot::Kind::Other, false});
+  fValues.push_back({nullptr, {}, 0, type->GetLister(), type, {}, {}, 0, pool, VokTarnSlot::Kind::Other, false});
   VokTarnAny* object = TakeSpare(fPools[pool]);
   if (object == nullptr) {
     fValues.pop_back();
@@ -118,9 +118,17 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
   }
   const VokULong index = GetConstraintCount();
   constraint->SetIndex(index);
+  const std::vector<unsigned> watched = constraint->GetWatched(environment);
+  for (const unsigned i : watched) {
+    fValues[arguments[i]].fWatches.push_back({index, i});
+  }
   for (unsigned i = 0; i < arguments.size(); ++i) {
     if (arguments[i] != vokNoValue) {
-      fValues[arguments[i]].fWatchers.push_back({index, constraint->GetEvent(i, environment)});
+      VokTarnSlot& slot = fValues[arguments[i]];
+      ++slot.fDegree;
+      if (watched.empty()) {
+        slot.fWatchers.push_back({index, constraint->GetEvent(i, environment)});
+      }
     }
   }
   fPriorities.push_back(static_cast<unsigned char>(constraint->GetPriority()));
@@ -251,6 +259,30 @@ void VokTarnNetwork::NoteChange(VokTarnValueId id) {
     if (watcher.fEvent <= event) {
       Schedule(watcher.fConstraint);
     }
+  }
+  if (event == VokTarnEvent::Single) {
+    AskWatches(slot);
+  }
+}
+
+// Asks those who watch the value, which has become single, what they watch from now on. It is never the same value:
+// they watch what is still open.
+void VokTarnNetwork::AskWatches(VokTarnSlot& slot) {
+  for (std::size_t i = 0; i < slot.fWatches.size();) {
+    const VokTarnSlot::Watch watch = slot.fWatches[i];
+    const VokTarnConstraint& constraint = *fConstraints[watch.fConstraint];
+    const std::span<const VokTarnValueId> arguments = constraint.GetArguments();
+    const unsigned next = constraint.MoveWatch(watch.fArgument, VokTarnObjectEnvironment(*this, arguments));
+    if (next != VokTarnConstraint::sWake && next != watch.fArgument) {
+      fValues[arguments[next]].fWatches.push_back({watch.fConstraint, next});
+      slot.fWatches[i] = slot.fWatches.back();
+      slot.fWatches.pop_back();
+      continue;
+    }
+    if (next == VokTarnConstraint::sWake) {
+      Schedule(watch.fConstraint);
+    }
+    ++i;
   }
 }
 

@@ -51,7 +51,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong GetConstraintCount() const noexcept { return static_cast<VokULong>(fConstraints.size()); }
   const VokTarnConstraint& GetConstraint(VokULong index) const noexcept { return *fConstraints[index]; }
   // How many constraints the value is an argument of (counted once per place).
-  std::size_t GetDegree(VokTarnValueId id) const noexcept { return fValues[id].fWatchers.size(); }
+  std::size_t GetDegree(VokTarnValueId id) const noexcept { return fValues[id].fDegree; }
 
   // ---- Propagation
   Outcome Propagate();
@@ -122,6 +122,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong TakeWaiting() noexcept;
   void ClearAgenda() noexcept;
   void LogChange(VokTarnValueId id);
+  void AskWatches(VokTarnSlot& slot);
 
   std::vector<VokTarnSlot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;
