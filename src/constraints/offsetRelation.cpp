@@ -155,8 +155,7 @@ int VokTarnOffsetRelationConstraint::KeepEqualSides(const VokTarnObjectEnvironme
     return KeepValue(environment, kX, FromSecond(environment.Lower(kY)));
   }
   const int changed = KeepEqualBounds(environment);
-  return environment.IsFailed() || environment.AreSame(kX, kY) || !environment.IsListed(kX) ||
-                 !environment.IsListed(kY)
+  return environment.IsFailed() || environment.AreSame(kX, kY) || !environment.IsListed(kX) || !environment.IsListed(kY)
              ? changed
              : changed | KeepCommonValues(environment);
 }
