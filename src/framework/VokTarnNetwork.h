@@ -45,6 +45,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
   // As the value would answer, without a call.
   int GetCardinality(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fSize; }
+  // Of an integer its bounds, of a truth value 0 and 1 as far as they are possible.
+  VokLong GetLower(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fLower; }
+  VokLong GetUpper(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fUpper; }
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;

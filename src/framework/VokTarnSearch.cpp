@@ -38,8 +38,13 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
   if (options.fSeed != 0) {
     Shuffle();
   }
+  if (options.fLearns) {
+    fPhases.resize(variables.size());
+  }
   EnterAll();
-  network.SetChangeLog(&fChanged);
+  if (!variables.empty()) {
+    network.SetChangeLog(&fChanged);
+  }
 }
 
 VokTarnSearch::~VokTarnSearch() {
@@ -91,8 +96,16 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     if (fChoices.empty()) {
       NoteBound();
     }
+    if (VokTarnBranch branch{}; fBrancher != nullptr && fBrancher->Choose(fNetwork, GetDepth(), branch)) {
+      Take(branch);
+      continue;
+    }
     if (const VokTarnValueId variable = ChooseVariable(); variable != vokNoValue) {
-      Split(variable, false);
+      if (fOptions.fLearns) {
+        Take(RecallPhase(variable));
+      } else {
+        Split(variable, false);
+      }
       continue;
     }
     const VokTarnValueId open = FindUndecided();
@@ -143,6 +156,12 @@ void VokTarnSearch::NoteFailure() {
   ++fStatistics.fFailures;
   if (fObserver != nullptr) {
     fObserver->OnFailure();
+  }
+  if (fBrancher != nullptr) {
+    fBrancher->OnFailure(fNetwork);
+  }
+  if (!fChoices.empty()) {
+    fLastConflict = fChoices.back().fVariable;
   }
   const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
   if (fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
@@ -211,13 +230,46 @@ void VokTarnSearch::NoteBound() {
   }
 }
 
+// The values that variables have now are those to try first later.
+void VokTarnSearch::NotePhases() {
+  for (const VokTarnValueId id : fChanged) {
+    if (id < fPlaces.size() && fPlaces[id] != kNoPlace && fNetwork.GetCardinality(id) == 1) {
+      fPhases[fPlaces[id]] = AsInteger(fNetwork.GetValue(id)).GetLowerBound();
+    }
+  }
+}
+
+// The part of an open variable's values that it had last; the least at first, and where another value has gone.
+VokTarnBranch VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
+  const VokTarnInteger& x = AsInteger(fNetwork.GetValue(variable));
+  const std::optional<VokLong>& phase = fPhases[fPlaces[variable]];
+  if (phase && x.IsPossible(*phase)) {
+    if (fNetwork.GetType(variable)->GetLister() != nullptr || *phase == x.GetLowerBound() ||
+        *phase == x.GetUpperBound()) {
+      return {variable, VokTarnBranch::Part::Exactly, *phase};
+    }
+    return {variable, VokTarnBranch::Part::AtMost, *phase};
+  }
+  return {variable, VokTarnBranch::Part::Exactly, x.GetLowerBound()};
+}
+
 VokTarnValueId VokTarnSearch::ChooseVariable() {
+  if (fOptions.fLearns) {
+    NotePhases();
+  }
   for (const VokTarnValueId id : fChanged) {
     if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
       Enter(fPlaces[id]);
     }
   }
   fNetwork.ClearChangeLog();
+  if (fOptions.fLearns && fLastConflict != vokNoValue) {
+    const VokTarnValueId last = fLastConflict;
+    if (last < fPlaces.size() && fPlaces[last] != kNoPlace && fNetwork.GetCardinality(last) > 1) {
+      return last;
+    }
+    fLastConflict = vokNoValue;
+  }
   if (fCandidates.size() > 4 * fVariables.size() + 64) {  // mostly stale by now
     EnterAll();
   }
@@ -276,16 +328,59 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
   rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
-  fChoices.push_back({variable, rest, auxiliary});
-  fNetwork.PushLevel();
-  ++fStatistics.fDecisions;
-  fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
+  Open({variable, rest, {}, auxiliary});
   fNetwork.Copy(fNetwork.Touch(variable), *part);
   fNetwork.NoteChange(variable);
   if (fObserver != nullptr) {
     fObserver->OnDecision(variable, *part);
   }
   fNetwork.ReleaseSpare(type, part);
+}
+
+void VokTarnSearch::Open(const Choice& choice) {
+  fChoices.push_back(choice);
+  fNetwork.PushLevel();
+  ++fStatistics.fDecisions;
+  fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
+}
+
+// Goes on with the part of a value's domain; the rest is for later.
+void VokTarnSearch::Take(const VokTarnBranch& branch) {
+  Open({branch.fValue, nullptr, branch, false});
+  Narrow(branch);
+  if (fObserver != nullptr) {
+    fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));
+  }
+}
+
+// A bound crosses as a single value of the same type, which every type handles.
+void VokTarnSearch::Narrow(const VokTarnBranch& branch) {
+  auto& x = static_cast<VokTarnInteger&>(fNetwork.Touch(branch.fValue));
+  switch (branch.fPart) {
+    case VokTarnBranch::Part::Exactly:
+      x.SetExactValue(branch.fNumber);
+      break;
+    case VokTarnBranch::Part::AllBut:
+      x.RemoveExactValue(branch.fNumber);
+      break;
+    case VokTarnBranch::Part::AtMost:
+    case VokTarnBranch::Part::AtLeast: {
+      const VokTarnObjectDescriptor* type = fNetwork.GetType(branch.fValue);
+      auto* bound = static_cast<VokTarnInteger*>(fNetwork.TakeSpare(type));
+      if (bound == nullptr) {
+        throw std::bad_alloc();
+      }
+      bound->SetExactValue(branch.fNumber);
+      if (branch.fPart == VokTarnBranch::Part::AtMost) {
+        x.CalcLessOrEqualValue(*bound);
+      } else {
+        x.CalcNotLessValue(*bound);
+      }
+      fNetwork.ReleaseSpare(type, bound);
+      break;
+    }
+  }
+  fNetwork.NoteChange(branch.fValue);
 }
 
 void VokTarnSearch::LeaveLevel() {
@@ -303,9 +398,13 @@ bool VokTarnSearch::Backtrack() {
   const Choice choice = fChoices.back();
   fChoices.pop_back();
   fNetwork.PopLevel();
-  fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
-  fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
-  fNetwork.NoteChange(choice.fVariable);
+  if (choice.fRest == nullptr) {
+    Narrow(choice.fBranch.GetRest());
+  } else {
+    fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
+    fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
+    fNetwork.NoteChange(choice.fVariable);
+  }
   if (fObserver != nullptr) {
     fObserver->OnBacktrack(static_cast<unsigned>(fChoices.size()), choice.fVariable,
                            fNetwork.GetValue(choice.fVariable));
@@ -325,11 +424,32 @@ bool VokTarnSearch::TightenBound() {
   if (!fBest || fNetwork.IsFailed()) {
     return !fNetwork.IsFailed();
   }
-  const VokTarnInteger& bound = AsInteger(fNetwork.GetValue(fObjective->fBound));
   const VokLong wanted = fObjective->fSense == Sense::Minimize ? *fBest - 1 : *fBest + 1;
+  if (fObjective->fBound == vokNoValue) {
+    return TightenObjective(wanted);
+  }
+  const VokTarnInteger& bound = AsInteger(fNetwork.GetValue(fObjective->fBound));
   if (bound.GetCardinality() != 1 || bound.GetLowerBound() != wanted) {
     static_cast<VokTarnInteger&>(fNetwork.Touch(fObjective->fBound)).SetExactValue(wanted);
     fNetwork.NoteChange(fObjective->fBound);
   }
   return true;
+}
+
+bool VokTarnSearch::TightenObjective(VokLong wanted) {
+  const VokTarnValueId id = fObjective->fValue;
+  const VokTarnInteger& value = AsInteger(fNetwork.GetValue(id));
+  const bool isMinimized = fObjective->fSense == Sense::Minimize;
+  if (isMinimized ? value.GetLowerBound() > wanted : value.GetUpperBound() < wanted) {
+    fNetwork.Fail();
+  } else if (isMinimized ? value.GetUpperBound() > wanted : value.GetLowerBound() < wanted) {
+    Narrow({id, isMinimized ? VokTarnBranch::Part::AtMost : VokTarnBranch::Part::AtLeast, wanted});
+  }
+  return !fNetwork.IsFailed();
+}
+
+void VokTarnSearch::NoteKnown(VokLong objective) noexcept {
+  if (fObjective && (!fBest || (fObjective->fSense == Sense::Minimize ? objective < *fBest : objective > *fBest))) {
+    fBest = objective;
+  }
 }

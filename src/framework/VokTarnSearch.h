@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "framework/VokTarnBrancher.h"
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnRestartSequences.h"
 
@@ -49,7 +50,9 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   struct Objective {
     VokTarnValueId fValue;  // an integer
-    VokTarnValueId fBound;  // an integer that `fValue` is constrained by, not above it (below it): undefined at first
+    // An integer that `fValue` is constrained by, not above it (below it): undefined at first. vokNoValue: none, then
+    // the search narrows `fValue` itself.
+    VokTarnValueId fBound;
     Sense fSense;
   };
   enum class VariableChoice {
@@ -78,6 +81,12 @@ class VOKTARN_EXPORT VokTarnSearch {
     // The search is stopped for good once it has made this many decisions, or has failed this often.
     std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
+    // Open variables get the value first that they had last in this search, a value that propagation or a choice gave
+    // them, in place of a split (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
+    // satisfiability solvers", 2007). The variable of the last choice that failed is chosen again before others
+    // (C. Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in constraint programming", 2009).
+    // For integers only.
+    bool fLearns = false;
   };
   struct Statistics {
     std::uint64_t fDecisions = 0;
@@ -103,6 +112,11 @@ class VOKTARN_EXPORT VokTarnSearch {
   // From now on `observer` (null: none) sees each step; borrowed.
   void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
 
+  // From now on `brancher` (null: none) is asked first; the search's own choice is for what it leaves. Borrowed.
+  void SetBrancher(VokTarnBrancher* brancher) noexcept { fBrancher = brancher; }
+  // A solution with this objective is known from elsewhere: those to come must be better. At any time.
+  void NoteKnown(VokLong objective) noexcept;
+
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
   // How many choices the search is in.
   unsigned GetDepth() const noexcept { return static_cast<unsigned>(fChoices.size()); }
@@ -117,8 +131,9 @@ class VOKTARN_EXPORT VokTarnSearch {
  private:
   struct Choice {
     VokTarnValueId fVariable;
-    VokTarnAny* fRest;  // what remains of the variable's domain when the first part has been searched
-    bool fAuxiliary;    // an intermediate value: one completion is enough
+    VokTarnAny* fRest;      // what remains of the variable's domain when the first part has been searched; null:
+    VokTarnBranch fBranch;  // the first part, what remains is its rest
+    bool fAuxiliary;        // an intermediate value: one completion is enough
   };
 
   struct Variable {
@@ -147,6 +162,11 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
+  void Take(const VokTarnBranch& branch);
+  void Narrow(const VokTarnBranch& branch);
+  void Open(const Choice& choice);
+  VokTarnBranch RecallPhase(VokTarnValueId variable) const;
+  void NotePhases();
   VokTarnValueId ChooseVariable();
   Rank GetRank(unsigned place, int cardinality) const;
   void Enter(unsigned place);
@@ -159,6 +179,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   VokTarnValueId FindUndecided() const;
   bool IsBound(VokTarnValueId id) const;
   bool TightenBound();
+  bool TightenObjective(VokLong wanted);
   void LeaveLevel();
   void SkipAuxiliaryChoices();
 
@@ -177,6 +198,9 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::vector<Choice> fChoices;
   Statistics fStatistics;
   VokTarnSearchObserver* fObserver = nullptr;
+  VokTarnBrancher* fBrancher = nullptr;
+  std::vector<std::optional<VokLong>> fPhases;  // by place among the variables, when the search learns
+  VokTarnValueId fLastConflict = vokNoValue;
   std::optional<VokLong> fBest;
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;
