@@ -1,0 +1,53 @@
+#pragma once
+
+#include <map>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "flatzinc/ErrorList.h"
+#include "flatzinc/Model.h"
+#include "flatzinc/Posting.h"
+#include "framework/VokTarnModuleManager.h"
+#include "framework/VokTarnNetwork.h"
+
+namespace fzn {
+
+// Makes a network of a problem.
+//
+// Every variable becomes an integer value of the network, truth values as 0..1; variables that the problem makes equal
+// become one. Types and constraint classes are those that the opened modules publish: domains that some type can list
+// value by value get such a type, wider ones a type of intervals.
+//
+// Errors  What cannot be represented or is not supported goes on the list, all of it; the network is then not complete.
+class Builder {
+ public:
+  // The modules, the network and the model must outlive the builder.
+  Builder(const VokTarnModuleManager& modules, VokTarnNetwork& network, const Model& model, ErrorList& errors);
+
+  // Adds values and constraints to the network, which is at its root level. False when the list of errors has got
+  // something. A problem that turns out to have no solution makes a failed network.
+  bool Build();
+
+  // The network's value of a variable, by its place in the model.
+  VokTarnValueId GetValue(std::size_t variable) const { return fValues[FindRoot(variable)]; }
+  // The same for a term; a constant has a value of its own.
+  VokTarnValueId GetValue(const Term& term);
+
+  VokTarnNetwork& GetNetwork() noexcept { return fNetwork; }
+  const Model& GetModel() const noexcept { return fModel; }
+
+ private:
+  friend class Posting;
+
+  std::size_t FindRoot(std::size_t variable) const;
+
+  const VokTarnModuleManager& fModules;
+  VokTarnNetwork& fNetwork;
+  const Model& fModel;
+  ErrorList& fErrors;
+  mutable std::vector<std::size_t> fParents;  // of the union-find structure
+  std::vector<VokTarnValueId> fValues;        // by variable; of roots only
+};
+
+}  // namespace fzn
