@@ -30,6 +30,9 @@ class AnnotatedBrancher : public VokTarnBrancher {
   bool Choose(const VokTarnNetwork& network, unsigned depth, VokTarnBranch& branch) override;
   void OnFailure(const VokTarnNetwork& network) override;
 
+  // The next choice is on a network that need not be as far as at the last one.
+  void Forget() noexcept { fPositions.clear(); }
+
   const std::vector<std::string>& GetUnknown() const noexcept { return fUnknown; }
   // All values that the problem's variables stand for, those that the annotations name first, each once.
   const std::vector<VokTarnValueId>& GetAll() const noexcept { return fAll; }

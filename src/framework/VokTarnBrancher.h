@@ -38,3 +38,6 @@ class VOKTARN_EXPORT VokTarnBrancher {
   // The network's last propagation has failed.
   virtual void OnFailure(const VokTarnNetwork& /*network*/) {}
 };
+
+// Takes away what is not in the part, whether or not it is there. Nothing left: the network has failed.
+VOKTARN_EXPORT void VokTarnNarrow(VokTarnNetwork& network, const VokTarnBranch& part);

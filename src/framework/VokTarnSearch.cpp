@@ -52,7 +52,7 @@ VokTarnSearch::~VokTarnSearch() {
   while (!fChoices.empty()) {
     LeaveLevel();
   }
-  if (fNetwork.GetLevel() != 0) {
+  if (fOwnsLevel) {
     fNetwork.PopLevel();
   }
 }
@@ -68,6 +68,7 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       NoteFailure();
     } else {
       fNetwork.PushLevel();  // what the search does to the values ends with the search
+      fOwnsLevel = true;
     }
     fStarted = true;
   }
@@ -347,40 +348,10 @@ void VokTarnSearch::Open(const Choice& choice) {
 // Goes on with the part of a value's domain; the rest is for later.
 void VokTarnSearch::Take(const VokTarnBranch& branch) {
   Open({branch.fValue, nullptr, branch, false});
-  Narrow(branch);
+  VokTarnNarrow(fNetwork, branch);
   if (fObserver != nullptr) {
     fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));
   }
-}
-
-// A bound crosses as a single value of the same type, which every type handles.
-void VokTarnSearch::Narrow(const VokTarnBranch& branch) {
-  auto& x = static_cast<VokTarnInteger&>(fNetwork.Touch(branch.fValue));
-  switch (branch.fPart) {
-    case VokTarnBranch::Part::Exactly:
-      x.SetExactValue(branch.fNumber);
-      break;
-    case VokTarnBranch::Part::AllBut:
-      x.RemoveExactValue(branch.fNumber);
-      break;
-    case VokTarnBranch::Part::AtMost:
-    case VokTarnBranch::Part::AtLeast: {
-      const VokTarnObjectDescriptor* type = fNetwork.GetType(branch.fValue);
-      auto* bound = static_cast<VokTarnInteger*>(fNetwork.TakeSpare(type));
-      if (bound == nullptr) {
-        throw std::bad_alloc();
-      }
-      bound->SetExactValue(branch.fNumber);
-      if (branch.fPart == VokTarnBranch::Part::AtMost) {
-        x.CalcLessOrEqualValue(*bound);
-      } else {
-        x.CalcNotLessValue(*bound);
-      }
-      fNetwork.ReleaseSpare(type, bound);
-      break;
-    }
-  }
-  fNetwork.NoteChange(branch.fValue);
 }
 
 void VokTarnSearch::LeaveLevel() {
@@ -399,7 +370,7 @@ bool VokTarnSearch::Backtrack() {
   fChoices.pop_back();
   fNetwork.PopLevel();
   if (choice.fRest == nullptr) {
-    Narrow(choice.fBranch.GetRest());
+    VokTarnNarrow(fNetwork, choice.fBranch.GetRest());
   } else {
     fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
     fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
@@ -443,7 +414,7 @@ bool VokTarnSearch::TightenObjective(VokLong wanted) {
   if (isMinimized ? value.GetLowerBound() > wanted : value.GetUpperBound() < wanted) {
     fNetwork.Fail();
   } else if (isMinimized ? value.GetUpperBound() > wanted : value.GetLowerBound() < wanted) {
-    Narrow({id, isMinimized ? VokTarnBranch::Part::AtMost : VokTarnBranch::Part::AtLeast, wanted});
+    VokTarnNarrow(fNetwork, {id, isMinimized ? VokTarnBranch::Part::AtMost : VokTarnBranch::Part::AtLeast, wanted});
   }
   return !fNetwork.IsFailed();
 }

@@ -96,8 +96,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     unsigned fDepth = 0;  // the deepest level reached
   };
 
-  // The network must be at its root level and outlive the search. The search leaves it at the root level
-  // when it is destroyed.
+  // The network must outlive the search, which leaves it at the level at which it began when it is destroyed.
   VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
                 std::optional<Objective> objective = std::nullopt)
       : VokTarnSearch(network, variables, objective, Options()) {}
@@ -163,7 +162,6 @@ class VOKTARN_EXPORT VokTarnSearch {
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
   void Take(const VokTarnBranch& branch);
-  void Narrow(const VokTarnBranch& branch);
   void Open(const Choice& choice);
   VokTarnBranch RecallPhase(VokTarnValueId variable) const;
   void NotePhases();
@@ -205,6 +203,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;
   bool fStarted = false;
+  bool fOwnsLevel = false;
   bool fAtSolution = false;
   bool fExhausted = false;
 };
