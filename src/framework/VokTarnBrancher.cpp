@@ -1,7 +1,5 @@
 #include "framework/VokTarnBrancher.h"
 
-#include <new>
-
 // A bound crosses as a single value of the same type, which every type handles.
 void VokTarnNarrow(VokTarnNetwork& network, const VokTarnBranch& part) {
   const VokTarnValueId id = part.fValue;
@@ -24,18 +22,14 @@ void VokTarnNarrow(VokTarnNetwork& network, const VokTarnBranch& part) {
       break;
     case VokTarnBranch::Part::AtMost:
     case VokTarnBranch::Part::AtLeast: {
-      const VokTarnObjectDescriptor* type = network.GetType(id);
-      auto* bound = static_cast<VokTarnInteger*>(network.TakeSpare(type));
-      if (bound == nullptr) {
-        throw std::bad_alloc();
-      }
-      bound->SetExactValue(v);
+      const VokTarnNetwork::Spare spare = network.TakeSpare(network.GetType(id));
+      auto& bound = static_cast<VokTarnInteger&>(*spare);
+      bound.SetExactValue(v);
       if (part.fPart == VokTarnBranch::Part::AtMost) {
-        x.CalcLessOrEqualValue(*bound);
+        x.CalcLessOrEqualValue(bound);
       } else {
-        x.CalcNotLessValue(*bound);
+        x.CalcNotLessValue(bound);
       }
-      network.ReleaseSpare(type, bound);
       break;
     }
   }

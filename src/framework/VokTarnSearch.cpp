@@ -26,6 +26,7 @@ bool CanSplit(const VokTarnAny& value) {
 VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
                              std::optional<Objective> objective, Options options)
     : fNetwork(network),
+      fBaseLevel(network.GetLevel()),
       fPlaces(network.GetValueCount(), kNoPlace),
       fObjective(objective),
       fOptions(options),
@@ -49,15 +50,20 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
 
 VokTarnSearch::~VokTarnSearch() {
   fNetwork.SetChangeLog(nullptr);
-  while (!fChoices.empty()) {
-    LeaveLevel();
-  }
-  if (fOwnsLevel) {
+  while (fNetwork.GetLevel() > fBaseLevel) {
     fNetwork.PopLevel();
   }
 }
 
 VokTarnSearch::Status VokTarnSearch::Next() {
+  const Status status = Run();
+  if (fNetwork.IsMemoryShort()) {
+    throw std::bad_alloc();
+  }
+  return status;
+}
+
+VokTarnSearch::Status VokTarnSearch::Run() {
   if (!fStarted) {
     const VokTarnNetwork::Outcome root = fNetwork.Propagate();
     if (root == VokTarnNetwork::Outcome::Interrupted) {
@@ -68,7 +74,6 @@ VokTarnSearch::Status VokTarnSearch::Next() {
       NoteFailure();
     } else {
       fNetwork.PushLevel();  // what the search does to the values ends with the search
-      fOwnsLevel = true;
     }
     fStarted = true;
   }
@@ -131,7 +136,7 @@ VokTarnSearch::Status VokTarnSearch::Next() {
     }
     fExhausted = !Backtrack();
   }
-  return fUndecided != vokNoValue || fNetwork.IsMemoryShort() ? Status::Undecided : Status::Exhausted;
+  return fUndecided != vokNoValue ? Status::Undecided : Status::Exhausted;
 }
 
 // Less is better.
@@ -318,36 +323,30 @@ bool VokTarnSearch::IsBound(VokTarnValueId id) const {
 
 void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   const VokTarnObjectDescriptor* type = fNetwork.GetType(variable);
-  VokTarnAny* rest = fNetwork.TakeSpare(type);
-  VokTarnAny* part = fNetwork.TakeSpare(type);
-  if (rest == nullptr || part == nullptr) {
-    fNetwork.ReleaseSpare(type, rest);
-    fNetwork.ReleaseSpare(type, part);
-    throw std::bad_alloc();
-  }
+  VokTarnNetwork::Spare rest = fNetwork.TakeSpare(type);
+  const VokTarnNetwork::Spare part = fNetwork.TakeSpare(type);
   fNetwork.Copy(*rest, fNetwork.GetValue(variable));
   constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
   rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
-  Open({variable, rest, {}, auxiliary});
+  Open({variable, std::move(rest), {}, auxiliary});
   fNetwork.Copy(fNetwork.Touch(variable), *part);
   fNetwork.NoteChange(variable);
   if (fObserver != nullptr) {
     fObserver->OnDecision(variable, *part);
   }
-  fNetwork.ReleaseSpare(type, part);
 }
 
-void VokTarnSearch::Open(const Choice& choice) {
-  fChoices.push_back(choice);
+void VokTarnSearch::Open(Choice choice) {
   fNetwork.PushLevel();
+  fChoices.push_back(std::move(choice));
   ++fStatistics.fDecisions;
   fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
 }
 
 // Goes on with the part of a value's domain; the rest is for later.
 void VokTarnSearch::Take(const VokTarnBranch& branch) {
-  Open({branch.fValue, nullptr, branch, false});
+  Open({branch.fValue, {nullptr, {&fNetwork, 0}}, branch, false});
   VokTarnNarrow(fNetwork, branch);
   if (fObserver != nullptr) {
     fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));
@@ -355,7 +354,6 @@ void VokTarnSearch::Take(const VokTarnBranch& branch) {
 }
 
 void VokTarnSearch::LeaveLevel() {
-  fNetwork.ReleaseSpare(fNetwork.GetType(fChoices.back().fVariable), fChoices.back().fRest);
   fChoices.pop_back();
   fNetwork.PopLevel();
 }
@@ -366,14 +364,13 @@ bool VokTarnSearch::Backtrack() {
   if (fChoices.empty()) {
     return false;
   }
-  const Choice choice = fChoices.back();
+  const Choice choice = std::move(fChoices.back());
   fChoices.pop_back();
   fNetwork.PopLevel();
   if (choice.fRest == nullptr) {
     VokTarnNarrow(fNetwork, choice.fBranch.GetRest());
   } else {
     fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
-    fNetwork.ReleaseSpare(fNetwork.GetType(choice.fVariable), choice.fRest);
     fNetwork.NoteChange(choice.fVariable);
   }
   if (fObserver != nullptr) {

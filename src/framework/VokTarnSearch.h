@@ -36,6 +36,8 @@ class VOKTARN_EXPORT VokTarnSearchObserver {
 // propagation leaves open are searched for one completion. A variable that is still undefined when nothing else can be
 // split leaves its branch undecided: no solution is claimed or denied there.
 //
+// Errors  Throws std::bad_alloc rather than to answer when memory has been short, see VokTarnNetwork.
+//
 // With an objective, every solution found must be better than the one before: the last one is optimal
 // when the search ends Exhausted.
 class VOKTARN_EXPORT VokTarnSearch {
@@ -44,7 +46,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     Solution,   // the network holds a solution, every variable single-valued
     Exhausted,  // there is no further solution: a completed search
     Stopped,    // by the network's interrupt (Next() goes on) or by a limit
-    Undecided   // the search ended, but a branch could not be decided (GetUndecided) or memory ran short
+    Undecided   // the search ended, but a branch could not be decided (GetUndecided)
   };
   enum class Sense { Minimize, Maximize };
 
@@ -130,9 +132,9 @@ class VOKTARN_EXPORT VokTarnSearch {
  private:
   struct Choice {
     VokTarnValueId fVariable;
-    VokTarnAny* fRest;      // what remains of the variable's domain when the first part has been searched; null:
-    VokTarnBranch fBranch;  // the first part, what remains is its rest
-    bool fAuxiliary;        // an intermediate value: one completion is enough
+    VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched; null:
+    VokTarnBranch fBranch;        // the first part, what remains is its rest
+    bool fAuxiliary;              // an intermediate value: one completion is enough
   };
 
   struct Variable {
@@ -159,10 +161,11 @@ class VOKTARN_EXPORT VokTarnSearch {
     }
   };
 
+  Status Run();
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
   void Take(const VokTarnBranch& branch);
-  void Open(const Choice& choice);
+  void Open(Choice choice);
   VokTarnBranch RecallPhase(VokTarnValueId variable) const;
   void NotePhases();
   VokTarnValueId ChooseVariable();
@@ -182,6 +185,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   void SkipAuxiliaryChoices();
 
   VokTarnNetwork& fNetwork;
+  const unsigned fBaseLevel;
   std::vector<Variable> fVariables;  // equally ranked ones are chosen in this order
   std::vector<unsigned> fPlaces;     // per value of the network, its place among the variables
   // Open variables, best first on top. Every open variable has an entry with its present rank; entries that a
@@ -203,7 +207,6 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;
   bool fStarted = false;
-  bool fOwnsLevel = false;
   bool fAtSolution = false;
   bool fExhausted = false;
 };
