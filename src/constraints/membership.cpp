@@ -13,11 +13,15 @@ constexpr unsigned kTruth = 1;
 
 }  // namespace
 
+// Bounds tell all of a single range that one of them lies in or beside.
 VokTarnEvent VokTarnMembershipConstraint::GetEvent(unsigned argument,
                                                    const VokTarnObjectEnvironment& environment) const {
-  return argument == kTruth         ? VokTarnEvent::Single
-         : environment.IsListed(kX) ? VokTarnEvent::Domain
-                                    : VokTarnEvent::Bounds;
+  if (argument == kTruth) {
+    return VokTarnEvent::Single;
+  }
+  const bool isByBounds = GetRanges() == 1 && (GetLower(0) <= environment.Lower(kX) ||
+                                               GetUpper(0) >= environment.Upper(kX));
+  return environment.IsListed(kX) && !isByBounds ? VokTarnEvent::Domain : VokTarnEvent::Bounds;
 }
 
 bool VokTarnMembershipConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
