@@ -90,7 +90,7 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
     changed |= KeepRange(environment, kY, FindSecond(function, x(), y(), z()));
   }
   if (environment.IsFailed() || function == VokTarnFunction::Product || environment.AreSame(kX, kY) ||
-      environment.AreSame(kX, result) || environment.AreSame(kY, result)) {
+      environment.AreSame(kX, result) || (!isUnary && environment.AreSame(kY, result))) {
     return changed;
   }
   const std::int64_t first = environment.Cardinality(kX);

@@ -38,6 +38,10 @@ bool Compare(VokLong relation, Value left, Value right) {
   return relation == 0 ? left == right : relation == 1 ? left <= right : left != right;
 }
 
+bool AreTruths(const Values& x) {
+  return std::ranges::all_of(x, [](Value v) { return v == 0 || v == 1; });
+}
+
 bool IsFunction(VokLong function, Value x, Value y, Value z) {
   const auto power = [](Value base, Value exponent) {
     Value result = 1;
@@ -60,7 +64,7 @@ bool IsFunction(VokLong function, Value x, Value y, Value z) {
   }
 }
 
-class Builtins : public testing::Test {
+class Builtins : public testing::TestWithParam<unsigned> {
  protected:
   Builtins() {
     fModules.fManager.AddSearchDirectory(VOKTARN_BIN_DIR "/test-modules");
@@ -156,8 +160,9 @@ Posed Builtins::MakePosed(unsigned kind) {
       const VokLong positives = Random(0, n);
       extend(n, truth);
       return {"Clause", arguments, {positives}, Strength::Domain, [=](const Values& x) {
-                return std::count(x.begin(), x.begin() + positives, 1) + std::count(x.begin() + positives, x.end(), 0) >
-                       0;
+                return AreTruths(x) &&
+                       std::count(x.begin(), x.begin() + positives, 1) + std::count(x.begin() + positives, x.end(), 0) >
+                           0;
               }};
     }
     case 4: {
@@ -168,14 +173,14 @@ Posed Builtins::MakePosed(unsigned kind) {
                 const bool holds = std::count(x.begin(), x.begin() + positives, 1) +
                                        std::count(x.begin() + positives, x.end() - 1, 0) >
                                    0;
-                return (x.back() == aim) == holds;
+                return AreTruths(x) && (x.back() == aim) == holds;
               }};
     }
     case 5: {
       const VokLong odd = Random(0, 1);
       extend(n, truth);
       return {"Parity", arguments, {odd}, Strength::Domain, [=](const Values& x) {
-                return std::accumulate(x.begin(), x.end(), Value{0}) % 2 == odd;
+                return AreTruths(x) && std::accumulate(x.begin(), x.end(), Value{0}) % 2 == odd;
               }};
     }
     case 6: {
@@ -350,10 +355,12 @@ void Builtins::Check(const Posed& posed) {
   }
 }
 
-TEST_F(Builtins, LoseNoSupportAndKeepTheirPromises) {
-  for (unsigned trial = 0; trial < 36000 && !HasFailure(); ++trial) {
-    Check(MakePosed(trial % 9));
+TEST_P(Builtins, LoseNoSupportAndKeepTheirPromises) {
+  for (unsigned trial = 0; trial < 4000 && !HasFailure(); ++trial) {
+    Check(MakePosed(GetParam()));
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Kinds, Builtins, testing::Range(0U, 9U));
 
 }  // namespace
