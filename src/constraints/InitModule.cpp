@@ -4,6 +4,7 @@
 #include "constraints/VokTarnAdditionConstraint.h"
 #include "constraints/VokTarnAllDifferentConstraint.h"
 #include "constraints/VokTarnAmongConstraint.h"
+#include "constraints/VokTarnArithmeticConstraint.h"
 #include "constraints/VokTarnBinPackingConstraint.h"
 #include "constraints/VokTarnBooleanAndConstraint.h"
 #include "constraints/VokTarnBooleanEqualConstraint.h"
@@ -13,26 +14,34 @@
 #include "constraints/VokTarnBooleanNotConstraint.h"
 #include "constraints/VokTarnBooleanOrConstraint.h"
 #include "constraints/VokTarnCircuitConstraint.h"
+#include "constraints/VokTarnClauseConstraint.h"
+#include "constraints/VokTarnConstantElementConstraint.h"
 #include "constraints/VokTarnCountConstraint.h"
 #include "constraints/VokTarnCumulativeConstraint.h"
+#include "constraints/VokTarnDisjunctionConstraint.h"
 #include "constraints/VokTarnDisjunctiveConstraint.h"
 #include "constraints/VokTarnElementConstraint.h"
 #include "constraints/VokTarnEqualConstraint.h"
 #include "constraints/VokTarnEqualTernaryConstraint.h"
 #include "constraints/VokTarnExtremePlaceConstraint.h"
+#include "constraints/VokTarnExtremumConstraint.h"
 #include "constraints/VokTarnGlobalCardinalityConstraint.h"
 #include "constraints/VokTarnInverseConstraint.h"
 #include "constraints/VokTarnLessOrEqualTernaryConstraint.h"
 #include "constraints/VokTarnLessTernaryConstraint.h"
 #include "constraints/VokTarnLexicographicOrderConstraint.h"
 #include "constraints/VokTarnLinearConstraint.h"
+#include "constraints/VokTarnLinearRelationConstraint.h"
 #include "constraints/VokTarnMaximumConstraint.h"
+#include "constraints/VokTarnMembershipConstraint.h"
 #include "constraints/VokTarnMinimumConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
 #include "constraints/VokTarnNextConstraint.h"
 #include "constraints/VokTarnNonOverlapConstraint.h"
 #include "constraints/VokTarnNumberNegationConstraint.h"
 #include "constraints/VokTarnNumberOfValuesConstraint.h"
+#include "constraints/VokTarnOffsetRelationConstraint.h"
+#include "constraints/VokTarnParityConstraint.h"
 #include "constraints/VokTarnPowerConstraint.h"
 #include "constraints/VokTarnRegularConstraint.h"
 #include "constraints/VokTarnRemainderConstraint.h"
@@ -111,7 +120,16 @@ bool PublishConstraints(VokTarnModule& module) {
          Publish<VokTarnLinearConstraint>(module, any, Operands::Any) &&
          Publish<VokTarnElementConstraint>(module, any, Operands::Any) &&
          Publish<VokTarnCountConstraint>(module, any, Operands::Any) &&
-         Publish<VokTarnTableConstraint>(module, any, Operands::Any) && PublishGlobals(module);
+         Publish<VokTarnTableConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnArithmeticConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnClauseConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnConstantElementConstraint>(module, 2, Operands::Any) &&
+         Publish<VokTarnDisjunctionConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnExtremumConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnLinearRelationConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnMembershipConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnOffsetRelationConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnParityConstraint>(module, any, Operands::Any) && PublishGlobals(module);
 }
 
 // Relations see of an integer only what every type offers, so they are published once for all types, and a

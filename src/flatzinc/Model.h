@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -29,17 +30,20 @@ struct Argument {
     Integer,   // a literal: fNumber
     Variable,  // fNumber is its place
     Array,     // of terms: fCount from place fNumber of the model's terms
-    Set,       // fNumber is its place among the model's sets
+    OneSet,    // fNumber is its place among the model's sets
     Sets,      // an array of sets: fCount from place fNumber
     Text,      // a string or a name without a declaration, in annotations: its place among the model's texts
     Call,      // an annotation with arguments: its place among the model's calls
-    List       // of arguments, in annotations: fCount from place fNumber of the model's arguments
+    List,      // of arguments, in annotations: fCount from place fNumber of the model's arguments
+    Float      // a literal, in annotations: GetFloat
   };
 
   Kind fKind;
   bool fIsTruth;         // of a variable, of the members of an array: truth values, not integers
   std::uint32_t fCount;  // of the kinds with several members
   std::int64_t fNumber;
+
+  double GetFloat() const { return std::bit_cast<double>(fNumber); }
 };
 
 struct Variable {
@@ -52,7 +56,8 @@ struct Variable {
   Set fDomain;  // of a bounded variable, `= constant` taken into account; empty: no value
 };
 
-// A name with arguments: `int_search(x, first_fail, ..)`. Also an annotation without arguments.
+// A name with arguments: `int_search(x, first_fail, ..)`. Arguments in brackets are an Array when all of them are terms
+// of one kind, Sets when all are sets, else a List; `[]` is an Array.
 struct Call {
   std::uint32_t fName;   // among the model's texts
   std::uint32_t fFirst;  // argument

@@ -30,9 +30,9 @@ class Posting {
 
   // ---- Arguments, from 0
   std::string_view GetName() const;
-  Term GetTerm(unsigned argument) const;                        // an integer or a truth value
-  std::span<const Term> GetTerms(unsigned argument) const;      // an array of them
-  std::int64_t GetConstant(unsigned argument) const;            // single-valued
+  Term GetTerm(unsigned argument) const;                    // an integer or a truth value
+  std::span<const Term> GetTerms(unsigned argument) const;  // an array of them
+  std::int64_t GetConstant(unsigned argument) const;        // single-valued
   std::vector<std::int64_t> GetConstants(unsigned argument) const;
   const Set& GetSet(unsigned argument) const;
   std::span<const Set> GetSets(unsigned argument) const;
