@@ -3,6 +3,7 @@
 #include "constraints/VokTarnAbsoluteConstraint.h"
 #include "constraints/VokTarnAdditionConstraint.h"
 #include "constraints/VokTarnAllDifferentConstraint.h"
+#include "constraints/VokTarnArithmeticConstraint.h"
 #include "constraints/VokTarnBooleanAndConstraint.h"
 #include "constraints/VokTarnBooleanEqualConstraint.h"
 #include "constraints/VokTarnBooleanImpliesConstraint.h"
@@ -10,18 +11,26 @@
 #include "constraints/VokTarnBooleanLessOrEqualConstraint.h"
 #include "constraints/VokTarnBooleanNotConstraint.h"
 #include "constraints/VokTarnBooleanOrConstraint.h"
+#include "constraints/VokTarnClauseConstraint.h"
+#include "constraints/VokTarnConstantElementConstraint.h"
 #include "constraints/VokTarnCountConstraint.h"
+#include "constraints/VokTarnDisjunctionConstraint.h"
 #include "constraints/VokTarnElementConstraint.h"
 #include "constraints/VokTarnEqualConstraint.h"
 #include "constraints/VokTarnEqualTernaryConstraint.h"
+#include "constraints/VokTarnExtremumConstraint.h"
 #include "constraints/VokTarnLessOrEqualTernaryConstraint.h"
 #include "constraints/VokTarnLessTernaryConstraint.h"
 #include "constraints/VokTarnLinearConstraint.h"
+#include "constraints/VokTarnLinearRelationConstraint.h"
 #include "constraints/VokTarnMaximumConstraint.h"
+#include "constraints/VokTarnMembershipConstraint.h"
 #include "constraints/VokTarnMinimumConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
 #include "constraints/VokTarnNextConstraint.h"
 #include "constraints/VokTarnNumberNegationConstraint.h"
+#include "constraints/VokTarnOffsetRelationConstraint.h"
+#include "constraints/VokTarnParityConstraint.h"
 #include "constraints/VokTarnPowerConstraint.h"
 #include "constraints/VokTarnRemainderConstraint.h"
 #include "constraints/VokTarnSignumConstraint.h"
@@ -78,7 +87,16 @@ bool PublishConstraints(VokTarnModule& module) {
          Publish<VokTarnLinearConstraint>(module, any, Operands::Any) &&
          Publish<VokTarnElementConstraint>(module, any, Operands::Any) &&
          Publish<VokTarnCountConstraint>(module, any, Operands::Any) &&
-         Publish<VokTarnTableConstraint>(module, any, Operands::Any);
+         Publish<VokTarnTableConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnArithmeticConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnClauseConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnConstantElementConstraint>(module, 2, Operands::Any) &&
+         Publish<VokTarnDisjunctionConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnExtremumConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnLinearRelationConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnMembershipConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnOffsetRelationConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnParityConstraint>(module, any, Operands::Any);
 }
 
 // Relations see of an integer only what every type offers, so they are published once for all types, and a

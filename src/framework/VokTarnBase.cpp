@@ -1,9 +1,10 @@
 #include "framework/VokTarnBase.h"
 
+#include <atomic>
 #include <new>
 
 namespace {
-VokULong sAllocationFailures = 0;
+std::atomic<VokULong> sAllocationFailures = 0;
 }
 
 void* VokTarnBase::operator new(std::size_t size) noexcept {

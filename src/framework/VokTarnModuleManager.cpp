@@ -4,11 +4,17 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 
+#include "framework/VokTarnMemoryWatch.h"
+
 namespace {
+
+// Short enough for a string to hold without an allocation.
+constexpr const char* kOutOfMemory = "out of memory";
 
 using InitModuleFunction = int (*)(VokTarnModule*, VokTarnModuleManager*);
 
@@ -27,6 +33,9 @@ std::string FrameworkDirectory() {
   }
   std::error_code error;
   const std::filesystem::path path = std::filesystem::canonical(info.dli_fname, error);
+  if (error == std::errc::not_enough_memory) {
+    throw std::bad_alloc();
+  }
   return error ? std::string() : path.parent_path().string();
 }
 
@@ -83,18 +92,18 @@ int VokTarnModuleManager::AddSearchDirectory(const std::string& directory) {
 }
 
 VokTarnModule* VokTarnModuleManager::OpenModule(const VokString& name) noexcept {
+  const VokTarnMemoryWatch memory;
+  VokTarnModule* module = nullptr;
   try {
     fError.clear();
-    return Load(name);
-  } catch (const std::exception& problem) {
+    module = name.IsValid() != 0 ? Load(name) : nullptr;
+  } catch (const std::exception&) {
     VokTarnBase::NoteAllocationFailure();
-    try {
-      fError = problem.what();
-    } catch (const std::bad_alloc&) {
-      fError.clear();
-    }
-    return nullptr;
   }
+  if (module == nullptr && (memory.HasSeenFailure() || name.IsValid() == 0)) {
+    fError = kOutOfMemory;  // whatever came of it
+  }
+  return module;
 }
 
 VokTarnModule* VokTarnModuleManager::Fail(std::string message) {
@@ -116,22 +125,30 @@ VokTarnModule* VokTarnModuleManager::Load(const VokString& name) {
   if (path.empty()) {
     return nullptr;
   }
+  auto entry = std::make_unique<Loaded>(name);
+  errno = 0;
   void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr && errno == ENOMEM) {
+    throw std::bad_alloc();
+  }
   if (handle == nullptr) {
     return Fail("module '" + text + "' cannot be loaded: " + LoaderError());
   }
-  auto entry = std::make_unique<Loaded>(name);
   entry->fLibrary.fHandle = handle;
   const auto init = reinterpret_cast<InitModuleFunction>(dlsym(handle, "InitModule"));
   if (init == nullptr) {
     return Fail("module '" + text + "' (" + path + ") has no function InitModule");
   }
   Loaded& loaded = *entry;
+  fOrder.reserve(fLoaded.size() + 1);  // room for the modules that are being loaded too
   fLoaded.push_back(std::move(entry));
-  if (init(&loaded.fModule, this) == 0) {
-    const std::string reason = fError.empty() ? "its function InitModule reported a failure" : fError;
+  const VokTarnMemoryWatch memory;
+  // A module need not report that memory was too short for some of its descriptors.
+  if (init(&loaded.fModule, this) == 0 || memory.HasSeenFailure()) {
+    const std::string reason = std::move(fError);
     std::erase_if(fLoaded, [&loaded](const auto& other) { return other.get() == &loaded; });
-    return Fail("module '" + text + "' did not start: " + reason);
+    return Fail("module '" + text +
+                "' did not start: " + (reason.empty() ? "its function InitModule reported a failure" : reason));
   }
   fOrder.push_back(&loaded.fModule);
   loaded.fReady = true;

@@ -20,9 +20,17 @@ VokTarnSlot::Kind FindKind(const VokTarnAny& value) {
                                                             : VokTarnSlot::Kind::Other;
 }
 
+// Afterwards `vector` grows to `size` elements without an allocation.
+template <class Element>
+void MakeRoom(std::vector<Element>& vector, std::size_t size) {
+  if (vector.capacity() < size) {
+    vector.reserve(std::max(size, 2 * vector.capacity()));
+  }
+}
+
 }  // namespace
 
-VokTarnNetwork::VokTarnNetwork() : fAllocationFailures(VokTarnBase::GetAllocationFailures()) {}
+VokTarnNetwork::VokTarnNetwork() = default;
 
 VokTarnNetwork::~VokTarnNetwork() {
   while (!fLevels.empty()) {
@@ -57,18 +65,18 @@ VokTarnAny* VokTarnNetwork::TakeSpare(Pool& pool) {
     pool.fObjects.pop_back();
     return object;
   }
+  MakeRoom(pool.fObjects, pool.fMade + 1);
   void* place = VokTarnBase::operator new(pool.fType->GetObjectSize());
   if (place == nullptr) {
-    fMemoryShort = true;
-    return nullptr;
+    throw std::bad_alloc();
   }
+  ++pool.fMade;
   return static_cast<VokTarnAny*>(static_cast<VokTarnObject*>(pool.fType->InitObject(place)));
 }
 
-void VokTarnNetwork::ReleaseSpare(const VokTarnObjectDescriptor* type, VokTarnAny* object) {
-  if (object != nullptr) {
-    fPools[FindPool(type)].fObjects.push_back(object);
-  }
+VokTarnNetwork::Spare VokTarnNetwork::TakeSpare(const VokTarnObjectDescriptor* type) {
+  const unsigned pool = FindPool(type);
+  return {TakeSpare(fPools[pool]), {this, pool}};
 }
 
 void VokTarnNetwork::Copy(VokTarnAny& copy, const VokTarnAny& original) {
@@ -87,15 +95,11 @@ VokTarnValueId VokTarnNetwork::AddValue(const VokTarnObjectDescriptor* type, std
     fNames.emplace(id, std::move(name));
   }
   const unsigned pool = FindPool(type);
-  fValues.push_back({nullptr, {}, 0, type->GetLister(), type, {}, {}, 0, pool, VokTarnSlot::Kind::Other, false});
+  MakeRoom(fValues, id + std::size_t{1});
   VokTarnAny* object = TakeSpare(fPools[pool]);
-  if (object == nullptr) {
-    fValues.pop_back();
-    throw std::bad_alloc();
-  }
+  fValues.push_back({object, {}, 0, type->GetLister(), type, {}, {}, 0, pool, VokTarnSlot::Kind::Other, false});
   object->SetUndefinedValue();
   VokTarnSlot& slot = fValues.back();
-  slot.fObject = object;
   slot.fKind = FindKind(*object);
   slot.fSummary = Summarize(slot);
   object->Activate(this);
@@ -172,6 +176,15 @@ VokULong VokTarnNetwork::TakeWaiting() noexcept {
 }
 
 VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
+  const Outcome outcome = Filter();
+  if (IsMemoryShort()) {
+    throw std::bad_alloc();
+  }
+  return outcome;
+}
+
+// Filters what waits, until nothing does.
+VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
   fFailedConstraint = nullptr;
   while (!fFailed) {
     if (PollInterrupt()) {
@@ -204,10 +217,8 @@ VokTarnNetwork::Outcome VokTarnNetwork::Propagate() {
 VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
   VokTarnSlot& slot = fValues[id];
   if (!fLevels.empty() && slot.fStamp != fLevels.back().fStamp) {
+    MakeRoom(fTrail, fTrail.size() + 1);
     VokTarnAny* copy = TakeSpare(fPools[slot.fPool]);
-    if (copy == nullptr) {
-      throw std::bad_alloc();
-    }
     copy->Assign(*slot.fObject);
     // Where the type lists its values they can be counted without a call.
     const bool isListed = slot.fLister != nullptr && slot.fSummary.fSize > 0;
@@ -324,19 +335,15 @@ void VokTarnNetwork::PushLevel() {
 void VokTarnNetwork::PopLevel() {
   while (fTrail.size() > fLevels.back().fTrailSize) {
     const Saved& saved = fTrail.back();
+    LogChange(saved.fValue);
     VokTarnSlot& slot = fValues[saved.fValue];
     fPools[slot.fPool].fObjects.push_back(slot.fObject);
     slot.fObject = saved.fObject;
     slot.fSummary = saved.fSummary;
     slot.fStamp = saved.fStamp;
-    LogChange(saved.fValue);
     fTrail.pop_back();
   }
   fLevels.pop_back();
   ClearAgenda();
   fFailed = false;
-}
-
-bool VokTarnNetwork::IsMemoryShort() const noexcept {
-  return fMemoryShort || VokTarnBase::GetAllocationFailures() != fAllocationFailures;
 }

@@ -10,6 +10,7 @@
 
 #include "framework/VokTarnConstraint.h"
 #include "framework/VokTarnInteger.h"
+#include "framework/VokTarnMemoryWatch.h"
 
 // Values and the constraints over them, with propagation to a fixpoint and a trail for backtracking.
 //
@@ -23,11 +24,22 @@
 //            empties the agenda and forgets a failure. A value is copied once per level, when it is first
 //            written to. Values and constraints may be added at the root level only.
 // Ownership  Owns its values and constraints. Descriptors belong to modules, which must outlive it.
-// Errors     Adding and propagating throw std::bad_alloc; after that the network is only good to be destroyed. A value
-//            that could not be copied sets IsMemoryShort() for good: no conclusion may be drawn from a failure then.
+// Errors     Adding and propagating throw std::bad_alloc; after that the network is only good to be destroyed. An
+//            allocation that fails anywhere while the network lives, also one that a module gets over, may have cost a
+//            domain its values: it sets IsMemoryShort() for good, and from then on no propagation reports an outcome.
+//            The network holds a VokTarnMemoryWatch, whose header says how a program with a new handler of its own
+//            lives with it.
 class VOKTARN_EXPORT VokTarnNetwork {
  public:
   enum class Outcome { Fixpoint, Failed, Interrupted };
+
+  // Gives a value back to the network that lent it.
+  struct SpareReturner {
+    VokTarnNetwork* fNetwork;
+    unsigned fPool;
+    void operator()(VokTarnAny* object) const noexcept { fNetwork->fPools[fPool].fObjects.push_back(object); }
+  };
+  using Spare = std::unique_ptr<VokTarnAny, SpareReturner>;
 
   VokTarnNetwork();
   VokTarnNetwork(const VokTarnNetwork&) = delete;
@@ -45,6 +57,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
   // As the value would answer, without a call.
   int GetCardinality(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fSize; }
+  // Of an integer its bounds, of a truth value 0 and 1 as far as they are possible.
+  VokLong GetLower(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fLower; }
+  VokLong GetUpper(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fUpper; }
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;
@@ -54,6 +69,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::size_t GetDegree(VokTarnValueId id) const noexcept { return fValues[id].fDegree; }
 
   // ---- Propagation
+  // Throws std::bad_alloc rather than to report an outcome when IsMemoryShort().
   Outcome Propagate();
   bool IsFailed() const noexcept { return fFailed; }
   // The constraint that was being filtered when the last propagation failed; null when it did not fail so.
@@ -76,9 +92,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   void ClearChangeLog() noexcept;
   void Schedule(VokULong constraint);
 
-  // A spare value of a type, for the caller to write to and to give back to ReleaseSpare; null when memory is short.
-  VokTarnAny* TakeSpare(const VokTarnObjectDescriptor* type) { return TakeSpare(fPools[FindPool(type)]); }
-  void ReleaseSpare(const VokTarnObjectDescriptor* type, VokTarnAny* object);
+  // A spare value of a type, for the caller to write to, which must not outlive the network. Throws std::bad_alloc.
+  Spare TakeSpare(const VokTarnObjectDescriptor* type);
   // Makes `copy` equal to `original`, of the same type; notes when memory was too short for that.
   void Copy(VokTarnAny& copy, const VokTarnAny& original);
 
@@ -89,7 +104,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
 
   // ---- Figures
   std::uint64_t GetPropagations() const noexcept { return fPropagations; }
-  bool IsMemoryShort() const noexcept;
+  bool IsMemoryShort() const noexcept { return fMemoryShort || fMemory.HasSeenFailure(); }
 
  private:
   friend class VokTarnObjectEnvironment;
@@ -103,7 +118,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Spare values of one type.
   struct Pool {
     const VokTarnObjectDescriptor* fType;
-    std::vector<VokTarnAny*> fObjects;
+    std::vector<VokTarnAny*> fObjects;  // with room for all that have been made
+    std::size_t fMade = 0;
   };
   // Constraints that wait, first come first served.
   struct Queue {
@@ -117,6 +133,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   };
 
   static VokTarnSummary Summarize(const VokTarnSlot& slot);
+  Outcome Filter();
   unsigned FindPool(const VokTarnObjectDescriptor* type);
   VokTarnAny* TakeSpare(Pool& pool);
   VokULong TakeWaiting() noexcept;
@@ -124,6 +141,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   void LogChange(VokTarnValueId id);
   void AskWatches(VokTarnSlot& slot);
 
+  VokTarnMemoryWatch fMemory;
   std::vector<VokTarnSlot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;
   std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
@@ -139,7 +157,6 @@ class VOKTARN_EXPORT VokTarnNetwork {
   const VokTarnConstraint* fFailedConstraint = nullptr;
   std::uint64_t fPropagations = 0;
   VokULong fStampCounter = 0;
-  VokULong fAllocationFailures;
   VokULong fRunning = sNone;  // the constraint that is being filtered
   bool fIsRunningWoken = false;
   bool fIsAtFixpoint = false;

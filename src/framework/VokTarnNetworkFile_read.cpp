@@ -293,6 +293,7 @@ class Reader {
 
 std::unique_ptr<VokTarnNetwork> VokTarnNetworkFile::Read(std::istream& is, VokTarnModuleManager& manager,
                                                          Contents& contents, std::string& error) {
+  const VokTarnMemoryWatch memory;
   try {
     Contents read;
     std::unique_ptr<VokTarnNetwork> network = Reader(ReadPayload(is), manager).Read(read);
@@ -300,9 +301,10 @@ std::unique_ptr<VokTarnNetwork> VokTarnNetworkFile::Read(std::istream& is, VokTa
     error.clear();
     return network;
   } catch (const Refusal& refusal) {
+    if (memory.HasSeenFailure()) {  // it may be what was refused
+      throw std::bad_alloc();
+    }
     error = refusal.what();
-  } catch (const std::bad_alloc&) {
-    error = "out of memory";
   }
   return nullptr;
 }

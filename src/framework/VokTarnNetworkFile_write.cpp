@@ -55,17 +55,12 @@ bool KeepsItsDomain(VokTarnNetwork& network, VokTarnValueId id) {
   std::stringstream bytes;
   Vokopstream os(bytes);
   os.WriteObject(&value);
-  VokTarnAny* const copy = network.TakeSpare(network.GetType(id));
-  if (copy == nullptr) {
-    throw std::bad_alloc();
-  }
+  const VokTarnNetwork::Spare copy = network.TakeSpare(network.GetType(id));
   copy->SetUndefinedValue();
-  VokStreamable* target = copy;
+  VokStreamable* target = copy.get();
   Vokipstream is(bytes);
   is.ReadObject(target);
-  const bool isKept = !os.IsFailed() && !is.IsFailed() && copy->GetCardinality() == value.GetCardinality();
-  network.ReleaseSpare(network.GetType(id), copy);
-  return isKept;
+  return !os.IsFailed() && !is.IsFailed() && copy->GetCardinality() == value.GetCardinality();
 }
 
 void WriteValues(Vokopstream& os, VokTarnNetwork& network) {
@@ -144,6 +139,7 @@ bool VokTarnNetworkFile::IsNetworkFile(std::string_view bytes) noexcept {
 
 bool VokTarnNetworkFile::Write(std::ostream& os, VokTarnNetwork& network, const Contents& contents,
                                std::string& error) {
+  const VokTarnMemoryWatch memory;
   try {
     const std::string payload = MakePayload(network, contents);
     if (payload.size() > std::numeric_limits<VokULong>::max()) {
@@ -160,9 +156,10 @@ bool VokTarnNetworkFile::Write(std::ostream& os, VokTarnNetwork& network, const 
     error.clear();
     return true;
   } catch (const Refusal& refusal) {
+    if (memory.HasSeenFailure()) {  // it may be what was refused
+      throw std::bad_alloc();
+    }
     error = refusal.what();
-  } catch (const std::bad_alloc&) {
-    error = "out of memory";
   }
   return false;
 }

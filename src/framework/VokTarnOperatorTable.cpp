@@ -56,6 +56,15 @@ VokTarnValueId ModelOperand(const VokTarnNetwork& network, const VokTarnOperator
   return operands.back();
 }
 
+void AddNew(VokTarnNetwork& network, const VokTarnConstraintDescriptor& type, std::span<const VokTarnValueId> arguments,
+            VokTarnForm form, std::span<const VokLong> constants) {
+  std::unique_ptr<VokTarnConstraint> constraint(type.Create(arguments, form, constants));
+  if (constraint == nullptr) {
+    throw std::bad_alloc();
+  }
+  network.AddConstraint(std::move(constraint));
+}
+
 }  // namespace
 
 VokTarnOperatorTable::VokTarnOperatorTable(const VokTarnModuleManager& manager) : fManager(manager) {
@@ -63,10 +72,10 @@ VokTarnOperatorTable::VokTarnOperatorTable(const VokTarnModuleManager& manager) 
 }
 
 void VokTarnOperatorTable::Refresh() {
-  fTypes.clear();
-  fOperators.clear();
-  fCasts.clear();
-  fEquality = nullptr;
+  decltype(fTypes) types;
+  decltype(fOperators) operators;
+  decltype(fCasts) casts;
+  VokTarnConstraintType equality = nullptr;
   for (const VokTarnModule* module : fManager.GetModules()) {
     for (const auto& descriptor : module->GetDescriptors()) {
       if (descriptor == nullptr) {
@@ -74,17 +83,21 @@ void VokTarnOperatorTable::Refresh() {
       }
       if (descriptor->IsDerivedFrom(VokTarnOperatorDescriptor::sIdent) != 0) {
         const auto* row = static_cast<const VokTarnOperatorDescriptor*>(descriptor.get());
-        fOperators[std::string(row->GetName().View())].push_back(row);
+        operators[std::string(row->GetName().View())].push_back(row);
         if (row->IsCast()) {
-          fCasts.push_back(row);
+          casts.push_back(row);
         }
       } else if (descriptor->IsDerivedFrom(VokTarnConstraintDescriptor::sIdent) == 0) {
-        fTypes.push_back(descriptor.get());
+        types.push_back(descriptor.get());
       } else if (descriptor->GetName().View() == kEquality) {
-        fEquality = static_cast<VokTarnConstraintType>(descriptor.get());
+        equality = static_cast<VokTarnConstraintType>(descriptor.get());
       }
     }
   }
+  fTypes = std::move(types);
+  fOperators = std::move(operators);
+  fCasts = std::move(casts);
+  fEquality = equality;
 }
 
 VokTarnType VokTarnOperatorTable::FindType(std::string_view name) const noexcept {
@@ -219,7 +232,7 @@ VokTarnValueId VokTarnOperatorTable::Convert(VokTarnNetwork& network, VokTarnVal
   }
   const VokTarnValueId converted = network.AddValue(to);
   const std::array<VokTarnValueId, 2> arguments = {from, converted};
-  network.AddConstraint(std::unique_ptr<VokTarnConstraint>(fEquality->Create(arguments, VokTarnForm::Plain)));
+  AddNew(network, *fEquality, arguments, VokTarnForm::Plain, {});
   return converted;
 }
 
@@ -239,11 +252,6 @@ VokTarnValueId VokTarnOperatorTable::Apply(VokTarnNetwork& network, const Choice
         isSettled ? declared : ResultType(declared, network.GetType(ModelOperand(network, *choice.fOperator, taken))));
   }
   const std::vector<VokTarnValueId> arguments = choice.fOperator->ArrangeArguments(taken, result);
-  VokTarnConstraint* constraint =
-      choice.fOperator->GetConstraint()->Create(arguments, choice.fOperator->GetForm(), constants);
-  if (constraint == nullptr) {
-    throw std::bad_alloc();
-  }
-  network.AddConstraint(std::unique_ptr<VokTarnConstraint>(constraint));
+  AddNew(network, *choice.fOperator->GetConstraint(), arguments, choice.fOperator->GetForm(), constants);
   return result;
 }

@@ -51,6 +51,9 @@ class VokTarnTrace::Bench {
     if (!fNetwork.IsFailed()) {
       fConstraint->Filter(VokTarnObjectEnvironment(fNetwork, fConstraint->GetArguments()), 0);
     }
+    if (fNetwork.IsMemoryShort()) {
+      throw std::bad_alloc();
+    }
     take(std::as_const(fNetwork));
     fNetwork.PopLevel();
   }
@@ -71,22 +74,18 @@ VokTarnTrace::VokTarnTrace(VokTarnNetwork& network) : fNetwork(network) {
 VokTarnTrace::~VokTarnTrace() = default;
 
 VokTarnTrace::Domain VokTarnTrace::Keep(const VokTarnObjectDescriptor* type, const VokTarnAny& original) {
-  VokTarnAny* copy = fNetwork.TakeSpare(type);
-  if (copy == nullptr) {
-    throw std::bad_alloc();
-  }
+  VokTarnNetwork::Spare copy = fNetwork.TakeSpare(type);
   fNetwork.Copy(*copy, original);
-  return {copy, [this, type](VokTarnAny* domain) { fNetwork.ReleaseSpare(type, domain); }};
+  return copy;
 }
 
 bool VokTarnTrace::IsSubset(const VokTarnObjectDescriptor* type, const VokTarnAny& a, const VokTarnAny& b) {
-  VokTarnAny* common = fNetwork.TakeSpare(type);
-  if (common == nullptr) {
-    throw std::bad_alloc();
-  }
+  const VokTarnNetwork::Spare common = fNetwork.TakeSpare(type);
   fNetwork.Copy(*common, a);
   const bool isSubset = common->Intersect(b) == 0;
-  fNetwork.ReleaseSpare(type, common);
+  if (fNetwork.IsMemoryShort()) {
+    throw std::bad_alloc();
+  }
   return isSubset;
 }
 
@@ -96,12 +95,17 @@ bool VokTarnTrace::AreEqual(VokTarnValueId id, const VokTarnAny& a, const VokTar
 }
 
 VokTarnNetwork::Outcome VokTarnTrace::Record() {
+  struct Recording {
+    VokTarnNetwork& fNetwork;
+    ~Recording() {
+      fNetwork.SetFilterHook({});
+      fNetwork.SetChangeLog(nullptr);
+    }
+  };
+  const Recording recording{fNetwork};
   fNetwork.SetChangeLog(&fChanged);
   fNetwork.SetFilterHook([this](VokULong constraint) { Note(constraint); });
-  const VokTarnNetwork::Outcome outcome = fNetwork.Propagate();
-  fNetwork.SetFilterHook({});
-  fNetwork.SetChangeLog(nullptr);
-  return outcome;
+  return fNetwork.Propagate();
 }
 
 void VokTarnTrace::Note(VokULong constraint) {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <numeric>
-#include <sstream>
 
 #include "tarn/Lexer.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 namespace {
@@ -50,7 +50,7 @@ ModelError MakeOperatorError(const VokTarnOperatorTable& table, const Word& name
   }
   std::vector<std::string> notes{"there is:"};
   for (const VokTarnOperatorDescriptor* row : table.GetRows(name.fText)) {
-    std::ostringstream text;
+    TextWriter text;
     row->PrintOn(text);
     notes.push_back("  " + text.str());
   }

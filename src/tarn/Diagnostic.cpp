@@ -1,6 +1,9 @@
 #include "tarn/Diagnostic.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
 
 namespace tarn {
 namespace {
@@ -39,6 +42,13 @@ std::size_t PrintableLength(std::string_view text) noexcept {
 }
 
 }  // namespace
+
+void ThrowSystemError(int error, const std::string& message) {
+  if (error == ENOMEM) {
+    throw std::bad_alloc();
+  }
+  throw ProgramError(message + ": " + std::strerror(error));
+}
 
 std::string Quote(std::string_view text) {
   std::string quoted(1, '\'');

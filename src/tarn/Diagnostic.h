@@ -32,6 +32,9 @@ class ProgramError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Throws ProgramError with the message and the C library's words for `error`; std::bad_alloc when memory was short.
+[[noreturn]] void ThrowSystemError(int error, const std::string& message);
+
 // "file:line:column: error: message", the source line, a line with a caret below the place, and the notes; every
 // line ends with a newline but the last.
 std::string FormatDiagnostic(const Source& source, const ModelError& error);

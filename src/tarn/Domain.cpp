@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <limits>
-#include <sstream>
 
 #include "framework/VokTarnInteger.h"
 #include "tarn/Evaluator.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 namespace {
@@ -21,7 +21,7 @@ constexpr std::size_t sMostRuns = 10;
 
 Domain::Domain(const VokTarnAny& value) : fRuns(FindRuns(value)) {
   if (!fRuns) {
-    std::ostringstream text;
+    TextWriter text;
     value.PrintOn(text);
     fText = text.str();
   }

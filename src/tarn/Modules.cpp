@@ -1,7 +1,9 @@
 #include "tarn/Modules.h"
 
 #include <filesystem>
+#include <new>
 
+#include "framework/VokTarnMemoryWatch.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/ValueText.h"
 
@@ -10,6 +12,9 @@ namespace tarn {
 void Modules::AddDirectory(const std::string& directory) {
   std::error_code error;
   const std::filesystem::path path = std::filesystem::absolute(directory, error);
+  if (error == std::errc::not_enough_memory) {
+    throw std::bad_alloc();
+  }
   if (error || fManager.AddSearchDirectory(path.string()) == 0) {
     throw ProgramError("tarn: error: cannot search the directory " + Quote(MakePrintable(directory)));
   }
@@ -25,8 +30,12 @@ VokTarnModule& Modules::Open(const std::string& module) {
 }
 
 VokTarnModule* Modules::TryOpen(std::string_view module) {
+  const VokTarnMemoryWatch memory;
   VokTarnModule* opened = fManager.OpenModule(VokString(module));
   if (opened == nullptr) {
+    if (memory.HasSeenFailure()) {
+      throw std::bad_alloc();
+    }
     return nullptr;
   }
   fTable.Refresh();

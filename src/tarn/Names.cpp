@@ -1,11 +1,11 @@
 #include "tarn/Names.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "tarn/Diagnostic.h"
 #include "tarn/Domain.h"
 #include "tarn/Lexer.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 constexpr int sMostDepth = 6;
 
 std::string Print(const VokTarnAny& value) {
-  std::ostringstream text;
+  TextWriter text;
   value.PrintOn(text);
   return text.str();
 }
@@ -113,10 +113,10 @@ std::string Names::DescribeStatement(std::size_t statement) const {
   const auto* declaration = std::get_if<Declaration>(&place.fBody);
   const std::size_t end =
       declaration == nullptr ? place.fEnd : declaration->fDomainOffset + declaration->fDomain.size();
-  std::istringstream lines(std::string(fSource.GetText().substr(place.fOffset, end - place.fOffset)));
+  TextReader lines(std::string(fSource.GetText().substr(place.fOffset, end - place.fOffset)));
   std::string text = "line " + std::to_string(GetLine(statement)) + ":";
   for (std::string line; std::getline(lines, line);) {
-    std::istringstream words(line.substr(0, line.find("//")));
+    TextReader words(line.substr(0, line.find("//")));
     for (std::string word; words >> word;) {
       text += " " + word;
     }

@@ -1,9 +1,8 @@
 #include "tarn/Session.h"
 
-#include <sstream>
-
 #include "tarn/Diagnostic.h"
 #include "tarn/Parser.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 
@@ -47,7 +46,7 @@ void Session::AddVariables(const Declaration& declaration) {
 }
 
 void Session::Restore(const Source& source) {
-  std::istringstream bytes{std::string(source.GetText())};
+  TextReader bytes(std::string(source.GetText()));
   std::string error;
   fRestored = VokTarnNetworkFile::Read(bytes, fModules.GetManager(), fContents, error);
   if (fRestored == nullptr) {

@@ -31,7 +31,7 @@ Source Source::ReadFile(const std::string& path) {
   const std::string name = path == "-" ? "standard input" : MakePrintable(path);
   const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   if (file == nullptr) {
-    throw ProgramError(name + ": error: cannot open the file: " + std::strerror(errno));
+    ThrowSystemError(errno, name + ": error: cannot open the file");
   }
   std::string text;
   char buffer[1 << 16];
@@ -50,7 +50,7 @@ Source Source::ReadFile(const std::string& path) {
     }
   }
   if (std::ferror(file.get()) != 0) {
-    throw ProgramError(name + ": error: cannot read the file: " + std::strerror(errno));
+    ThrowSystemError(errno, name + ": error: cannot read the file");
   }
   return Source(name, std::move(text));
 }

@@ -4,12 +4,12 @@
 #include <charconv>
 #include <locale>
 #include <new>
-#include <sstream>
 #include <string_view>
 #include <vector>
 
 #include "framework/VokTarnInteger.h"
 #include "tarn/Diagnostic.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 namespace {
@@ -24,7 +24,7 @@ std::string_view Trim(std::string_view text) noexcept {
 }
 
 std::string Print(const VokTarnAny& value) {
-  std::ostringstream text;
+  TextWriter text;
   text.imbue(std::locale::classic());
   value.PrintOn(text);
   return text.str();
@@ -104,7 +104,7 @@ ScratchValue::~ScratchValue() {
 }
 
 std::optional<std::size_t> ScratchValue::Read(const std::string& text) {
-  std::istringstream is(text);
+  TextReader is(text);
   is.imbue(std::locale::classic());
   fValue->InputValue(is);
   if (is.fail()) {

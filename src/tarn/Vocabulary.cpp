@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <sstream>
 
 #include "tarn/Lexer.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 namespace {
@@ -131,7 +131,7 @@ bool Vocabulary::IsReserved(std::string_view word) const noexcept {
 std::set<std::string, std::less<>> Vocabulary::GetWords() const {
   std::set<std::string, std::less<>> words(std::begin(sStatementWords), std::end(sStatementWords));
   const auto add = [&words](const std::string& name) {
-    std::istringstream parts(name);
+    TextReader parts(name);
     for (std::string part; parts >> part;) {
       if (IsWord(part)) {
         words.insert(part);

@@ -53,7 +53,7 @@ struct FlatZincOptions {
 // Whether every variable has one value and no statement contradicts them; says on `err` what is wrong.
 bool IsSolution(Session& session, std::ostream& err);
 
-int RunNarrow(Session& session, std::ostream& out, std::ostream& err);
+int RunNarrow(Session& session, std::ostream& out);
 // Requires that the limits are watched: WatchSolve.
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
 // Starts the watch for what RunSolve is to do. A run that must be ended from within the watch says so on the standard

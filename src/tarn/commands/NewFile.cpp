@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 #include "tarn/Diagnostic.h"
@@ -43,7 +42,7 @@ void NewFile::Finish() {
 
 void NewFile::Check(bool isDone) const {
   if (!isDone) {
-    throw ProgramError(MakePrintable(fPath) + ": error: cannot write the file: " + std::strerror(errno));
+    ThrowSystemError(errno, MakePrintable(fPath) + ": error: cannot write the file");
   }
 }
 

@@ -9,16 +9,15 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <locale>
 #include <memory>
 #include <ostream>
-#include <sstream>
 
 #include "framework/VokTarnInteger.h"
 #include "tarn/Diagnostic.h"
+#include "tarn/TextStream.h"
 #include "tarn/commands/NewFile.h"
 
 namespace tarn {
@@ -70,7 +69,7 @@ void RunGraphviz(const std::string& dot, const std::string& format, int to) {
   const std::unique_ptr<std::FILE, FileCloser> input(std::tmpfile());
   if (input == nullptr || std::fwrite(dot.data(), 1, dot.size(), input.get()) != dot.size() ||
       std::fflush(input.get()) != 0 || lseek(fileno(input.get()), 0, SEEK_SET) != 0) {
-    throw ProgramError(std::string("tarn: error: cannot write a temporary file: ") + std::strerror(errno));
+    ThrowSystemError(errno, "tarn: error: cannot write a temporary file");
   }
   std::string name = sProgram;
   std::string quiet = "-q";
@@ -78,15 +77,18 @@ void RunGraphviz(const std::string& dot, const std::string& format, int to) {
   const std::array<char*, 4> arguments{name.data(), quiet.data(), option.data(), nullptr};
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, fileno(input.get()), STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, to, STDOUT_FILENO);
   pid_t child = 0;
-  const int error = posix_spawnp(&child, sProgram, &actions, nullptr, arguments.data(), environ);
+  int error = posix_spawn_file_actions_adddup2(&actions, fileno(input.get()), STDIN_FILENO);
+  error = error != 0 ? error : posix_spawn_file_actions_adddup2(&actions, to, STDOUT_FILENO);
+  error = error != 0 ? error : posix_spawnp(&child, sProgram, &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
+  if (error == ENOENT) {
+    throw ProgramError(
+        "tarn: error: the program 'dot' was not found; it is in the Debian package graphviz (a name that ends in .dot "
+        "needs no program)");
+  }
   if (error != 0) {
-    throw ProgramError(error == ENOENT ? "tarn: error: the program 'dot' was not found; it is in the Debian package "
-                                         "graphviz (a name that ends in .dot needs no program)"
-                                       : std::string("tarn: error: cannot run 'dot': ") + std::strerror(error));
+    ThrowSystemError(error, "tarn: error: cannot run 'dot'");
   }
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
@@ -145,7 +147,7 @@ std::string ShortDomain(const VokTarnAny& value) {
   if (value.IsDerivedFrom(VokTarnInteger::sIdent) != 0) {
     return ShortIntegers(static_cast<const VokTarnInteger&>(value));
   }
-  std::ostringstream text;
+  TextWriter text;
   text.imbue(std::locale::classic());
   value.PrintOn(text);
   return ShortText(text.str(), sLimit);

@@ -5,10 +5,10 @@
 #include <new>
 #include <optional>
 #include <ostream>
-#include <sstream>
 
 #include "tarn/Diagnostic.h"
 #include "tarn/Lexer.h"
+#include "tarn/TextStream.h"
 #include "tarn/commands/Commands.h"
 #include "tarn/commands/Interrupt.h"
 #include "tarn/commands/NewFile.h"
@@ -100,6 +100,12 @@ void Repl::Finish() {
   const Source source(sInput, std::move(fPending), fPendingLine);
   fPending.clear();
   Accept(source);
+}
+
+void Repl::Recover() {
+  fPending.clear();
+  Fail("out of memory; taken back");
+  Rebuild();
 }
 
 void Repl::Stop() {
@@ -220,7 +226,7 @@ void Repl::Save(const std::string& argument) {
 void Repl::Show(const std::string& argument) {
   const Model& model = fSession->GetModel();
   std::vector<VariableIndex> shown;
-  std::istringstream names(argument);
+  TextReader names(argument);
   for (std::string name; names >> name;) {
     const std::optional<VariableIndex> variable = model.FindVariable(name);
     if (!variable) {
@@ -249,9 +255,6 @@ void Repl::Solve(const std::string& argument) {
   RunSolve(*fSession, options, fOut, fErr);
   if (IsInterrupted()) {
     fWasStopped = true;
-  }
-  if (fSession->GetNetwork().IsMemoryShort()) {
-    Rebuild();
   }
 }
 
@@ -301,9 +304,8 @@ void Repl::Accept(const Source& source) {
     Rebuild();
     return;
   }
-  for (std::string& statement : SplitStatements(source.GetText())) {
-    fStatements.push_back(std::move(statement));
-  }
+  const std::vector<std::string> statements = SplitStatements(source.GetText());
+  fStatements.insert(fStatements.end(), statements.begin(), statements.end());
   PrintChanges(before);
 }
 
@@ -320,18 +322,16 @@ bool Repl::TryRead(const Source& source, std::vector<Domain>& before) {
       fWasStopped = true;
       return false;
     }
-    if (!network.IsMemoryShort()) {
-      if (outcome == VokTarnNetwork::Outcome::Failed) {
-        fOut << "cannot hold with what stands; taken back\n";
-      }
-      return outcome == VokTarnNetwork::Outcome::Fixpoint;
+    if (outcome == VokTarnNetwork::Outcome::Failed) {
+      fOut << "cannot hold with what stands; taken back\n";
     }
-    Fail("out of memory; taken back");
+    return outcome == VokTarnNetwork::Outcome::Fixpoint;
   } catch (const ModelError& error) {
+    if (network.IsMemoryShort()) {  // it may be what seemed a mistake
+      throw std::bad_alloc();
+    }
     fErr << FormatDiagnostic(source, error) << '\n';
     fHasErrors = true;
-  } catch (const std::bad_alloc&) {
-    Fail("out of memory; taken back");
   }
   return false;
 }

@@ -32,6 +32,8 @@ class Repl {
   void Load(const std::string& path);
   // The input has ended: a statement that lacks its end is a mistake.
   void Finish();
+  // Memory was short for what was read last: goes back to the statements before it. Throws std::bad_alloc.
+  void Recover();
   // Drops what has been read of a statement, for the reading was interrupted.
   void Stop();
   // How the line that begins so may go on.

@@ -4,12 +4,12 @@
 #include <iomanip>
 #include <locale>
 #include <ostream>
-#include <sstream>
 #include <string_view>
 
 #include "framework/VokTarnBoolean.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/Printer.h"
+#include "tarn/TextStream.h"
 
 namespace tarn {
 namespace {
@@ -17,7 +17,7 @@ namespace {
 // The text as a JSON string. Bytes that are not UTF-8 are replaced: JSON has no place for them.
 std::string QuoteJson(std::string_view text) {
   const auto isSpecial = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '"' || c == '\\'; };
-  std::ostringstream quoted;
+  TextWriter quoted;
   quoted << '"' << std::hex << std::setfill('0');
   while (!text.empty()) {
     const auto special = std::find_if(text.begin(), text.end(), isSpecial);
@@ -39,7 +39,7 @@ std::string FormatJson(const VokTarnAny& value) {
   if (value.IsDerivedFrom(VokTarnBoolean::sIdent) != 0) {
     return static_cast<const VokTarnBoolean&>(value).IsPossible(1) != 0 ? "true" : "false";
   }
-  std::ostringstream text;
+  TextWriter text;
   text.imbue(std::locale::classic());
   value.PrintOn(text);
   return QuoteJson(text.str());

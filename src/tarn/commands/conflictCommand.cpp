@@ -117,7 +117,7 @@ class ConflictFinder {
       case VokTarnNetwork::Outcome::Interrupted:
         throw Stopped();
       case VokTarnNetwork::Outcome::Failed:
-        return session.GetNetwork().IsMemoryShort() ? Answer::Unknown : Answer::Conflict;
+        return Answer::Conflict;
       default:
         return Answer::Satisfiable;
     }

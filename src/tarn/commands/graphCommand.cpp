@@ -2,8 +2,8 @@
 // constraints that a statement is made of are not shown: they belong to the statement.
 #include <algorithm>
 #include <ostream>
-#include <sstream>
 
+#include "tarn/TextStream.h"
 #include "tarn/commands/Commands.h"
 #include "tarn/commands/Interrupt.h"
 #include "tarn/commands/Picture.h"
@@ -114,11 +114,7 @@ int RunGraph(Session& session, const GraphOptions& options, const std::string& p
     err << "tarn: stopped before the network was narrowed; nothing is drawn\n";
     return Undecided;
   }
-  if (network.IsMemoryShort()) {
-    err << "tarn: error: out of memory\n";
-    return Undecided;
-  }
-  std::ostringstream dot;
+  TextWriter dot;
   // Leading edges round nodes takes graphviz minutes where there are hundreds.
   constexpr std::size_t sMaxCurved = 50;
   const bool isCurved = session.GetVariables().size() <= sMaxCurved;

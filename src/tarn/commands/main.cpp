@@ -1,6 +1,8 @@
+#include <cstdio>
 #include <iostream>
 #include <new>
 
+#include "framework/VokTarnMemoryWatch.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/commands/CommandLine.h"
 
@@ -27,7 +29,7 @@ void HintConflict(Session& session, const CommandLine& line) {
 int RunCommand(Session& session, const Source& source, const CommandLine& line) {
   switch (line.fCommand) {
     case CommandLine::Command::Narrow:
-      return RunNarrow(session, std::cout, std::cerr);
+      return RunNarrow(session, std::cout);
     case CommandLine::Command::Save:
       return RunSave(session, line.fOutput, std::cerr);
     case CommandLine::Command::Graph:
@@ -93,22 +95,32 @@ int Run(const CommandLine& line) {
 }  // namespace tarn
 
 int main(int argc, char** argv) {
-  std::ios::sync_with_stdio(false);
+  const VokTarnMemoryWatch memory;
   int exitCode = tarn::Solved;
   try {
+    std::ios::sync_with_stdio(false);
     const std::optional<tarn::CommandLine> line = tarn::CommandLine::Parse(argc, argv, std::cout, std::cerr, exitCode);
     if (line) {
       exitCode = tarn::Run(*line);
     }
-  } catch (const tarn::ProgramError& error) {
-    std::cerr << error.what() << '\n';
-    return tarn::BadInput;
+    exitCode = tarn::FinishOutput(exitCode, std::cout, std::cerr);
   } catch (const std::bad_alloc&) {
-    std::cerr << "tarn: error: out of memory\n";
-    return tarn::Undecided;
+    VokTarnBase::NoteAllocationFailure();
+  } catch (const tarn::ProgramError& error) {
+    if (!memory.HasSeenFailure()) {
+      std::cerr << error.what() << '\n';
+      return tarn::BadInput;
+    }
   } catch (const std::exception& error) {
-    std::cerr << "tarn: internal error: " << error.what() << '\n';
+    if (!memory.HasSeenFailure()) {
+      std::cerr << "tarn: internal error: " << error.what() << '\n';
+      return tarn::Undecided;
+    }
+  }
+  // Also where it was got over: what has been said since may be wrong for it.
+  if (memory.HasSeenFailure()) {
+    std::fputs("tarn: error: out of memory\n", stderr);  // std::cerr may not have been made
     return tarn::Undecided;
   }
-  return tarn::FinishOutput(exitCode, std::cout, std::cerr);
+  return exitCode;
 }

@@ -6,14 +6,11 @@
 
 namespace tarn {
 
-int RunNarrow(Session& session, std::ostream& out, std::ostream& err) {
+int RunNarrow(Session& session, std::ostream& out) {
   VokTarnNetwork& network = session.GetNetwork();
   network.SetInterrupt(IsInterrupted);
   const VokTarnNetwork::Outcome outcome = network.Propagate();
-  if (network.IsMemoryShort()) {
-    err << "tarn: error: out of memory\n";
-  }
-  if (outcome == VokTarnNetwork::Outcome::Interrupted || network.IsMemoryShort()) {
+  if (outcome == VokTarnNetwork::Outcome::Interrupted) {
     out << sUnknown;
     return Undecided;
   }

@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <new>
 #include <ostream>
 
 #include "tarn/commands/Commands.h"
@@ -28,7 +29,14 @@ void Converse(Repl& repl, LineReader& reader, bool isTerminal, std::ostream& out
       repl.Finish();
       return;
     }
-    repl.Read(*line);
+    try {
+      repl.Read(*line);
+    } catch (const std::bad_alloc&) {
+      if (!isTerminal) {
+        throw;
+      }
+      repl.Recover();
+    }
   }
 }
 

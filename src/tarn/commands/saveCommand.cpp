@@ -1,7 +1,7 @@
 #include <ostream>
-#include <sstream>
 
 #include "tarn/Diagnostic.h"
+#include "tarn/TextStream.h"
 #include "tarn/commands/Commands.h"
 #include "tarn/commands/Interrupt.h"
 #include "tarn/commands/NewFile.h"
@@ -15,11 +15,7 @@ int RunSave(Session& session, const std::string& path, std::ostream& err) {
     err << "tarn: stopped before the network was narrowed; nothing is saved\n";
     return Undecided;
   }
-  if (network.IsMemoryShort()) {
-    err << "tarn: error: out of memory\n";
-    return Undecided;
-  }
-  std::ostringstream bytes;
+  TextWriter bytes;
   std::string error;
   if (!VokTarnNetworkFile::Write(bytes, network, session.GetContents(), error)) {
     throw ProgramError(path + ": error: " + MakePrintable(error));

@@ -1,10 +1,10 @@
 #include <unistd.h>
 
 #include <ostream>
-#include <sstream>
 
 #include "framework/VokTarnBoolean.h"
 #include "tarn/Evaluator.h"
+#include "tarn/TextStream.h"
 #include "tarn/commands/Commands.h"
 #include "tarn/commands/ProgressLine.h"
 #include "tarn/commands/SolveOutput.h"
@@ -155,7 +155,7 @@ bool SolveRun::TakeSolution() {
 void SolveRun::ShowProgress() {
   const VokTarnSearch::Statistics& statistics = fSearch.GetStatistics();
   const double seconds = GetRunTime().count();
-  std::ostringstream text;
+  TextWriter text;
   text << "tarn: " << static_cast<std::uint64_t>(seconds) << " s, "
        << static_cast<std::uint64_t>(static_cast<double>(statistics.fDecisions) / seconds) << " nodes/s, "
        << statistics.fFailures << " failures, depth " << fSearch.GetDepth();
@@ -198,10 +198,6 @@ std::vector<Figure> SolveRun::GetFigures() const {
 
 void SolveRun::ExplainUndecided() const {
   const VokTarnNetwork& network = fSession.GetNetwork();
-  if (network.IsMemoryShort()) {
-    fErr << "tarn: error: out of memory\n";
-    return;
-  }
   const VokTarnValueId undecided = fSearch.GetUndecided();
   const std::string name = undecided == vokNoValue ? std::string() : network.GetName(undecided);
   fErr << "tarn: undecided: " << (name.empty() ? "an intermediate value" : "the variable '" + name + "'")
@@ -216,14 +212,14 @@ LastWords MakeLastWords(const SolveOptions& options, bool printsSolutions) {
   for (const StopReason reason : {StopReason::Signal, StopReason::Time, StopReason::Memory}) {
     const auto index = static_cast<std::size_t>(reason);
     if (printsSolutions) {
-      std::ostringstream unknown;
+      TextWriter unknown;
       PrintResult(Answer::Unknown, GetName(reason), {}, GetFormat(options), unknown);
       words.fUnknown[index] = unknown.str();
-      std::ostringstream satisfied;
+      TextWriter satisfied;
       PrintResult(Answer::Satisfied, GetName(reason), {}, GetFormat(options), satisfied);
       words.fSatisfied[index] = satisfied.str();
     }
-    std::ostringstream note;
+    TextWriter note;
     PrintStopNote(GetName(reason), note);
     words.fNote[index] = options.fQuiet ? "" : eraseLine + note.str();
   }

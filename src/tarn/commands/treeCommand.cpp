@@ -1,8 +1,8 @@
 // The tree of a search as a picture: a choice has two branches, the part of the domain that is tried first and the
 // rest.
 #include <ostream>
-#include <sstream>
 
+#include "tarn/TextStream.h"
 #include "tarn/commands/Commands.h"
 #include "tarn/commands/Picture.h"
 
@@ -256,7 +256,7 @@ int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, co
   solve.fObserver = &tree;
   std::ostream nowhere(nullptr);  // the picture tells the solutions
   const int exitCode = RunSolve(session, solve, nowhere, err);
-  std::ostringstream dot;
+  TextWriter dot;
   tree.Write(dot);
   WritePicture(dot.str(), path, out);
   return exitCode;

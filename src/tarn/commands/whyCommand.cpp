@@ -152,10 +152,7 @@ int RunWhy(Session& session, const Source& source, const Source& factText, std::
   const Names names(session, source);
   VokTarnTrace trace(network);
   const VokTarnNetwork::Outcome outcome = trace.Record();
-  if (network.IsMemoryShort()) {
-    err << "tarn: error: out of memory\n";
-  }
-  if (outcome == VokTarnNetwork::Outcome::Interrupted || network.IsMemoryShort()) {
+  if (outcome == VokTarnNetwork::Outcome::Interrupted) {
     out << sUnknown;
     return Undecided;
   }
