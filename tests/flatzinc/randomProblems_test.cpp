@@ -42,8 +42,6 @@ constexpr RandomRow sBuiltins[] = {
     {"array_int_element", "iAi"},
     {"array_var_int_element", "iIi"},
     {"array_var_bool_element", "iBb"},
-    {"array_int_minimum", "iI"},
-    {"array_int_maximum", "iI"},
     {"set_in", "iS"},
     {"set_in_reif", "iSb"},
     {"bool2int", "bi"},
@@ -70,6 +68,8 @@ constexpr RandomRow sBuiltins[] = {
 constexpr RandomRow sOthers[] = {
     {"int_pow", "iii"},
     {"bool_xor", "bb"},
+    {"array_int_maximum", "iI"},
+    {"array_int_minimum", "iI"},
     {"int_eq_imp", "iib"},
     {"int_ne_imp", "iib"},
     {"int_le_imp", "iib"},

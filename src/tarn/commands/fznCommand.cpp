@@ -1,12 +1,15 @@
 #include <algorithm>
-#include <array>
+#include <limits>
+#include <memory>
 #include <new>
 #include <ostream>
 #include <sstream>
+#include <system_error>
 
 #include "flatzinc/Builder.h"
 #include "flatzinc/Checker.h"
 #include "flatzinc/Parser.h"
+#include "flatzinc/Solver.h"
 #include "flatzinc/solutionText.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/Modules.h"
@@ -16,8 +19,7 @@
 namespace tarn {
 namespace {
 
-using Status = VokTarnSearch::Status;
-using Goal = fzn::Solve::Goal;
+using Status = fzn::Solver::Status;
 
 constexpr int sFailed = 1;
 constexpr const char* sComplete = "==========\n";
@@ -38,86 +40,60 @@ void Watch(const FlatZincOptions& options) {
 // A run from the built network to the last line of output.
 class FlatZincRun {
  public:
-  FlatZincRun(const fzn::Model& model, const fzn::Checker& checker, fzn::Builder& builder, const Modules& modules,
-              const FlatZincOptions& options, std::ostream& out, std::ostream& err)
-      : fModel(model),
-        fChecker(checker),
-        fBuilder(builder),
-        fOptions(options),
-        fOut(out),
-        fErr(err),
-        fObjective(MakeObjective(modules)),
-        fSearch(builder.GetNetwork(), GetSearchValues(), fObjective, MakeSearchOptions()) {}
+  FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, const FlatZincOptions& options, std::ostream& out,
+              std::ostream& err);
 
   int Run();
 
  private:
-  std::optional<VokTarnSearch::Objective> MakeObjective(const Modules& modules);
-  std::vector<VokTarnValueId> GetSearchValues() const;
-  VokTarnSearch::Options MakeSearchOptions() const;
   Status Next();
   bool TakeSolution();
-  bool Prints() const { return !fObjective || fOptions.fAll || fOptions.fImproving; }
+  bool HasObjective() const { return fModel.fSolve.fGoal != fzn::Solve::Goal::Satisfy; }
+  bool Prints() const { return !HasObjective() || fOptions.fAll || fOptions.fImproving; }
   std::uint64_t GetLimit() const;
-  void PrintStatistics();
+  std::int64_t GetObjective() const;
+  void PrintStatistics() const;
 
   const fzn::Model& fModel;
   const fzn::Checker& fChecker;
-  fzn::Builder& fBuilder;
+  const VokTarnNetwork& fNetwork;
   const FlatZincOptions& fOptions;
   std::ostream& fOut;
   std::ostream& fErr;
-  const std::optional<VokTarnSearch::Objective> fObjective;
-  VokTarnSearch fSearch;
+  std::unique_ptr<fzn::Solver> fSolver;
   const double fInitSeconds = GetRunTime().count();
-  std::vector<std::int64_t> fValues;  // of the variables, in a solution
-  std::string fUnprinted;             // the best solution, while it is not printed
+  std::string fUnprinted;  // the best solution, while it is not printed
   bool fIsComplete = false;
   std::uint64_t fFound = 0;
 };
 
-std::optional<VokTarnSearch::Objective> FlatZincRun::MakeObjective(const Modules& modules) {
-  const Goal goal = fModel.fSolve.fGoal;
-  if (goal == Goal::Satisfy) {
-    return std::nullopt;
-  }
-  VokTarnNetwork& network = fBuilder.GetNetwork();
-  const VokTarnValueId value = fBuilder.GetValue(fModel.fSolve.fObjective);
-  const VokTarnValueId bound = network.AddValue(network.GetType(value));
-  const bool isMinimum = goal == Goal::Minimize;
-  const std::array operands{value, bound};
-  const std::array types{network.GetType(value), network.GetType(bound)};
-  const auto choice = modules.GetTable().Choose(isMinimum ? "<=" : ">=", types);
-  modules.GetTable().Apply(network, choice.value(), operands, vokNoValue, false);
-  return VokTarnSearch::Objective{value, bound,
-                                  isMinimum ? VokTarnSearch::Sense::Minimize : VokTarnSearch::Sense::Maximize};
+fzn::Solver::Options MakeSolverOptions(const FlatZincOptions& options) {
+  fzn::Solver::Options made;
+  made.fIsFree = options.fFree;
+  made.fSeed = static_cast<std::uint64_t>(options.fSeed);
+  made.fProcesses = static_cast<unsigned>(std::clamp<std::uint64_t>(options.fThreads, 1, 256));
+  return made;
 }
 
-// Of all variables, those first that nothing else determines.
-std::vector<VokTarnValueId> FlatZincRun::GetSearchValues() const {
-  std::vector<VokTarnValueId> values;
-  std::vector<bool> isTaken(fBuilder.GetNetwork().GetValueCount());
-  for (const bool isDefined : {false, true}) {
-    for (std::size_t i = 0; i < fModel.fVariables.size(); ++i) {
-      const VokTarnValueId value = fBuilder.GetValue(i);
-      if (fModel.fVariables[i].fIsDefined == isDefined && !isTaken[value]) {
-        isTaken[value] = true;
-        values.push_back(value);
-      }
-    }
+FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, const FlatZincOptions& options,
+                         std::ostream& out, std::ostream& err)
+    : fModel(builder.GetModel()),
+      fChecker(checker),
+      fNetwork(builder.GetNetwork()),
+      fOptions(options),
+      fOut(out),
+      fErr(err) {
+  std::vector<std::string> unknown;
+  fSolver = fzn::MakeSolver(
+      builder, MakeSolverOptions(options), [] { return IsInterrupted(); }, unknown);
+  for (const std::string& name : unknown) {
+    err << "tarn: warning: the search annotation " << Quote(MakePrintable(name)) << " is not known\n";
   }
-  return values;
-}
-
-VokTarnSearch::Options FlatZincRun::MakeSearchOptions() const {
-  VokTarnSearch::Options options;
-  options.fSeed = static_cast<std::uint64_t>(fOptions.fSeed);
-  return options;
 }
 
 std::uint64_t FlatZincRun::GetLimit() const {
   constexpr std::uint64_t sNone = std::numeric_limits<std::uint64_t>::max();
-  if (fObjective) {
+  if (HasObjective()) {
     return sNone;
   }
   const std::uint64_t count = fOptions.fCount.value_or(fOptions.fAll ? 0 : 1);
@@ -128,7 +104,7 @@ Status FlatZincRun::Next() {
   EnterPhase(Phase::Searching);
   Status status = Status::Undecided;
   try {
-    status = fSearch.Next();
+    status = fSolver->Next();
   } catch (const std::bad_alloc&) {
     fErr << "tarn: error: out of memory\n";
   }
@@ -137,7 +113,6 @@ Status FlatZincRun::Next() {
 }
 
 int FlatZincRun::Run() {
-  fBuilder.GetNetwork().SetInterrupt([] { return IsInterrupted(); });
   const std::uint64_t limit = GetLimit();
   Status status = Status::Solution;
   while (status == Status::Solution && fFound < limit) {
@@ -161,22 +136,12 @@ int FlatZincRun::Run() {
 
 // Keeps or prints the solution that has been found. False when it is none.
 bool FlatZincRun::TakeSolution() {
-  const VokTarnNetwork& network = fBuilder.GetNetwork();
-  fValues.resize(fModel.fVariables.size());
-  for (std::size_t i = 0; i < fValues.size(); ++i) {
-    const VokTarnAny& value = network.GetValue(fBuilder.GetValue(i));
-    if (value.GetCardinality() != 1) {
-      fErr << "tarn: internal error: a solution leaves '" << fModel.fVariables[i].fName << "' open\n";
-      return false;
-    }
-    fValues[i] = static_cast<const VokTarnInteger&>(value).GetLowerBound();
-  }
-  if (const std::optional<std::string> violation = fChecker.FindViolation(fValues)) {
+  if (const std::optional<std::string> violation = fChecker.FindViolation(fSolver->GetSolution())) {
     fErr << "tarn: internal error: a solution contradicts " << *violation << '\n';
     return false;
   }
   ++fFound;
-  std::string text = fzn::FormatSolution(fModel, fValues);
+  std::string text = fzn::FormatSolution(fModel, fSolver->GetSolution());
   if (Prints()) {
     fOut << text << std::flush;
     NoteSolution();
@@ -187,29 +152,36 @@ bool FlatZincRun::TakeSolution() {
   return true;
 }
 
-void FlatZincRun::PrintStatistics() {
-  const VokTarnSearch::Statistics& statistics = fSearch.GetStatistics();
-  const VokTarnNetwork& network = fBuilder.GetNetwork();
+std::int64_t FlatZincRun::GetObjective() const {
+  const fzn::Term& objective = fModel.fSolve.fObjective;
+  return objective.fIsVariable ? fSolver->GetSolution()[static_cast<std::size_t>(objective.fNumber)]
+                               : objective.fNumber;
+}
+
+void FlatZincRun::PrintStatistics() const {
+  const fzn::Solver::Statistics statistics = fSolver->GetStatistics();
   const auto print = [this](const char* name, const auto& value) {
     fOut << "%%%mzn-stat: " << name << '=' << value << '\n';
   };
   const auto truths = std::ranges::count_if(fModel.fVariables, &fzn::Variable::fIsTruth);
-  if (const std::optional<VokLong> best = fSearch.GetBest()) {
-    print("objective", *best);
+  if (HasObjective() && fFound > 0) {
+    print("objective", GetObjective());
   }
-  if (const std::optional<VokLong> bound = fIsComplete ? fSearch.GetBest() : fSearch.GetBound()) {
+  if (HasObjective() && fFound > 0 && fIsComplete) {
+    print("objectiveBound", GetObjective());
+  } else if (const std::optional<std::int64_t> bound = fSolver->GetBound()) {
     print("objectiveBound", *bound);
   }
-  print("nodes", statistics.fDecisions);
+  print("nodes", statistics.fNodes);
   print("failures", statistics.fFailures);
   print("restarts", statistics.fRestarts);
   print("solutions", fFound);
   print("peakDepth", statistics.fDepth);
-  print("variables", network.GetValueCount());
+  print("variables", fNetwork.GetValueCount());
   print("intVariables", static_cast<std::ptrdiff_t>(fModel.fVariables.size()) - truths);
   print("boolVariables", truths);
-  print("propagators", network.GetConstraintCount());
-  print("propagations", network.GetPropagations());
+  print("propagators", fNetwork.GetConstraintCount());
+  print("propagations", statistics.fPropagations);
   print("peakMem", std::to_string(static_cast<double>(GetPeakMemory()) / (1024 * 1024)));
   print("initTime", std::to_string(fInitSeconds));
   print("solveTime", std::to_string(GetRunTime().count() - fInitSeconds));
@@ -244,7 +216,8 @@ int Solve(const Modules& modules, const Source& source, const FlatZincOptions& o
         << " constraints are a network of " << network.GetValueCount() << " values and " << network.GetConstraintCount()
         << " constraints after " << GetRunTime().count() << " s\n";
   }
-  const int exitCode = FlatZincRun(model, checker, builder, modules, options, out, err).Run();
+  FlatZincRun run(checker, builder, options, out, err);
+  const int exitCode = run.Run();
   // To take a large network apart would take longer than a stop may.
   EndProgram(exitCode, out, err);
 }
@@ -258,8 +231,12 @@ int RunFlatZinc(Modules& modules, const std::string& path, const FlatZincOptions
     return Solve(modules, Source::ReadFile(path), options, out, err);
   } catch (const fzn::InputError& error) {
     err << MakePrintable(error.what()) << '\n';
-    return sFailed;
+  } catch (const fzn::PostingError& error) {
+    err << "tarn: error: the objective: " << MakePrintable(error.what()) << '\n';
+  } catch (const std::system_error& error) {
+    err << "tarn: error: " << error.what() << '\n';
   }
+  return sFailed;
 }
 
 }  // namespace tarn
