@@ -8,8 +8,8 @@
 // Constants  The function, a VokTarnFunction.
 // Meaning    That of the integers; the arguments are taken as the numbers that they are.
 // Strength   Bounds by the rules of each function, see the source. Beside, what no pair of x and y supports goes where
-//            there are few pairs and no argument stands twice: domain consistent then where the types list their values.
-//            The product relies on bounds alone; the magnitude is domain consistent on listed values.
+//            there are few pairs and no argument stands twice: domain consistent then where the types list their
+//            values. The product relies on bounds alone; the magnitude is domain consistent on listed values.
 // Cost       O(1) by bounds; O(p log p) for p pairs.
 class VOKTARN_EXPORT VokTarnArithmeticConstraint final : public VokTarnConstraintOf<VokTarnArithmeticConstraint> {
  public:

@@ -3,8 +3,8 @@
 #include "constraints/VokTarnConstraintOf.h"
 #include "framework/VokTarnRelation.h"
 
-// c1 x1 + .. + cn xn = n, <= n or <> n for the arguments (x1, .., xn), and with the truth as the last where the mode asks
-// for one: integers of any types.
+// c1 x1 + .. + cn xn = n, <= n or <> n for the arguments (x1, .., xn), and with the truth as the last where the mode
+// asks for one: integers of any types.
 //
 // Constants  The relation and the mode (VokTarnRelation.h), then n and c1 .. cn with 64 bits each, see VokSplitWide.
 // Meaning    That of the integers, whatever their size; the arguments are taken as the numbers that they are.

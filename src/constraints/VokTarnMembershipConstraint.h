@@ -6,7 +6,8 @@
 // x is in a set of integers, for the arguments (x), and with the truth as the second where the mode asks for one:
 // integers of any types.
 //
-// Constants  The mode (VokTarnRelation.h), then the set as ranges that ascend, with gaps between them: the least and the
+// Constants  The mode (VokTarnRelation.h), then the set as ranges that ascend, with gaps between them: the least and
+// the
 //            greatest number of each.
 // Strength   Domain consistent where the type of x lists its values, else bounds; an interval keeps the holes.
 // Cost       O(log r + n) for r ranges and n listed values, O(log r) where bounds decide.

@@ -52,8 +52,8 @@ int KeepThese(const VokTarnObjectEnvironment& environment, unsigned i, std::vect
 }  // namespace
 
 VokTarnEvent VokTarnArithmeticConstraint::GetEvent(unsigned, const VokTarnObjectEnvironment& environment) const {
-  const bool isByValue = GetFunction() == VokTarnFunction::Magnitude && environment.IsListed(0) &&
-                         environment.IsListed(1);
+  const bool isByValue =
+      GetFunction() == VokTarnFunction::Magnitude && environment.IsListed(0) && environment.IsListed(1);
   return isByValue ? VokTarnEvent::Domain : VokTarnEvent::Bounds;
 }
 
@@ -74,7 +74,9 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
   const unsigned result = environment.Size() - 1;
   const bool isUnary = result == kY;
   const bool needsNonZero = function == VokTarnFunction::Quotient || function == VokTarnFunction::Remainder;
-  int changed = needsNonZero ? RemoveValue(environment, kY, 0) : 0;
+  // An interval keeps a 0 inside; the rules know that it does not divide.
+  const bool isZeroInside = environment.Lower(kY) < 0 && environment.Upper(kY) > 0 && !environment.IsListed(kY);
+  int changed = needsNonZero && !isZeroInside ? RemoveValue(environment, kY, 0) : 0;
   const auto x = [&] { return GetRange(environment, kX); };
   const auto y = [&] { return GetRange(environment, kY); };
   const auto z = [&] { return GetRange(environment, result); };
@@ -93,7 +95,9 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
   }
   const std::int64_t first = environment.Cardinality(kX);
   const std::int64_t second = isUnary ? 1 : environment.Cardinality(kY);
-  const bool isFew = first > 0 && second > 0 && first * second <= kMostPairs;
+  const auto isListable = [&](unsigned i) { return environment.IsListed(i) || HasNoHoles(environment, i); };
+  const bool isFew =
+      first > 0 && second > 0 && first * second <= kMostPairs && isListable(kX) && (isUnary || isListable(kY));
   return isFew ? changed | KeepSupported(environment) : changed;
 }
 

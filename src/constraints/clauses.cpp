@@ -121,8 +121,7 @@ std::vector<unsigned> VokTarnDisjunctionConstraint::GetWatched(const VokTarnObje
   return all;
 }
 
-unsigned VokTarnDisjunctionConstraint::MoveWatch(unsigned argument,
-                                                 const VokTarnObjectEnvironment& environment) const {
+unsigned VokTarnDisjunctionConstraint::MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const {
   if (argument == GetResult() || environment.Lower(argument) == GetAim(argument)) {
     return sWake;
   }

@@ -35,8 +35,7 @@ void VokTarnConstantElementConstraint::ReadConstants() const {
 }
 
 // Whether the constant at the place, one of 1 .. n, is a possible result.
-bool VokTarnConstantElementConstraint::IsPlace(const VokTarnObjectEnvironment& environment,
-                                               std::int64_t place) const {
+bool VokTarnConstantElementConstraint::IsPlace(const VokTarnObjectEnvironment& environment, std::int64_t place) const {
   return MayBe(environment, kResult, GetConstants()[static_cast<std::size_t>(place - 1)]);
 }
 
@@ -61,8 +60,7 @@ int VokTarnConstantElementConstraint::NarrowIndex(const VokTarnObjectEnvironment
   const std::span<const VokLong> places = environment.Members(kIndex);
   if (!places.empty()) {
     fKept.clear();
-    std::ranges::copy_if(places, std::back_inserter(fKept),
-                         [&](VokLong place) { return IsPlace(environment, place); });
+    std::ranges::copy_if(places, std::back_inserter(fKept), [&](VokLong place) { return IsPlace(environment, place); });
     return KeepListed(environment, kIndex, fKept);
   }
   std::int64_t lower = environment.Lower(kIndex);

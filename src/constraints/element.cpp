@@ -149,8 +149,8 @@ bool VokTarnElementConstraint::IsSatisfied(const VokTarnObjectEnvironment& envir
 int VokTarnElementConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
   std::vector<VokLong>& places = fPlaces;
   FindPlaces(environment, places);
-  const int changed = environment.IsListed(kIndex) ? KeepListed(environment, kIndex, places)
-                                                   : KeepValues(environment, kIndex, places);
+  const int changed =
+      environment.IsListed(kIndex) ? KeepListed(environment, kIndex, places) : KeepValues(environment, kIndex, places);
   if (environment.IsFailed()) {
     return changed;
   }

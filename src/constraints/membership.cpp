@@ -15,9 +15,9 @@ constexpr unsigned kTruth = 1;
 
 VokTarnEvent VokTarnMembershipConstraint::GetEvent(unsigned argument,
                                                    const VokTarnObjectEnvironment& environment) const {
-  return argument == kTruth              ? VokTarnEvent::Single
-         : environment.IsListed(kX)      ? VokTarnEvent::Domain
-                                         : VokTarnEvent::Bounds;
+  return argument == kTruth         ? VokTarnEvent::Single
+         : environment.IsListed(kX) ? VokTarnEvent::Domain
+                                    : VokTarnEvent::Bounds;
 }
 
 bool VokTarnMembershipConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {

@@ -93,7 +93,7 @@ bool VokTarnOffsetRelationConstraint::CanBeEqual(const VokTarnObjectEnvironment&
   if (environment.IsSingle(kY)) {
     return MayBe(environment, kX, FromSecond(environment.Lower(kY)));
   }
-  const auto [lower, upper] = std::minmax(FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY)));
+  const auto [lower, upper] = std::minmax({FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY))});
   if (environment.Upper(kX) < lower || environment.Lower(kX) > upper) {
     return false;
   }
@@ -155,8 +155,7 @@ int VokTarnOffsetRelationConstraint::KeepEqualSides(const VokTarnObjectEnvironme
     return KeepValue(environment, kX, FromSecond(environment.Lower(kY)));
   }
   const int changed = KeepEqualBounds(environment);
-  return environment.IsFailed() || environment.AreSame(kX, kY) || !environment.IsListed(kX) ||
-                 !environment.IsListed(kY)
+  return environment.IsFailed() || environment.AreSame(kX, kY) || !environment.IsListed(kX) || !environment.IsListed(kY)
              ? changed
              : changed | KeepCommonValues(environment);
 }
@@ -164,13 +163,13 @@ int VokTarnOffsetRelationConstraint::KeepEqualSides(const VokTarnObjectEnvironme
 int VokTarnOffsetRelationConstraint::KeepEqualBounds(const VokTarnObjectEnvironment& environment) const {
   int changed = 0;
   for (int narrowed = 1; narrowed != 0 && !environment.IsFailed();) {
-    const auto [lower, upper] = std::minmax(FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY)));
+    const auto [lower, upper] = std::minmax({FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY))});
     narrowed = KeepFrom(environment, kX, lower);
     narrowed |= environment.IsFailed() ? 0 : KeepUpTo(environment, kX, upper);
     if (environment.IsFailed()) {
       return 1;
     }
-    const auto [least, greatest] = std::minmax(FromFirst(environment.Lower(kX)), FromFirst(environment.Upper(kX)));
+    const auto [least, greatest] = std::minmax({FromFirst(environment.Lower(kX)), FromFirst(environment.Upper(kX))});
     narrowed |= KeepFrom(environment, kY, least);
     narrowed |= environment.IsFailed() ? 0 : KeepUpTo(environment, kY, greatest);
     changed |= narrowed;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -31,7 +30,7 @@ class Builder {
 
   // The network's value of a variable, by its place in the model.
   VokTarnValueId GetValue(std::size_t variable) const { return fValues[FindRoot(variable)]; }
-  // The same for a term; a constant has a value of its own.
+  // The same for a term; a constant has a value of its own. Throws PostingError when that does not fit.
   VokTarnValueId GetValue(const Term& term);
 
   VokTarnNetwork& GetNetwork() noexcept { return fNetwork; }
@@ -41,13 +40,34 @@ class Builder {
   friend class Posting;
 
   std::size_t FindRoot(std::size_t variable) const;
+  void UnifyVariables();
+  // Makes the terms equal; false when a constraint has to see to it.
+  void Unify(const Term& a, const Term& b);
+  void FindBounds();
+  void ChooseTypes();
+  void AddValues();
+  VokTarnValueId AddValue(const Set& domain, const std::string& name);
+  void SetDomain(VokTarnValueId id, const Set& domain);
+  void Restrict(VokTarnValueId id, const Set& set);
+  void PostDifferences();
+  void PostAll();
+  unsigned CountOpen(const Constraint& constraint) const;
+  void Post(const Constraint& constraint);
+  const VokTarnConstraintDescriptor* FindClass(std::string_view name);
+  void Add(std::string_view className, std::span<const VokTarnValueId> arguments, std::span<const VokLong> constants);
 
   const VokTarnModuleManager& fModules;
   VokTarnNetwork& fNetwork;
   const Model& fModel;
   ErrorList& fErrors;
   mutable std::vector<std::size_t> fParents;  // of the union-find structure
-  std::vector<VokTarnValueId> fValues;        // by variable; of roots only
+  std::vector<Set> fDomains;                  // by variable; of roots only
+  std::vector<VokTarnValueId> fValues;        // the same
+  std::vector<bool> fIsPosted;                // by constraint
+  const VokTarnObjectDescriptor* fListing = nullptr;
+  const VokTarnObjectDescriptor* fInterval = nullptr;
+  std::unordered_map<std::int64_t, VokTarnValueId> fConstants;
+  std::unordered_map<std::string_view, const VokTarnConstraintDescriptor*> fClasses;
 };
 
 }  // namespace fzn

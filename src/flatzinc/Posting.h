@@ -30,6 +30,7 @@ class Posting {
 
   // ---- Arguments, from 0
   std::string_view GetName() const;
+  unsigned Size() const noexcept { return fConstraint.fCount; }
   Term GetTerm(unsigned argument) const;                    // an integer or a truth value
   std::span<const Term> GetTerms(unsigned argument) const;  // an array of them
   std::int64_t GetConstant(unsigned argument) const;        // single-valued
@@ -82,6 +83,8 @@ struct PostingRow {
 // The standard builtins; the global constraints of the product's own library.
 std::span<const PostingRow> GetBuiltinRows();
 std::span<const PostingRow> GetGlobalRows();
+// The row for a constraint in either table; null when there is none.
+const PostingRow* FindRow(std::string_view name, unsigned arguments);
 
 // A number among the constants of a constraint class: itself where it fits; PostingError else.
 VokLong ToConstant(std::int64_t number);
