@@ -41,7 +41,7 @@ void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, Visit
 // `values`, some possible values in any order, stay alone.
 int KeepThese(const VokTarnObjectEnvironment& environment, unsigned i, std::vector<VokLong>& values) {
   std::ranges::sort(values);
-  values.erase(std::ranges::unique(values).begin(), values.end());
+  values.erase(std::unique(values.begin(), values.end()), values.end());
   if (values.empty()) {
     return environment.MakeNil(i);
   }

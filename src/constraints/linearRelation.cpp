@@ -130,6 +130,9 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::NarrowTerm(unsigned i, Wide abo
   const Wide c = GetCoefficient(i);
   const Wide magnitude = c < 0 ? -c : c;
   const Wide width = magnitude * (Wide{fEnvironment.Upper(i)} - fEnvironment.Lower(i));
+  if (width == 0) {
+    return 0;
+  }
   int changed = 0;
   // The bounds of x from which its term takes its least and its greatest value.
   const Wide least = c > 0 ? fEnvironment.Lower(i) : fEnvironment.Upper(i);
