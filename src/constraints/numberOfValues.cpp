@@ -38,7 +38,7 @@ std::int64_t CountPossible(const VokTarnObjectEnvironment& environment, std::int
     lower = std::min<std::int64_t>(lower, environment.Lower(i));
     upper = std::max<std::int64_t>(upper, environment.Upper(i));
   }
-  if (upper - lower >= kWidestWindow) {
+  if (upper < lower || upper - lower >= kWidestWindow) {
     return limit;
   }
   thread_local std::vector<char> isPossible;

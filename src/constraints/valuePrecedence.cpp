@@ -35,7 +35,8 @@ int VokTarnValuePrecedenceConstraint::Propagate(const VokTarnObjectEnvironment& 
     if (environment.IsFailed() || IsKnown(environment, first, s)) {
       return changed;
     }
-    found = MayBe(environment, first, s);
+    // A value does not precede itself: where s is t, none is.
+    found = s != t && MayBe(environment, first, s);
   }
   for (unsigned i = first; i < n && !MayBe(environment, i, s); ++i) {
     if (IsKnown(environment, i, t)) {

@@ -375,13 +375,15 @@ bool AreDisjunctive(const Given& c, bool isStrict) {
   return true;
 }
 
-bool AreApart(const Given& c) {
+// Where `takesNoRoom`, a rectangle without width or height may lie anywhere.
+bool AreApart(const Given& c, bool takesNoRoom) {
   if (!HaveOneSize(c, {0, 1, 2, 3})) {
     return false;
   }
   for (std::size_t i = 0; i < c.GetSize(0); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      if (!IsClear(c, 0, 2, i, j) && !IsClear(c, 1, 3, i, j)) {
+      const bool isEmpty = c.Get(2, i) == 0 || c.Get(2, j) == 0 || c.Get(3, i) == 0 || c.Get(3, j) == 0;
+      if (!(takesNoRoom && isEmpty) && !IsClear(c, 0, 2, i, j) && !IsClear(c, 1, 3, i, j)) {
         return false;
       }
     }
@@ -456,7 +458,8 @@ constexpr CheckerRow sRows[] = {
     {"fzn_bin_packing", "iaa", IsPacking},
     {"fzn_count_eq", "aii", [](const Given& c) { return CountMembers(c, 0, c.Get(1)) == c.Get(2); }},
     {"fzn_cumulative", "aaai", IsCumulative},
-    {"fzn_diffn", "aaaa", AreApart},
+    {"fzn_diffn", "aaaa", [](const Given& c) { return AreApart(c, false); }},
+    {"fzn_diffn_nonstrict", "aaaa", [](const Given& c) { return AreApart(c, true); }},
     {"fzn_disjunctive", "aa", [](const Given& c) { return AreDisjunctive(c, false); }},
     {"fzn_disjunctive_strict", "aa", [](const Given& c) { return AreDisjunctive(c, true); }},
     {"fzn_increasing_int", "a", AreIncreasing},

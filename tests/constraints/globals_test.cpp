@@ -7,6 +7,7 @@
 #include <set>
 
 #include "support/modules.h"
+#include "support/soak.h"
 
 namespace {
 
@@ -389,8 +390,8 @@ void Globals::Check(const Posed& posed) {
 }
 
 TEST_F(Globals, LoseNoSupportAndKeepTheirPromises) {
-  for (unsigned trial = 0; trial < 15000 && !HasFailure(); ++trial) {
-    Check(MakePosed(trial % 15));
+  for (int trial = 0; trial < 60000 * SoakFactor() && !HasFailure(); ++trial) {
+    Check(MakePosed(static_cast<unsigned>(trial) % 15));
   }
 }
 
