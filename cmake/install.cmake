@@ -8,6 +8,8 @@ install(TARGETS tarn VokTarn VokFenAbstractTypes VokFenNumbers VokFenEnumInteger
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   INCLUDES DESTINATION ${voktarn_include_dir})
 
+install(FILES $<TARGET_FILE_DIR:tarn>/fzn-tarn DESTINATION ${CMAKE_INSTALL_BINDIR})
+
 # A header with a class bears its name; the others serve the libraries' own sources.
 install(DIRECTORY src/framework src/numbers src/constraints src/domain src/tarn DESTINATION ${voktarn_include_dir}
   FILES_MATCHING PATTERN "[A-Z]*.h"
@@ -41,3 +43,15 @@ install(FILES LICENSE DESTINATION ${voktarn_doc_dir} RENAME copyright)
 install(FILES README.md DESTINATION ${voktarn_doc_dir})
 install(DIRECTORY docs/ DESTINATION ${voktarn_doc_dir} FILES_MATCHING PATTERN "*.md" PATTERN manual EXCLUDE)
 install(DIRECTORY examples DESTINATION ${voktarn_doc_dir})
+
+# ---- For MiniZinc: its library of what is passed on to the program, and the description of the program. The build tree
+# has the same in the same places.
+set(voktarn_minizinc_dir ${CMAKE_INSTALL_DATAROOTDIR}/minizinc)
+file(RELATIVE_PATH voktarn_fzn_program ${CMAKE_INSTALL_FULL_DATAROOTDIR}/minizinc/solvers
+  ${CMAKE_INSTALL_FULL_BINDIR}/fzn-tarn)
+configure_file(share/minizinc/tarn.msc.in ${CMAKE_BINARY_DIR}/tarn.msc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/tarn.msc DESTINATION ${voktarn_minizinc_dir}/solvers)
+install(DIRECTORY share/minizinc/tarn DESTINATION ${voktarn_minizinc_dir})
+set(voktarn_fzn_program ../../../bin/fzn-tarn)
+configure_file(share/minizinc/tarn.msc.in ${CMAKE_BINARY_DIR}/share/minizinc/solvers/tarn.msc @ONLY)
+file(CREATE_LINK ${CMAKE_SOURCE_DIR}/share/minizinc/tarn ${CMAKE_BINARY_DIR}/share/minizinc/tarn SYMBOLIC)

@@ -3,6 +3,9 @@
 #include "constraints/VokTarnAbsoluteConstraint.h"
 #include "constraints/VokTarnAdditionConstraint.h"
 #include "constraints/VokTarnAllDifferentConstraint.h"
+#include "constraints/VokTarnAmongConstraint.h"
+#include "constraints/VokTarnArithmeticConstraint.h"
+#include "constraints/VokTarnBinPackingConstraint.h"
 #include "constraints/VokTarnBooleanAndConstraint.h"
 #include "constraints/VokTarnBooleanEqualConstraint.h"
 #include "constraints/VokTarnBooleanImpliesConstraint.h"
@@ -10,23 +13,43 @@
 #include "constraints/VokTarnBooleanLessOrEqualConstraint.h"
 #include "constraints/VokTarnBooleanNotConstraint.h"
 #include "constraints/VokTarnBooleanOrConstraint.h"
+#include "constraints/VokTarnCircuitConstraint.h"
+#include "constraints/VokTarnClauseConstraint.h"
+#include "constraints/VokTarnConstantElementConstraint.h"
 #include "constraints/VokTarnCountConstraint.h"
+#include "constraints/VokTarnCumulativeConstraint.h"
+#include "constraints/VokTarnDisjunctionConstraint.h"
+#include "constraints/VokTarnDisjunctiveConstraint.h"
 #include "constraints/VokTarnElementConstraint.h"
 #include "constraints/VokTarnEqualConstraint.h"
 #include "constraints/VokTarnEqualTernaryConstraint.h"
+#include "constraints/VokTarnExtremePlaceConstraint.h"
+#include "constraints/VokTarnExtremumConstraint.h"
+#include "constraints/VokTarnGlobalCardinalityConstraint.h"
+#include "constraints/VokTarnInverseConstraint.h"
 #include "constraints/VokTarnLessOrEqualTernaryConstraint.h"
 #include "constraints/VokTarnLessTernaryConstraint.h"
+#include "constraints/VokTarnLexicographicOrderConstraint.h"
 #include "constraints/VokTarnLinearConstraint.h"
+#include "constraints/VokTarnLinearRelationConstraint.h"
 #include "constraints/VokTarnMaximumConstraint.h"
+#include "constraints/VokTarnMembershipConstraint.h"
 #include "constraints/VokTarnMinimumConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
 #include "constraints/VokTarnNextConstraint.h"
+#include "constraints/VokTarnNonOverlapConstraint.h"
 #include "constraints/VokTarnNumberNegationConstraint.h"
+#include "constraints/VokTarnNumberOfValuesConstraint.h"
+#include "constraints/VokTarnOffsetRelationConstraint.h"
+#include "constraints/VokTarnParityConstraint.h"
 #include "constraints/VokTarnPowerConstraint.h"
+#include "constraints/VokTarnRegularConstraint.h"
 #include "constraints/VokTarnRemainderConstraint.h"
 #include "constraints/VokTarnSignumConstraint.h"
+#include "constraints/VokTarnSortConstraint.h"
 #include "constraints/VokTarnTableConstraint.h"
 #include "constraints/VokTarnUnequalTernaryConstraint.h"
+#include "constraints/VokTarnValuePrecedenceConstraint.h"
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnInteger.h"
 #include "framework/VokTarnModuleManager.h"
@@ -48,6 +71,25 @@ bool Publish(VokTarnModule& module, unsigned arguments, Operands operands) {
     Class::sDescriptor = nullptr;
   }
   return Class::sDescriptor != nullptr;
+}
+
+// Constraints over many arguments that no operator of the model language stands for.
+bool PublishGlobals(VokTarnModule& module) {
+  const unsigned any = VokTarnConstraintDescriptor::sAnyNumber;
+  return Publish<VokTarnAmongConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnBinPackingConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnCircuitConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnCumulativeConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnDisjunctiveConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnExtremePlaceConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnGlobalCardinalityConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnInverseConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnLexicographicOrderConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnNonOverlapConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnNumberOfValuesConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnRegularConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnSortConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnValuePrecedenceConstraint>(module, any, Operands::Any);
 }
 
 bool PublishConstraints(VokTarnModule& module) {
@@ -78,7 +120,16 @@ bool PublishConstraints(VokTarnModule& module) {
          Publish<VokTarnLinearConstraint>(module, any, Operands::Any) &&
          Publish<VokTarnElementConstraint>(module, any, Operands::Any) &&
          Publish<VokTarnCountConstraint>(module, any, Operands::Any) &&
-         Publish<VokTarnTableConstraint>(module, any, Operands::Any);
+         Publish<VokTarnTableConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnArithmeticConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnClauseConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnConstantElementConstraint>(module, 2, Operands::Any) &&
+         Publish<VokTarnDisjunctionConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnExtremumConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnLinearRelationConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnMembershipConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnOffsetRelationConstraint>(module, any, Operands::Any) &&
+         Publish<VokTarnParityConstraint>(module, any, Operands::Any) && PublishGlobals(module);
 }
 
 // Relations see of an integer only what every type offers, so they are published once for all types, and a

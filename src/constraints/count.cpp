@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "constraints/VokTarnCountConstraint.h"
-#include "constraints/narrowing.h"
+#include "constraints/domains.h"
 
 VOKTARN_CONSTRAINT_STATICS(VokTarnCountConstraint)
 
@@ -24,10 +24,9 @@ struct Numbers {
 Numbers CountFor(const VokTarnObjectEnvironment& environment, VokLong w) {
   Numbers numbers;
   for (unsigned i = kFirst; i < environment.Size(); ++i) {
-    const VokTarnInteger& a = environment.Integer(i);
-    if (environment.AreSame(i, kValue) || a.IsPossible(w)) {
+    if (environment.AreSame(i, kValue) || MayBe(environment, i, w)) {
       ++numbers.possible;
-      numbers.certain += environment.AreSame(i, kValue) || a.GetCardinality() == 1 ? 1 : 0;
+      numbers.certain += environment.AreSame(i, kValue) || environment.IsSingle(i) ? 1 : 0;
     }
   }
   return numbers;
@@ -53,37 +52,34 @@ int NarrowValue(const VokTarnObjectEnvironment& environment) {
 }
 
 bool IsCertain(const VokTarnObjectEnvironment& environment, unsigned i) {
-  const VokTarnInteger& v = environment.Integer(kValue);
-  const VokTarnInteger& a = environment.Integer(i);
   return environment.AreSame(i, kValue) ||
-         (v.GetCardinality() == 1 && a.GetCardinality() == 1 && v.GetLowerBound() == a.GetLowerBound());
+         (environment.IsSingle(kValue) && IsKnown(environment, i, environment.Lower(kValue)));
+}
+
+bool IsOpen(const VokTarnObjectEnvironment& environment, unsigned i) {
+  return !IsCertain(environment, i) &&
+         (environment.IsSingle(kValue) ? MayBe(environment, i, environment.Lower(kValue))
+                                       : HaveCommonValue(environment.Integer(i), environment.Integer(kValue)));
 }
 
 // Brings the result between the number of members that are v, whatever v is, and of those that may be; where it reaches
 // one of the two, the members that are open are settled.
 int NarrowMembers(const VokTarnObjectEnvironment& environment) {
   Numbers numbers;
-  std::vector<unsigned> open;
   for (unsigned i = kFirst; i < environment.Size(); ++i) {
-    if (IsCertain(environment, i)) {
-      ++numbers.certain;
-    } else if (HaveCommonValue(environment.Integer(i), environment.Integer(kValue))) {
-      open.push_back(i);
-    }
+    const bool isCertain = IsCertain(environment, i);
+    numbers.certain += isCertain ? 1 : 0;
+    numbers.possible += isCertain || IsOpen(environment, i) ? 1 : 0;
   }
-  numbers.possible = numbers.certain + static_cast<std::int64_t>(open.size());
   int changed = KeepBetween(environment, kResult, numbers.certain, numbers.possible);
-  if (environment.IsFailed()) {
+  const bool all = environment.Lower(kResult) == numbers.possible;
+  if (environment.IsFailed() || numbers.certain == numbers.possible ||
+      (!all && environment.Upper(kResult) != numbers.certain)) {
     return changed;
   }
-  const bool all = environment.Integer(kResult).GetLowerBound() == numbers.possible;
-  if (!all && environment.Integer(kResult).GetUpperBound() != numbers.certain) {
-    return changed;
-  }
-  for (const unsigned i : open) {
-    changed |= all ? KeepEqual(environment, kValue, i) : KeepUnequal(environment, kValue, i);
-    if (environment.IsFailed()) {
-      break;
+  for (unsigned i = kFirst; i < environment.Size() && !environment.IsFailed(); ++i) {
+    if (IsOpen(environment, i)) {
+      changed |= all ? KeepEqual(environment, kValue, i) : KeepUnequal(environment, kValue, i);
     }
   }
   return changed;

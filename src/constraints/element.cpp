@@ -20,35 +20,66 @@ const VokTarnInteger& Member(const VokTarnObjectEnvironment& environment, VokLon
   return environment.Integer(kBeforeFirst + static_cast<unsigned>(place));
 }
 
+unsigned Place(VokLong place) {
+  return kBeforeFirst + static_cast<unsigned>(place);
+}
+
+bool CanBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  if (!MayBeEqual(environment, i, j)) {
+    return false;
+  }
+  // Types that have holes but list nothing are asked value by value.
+  const auto isClear = [&](unsigned k) { return environment.IsListed(k) || HasNoHoles(environment, k); };
+  return (isClear(i) && isClear(j)) || HaveCommonValue(environment.Integer(i), environment.Integer(j));
+}
+
 // The places that the index may be, and whose value the result may have.
-std::vector<VokLong> FindPlaces(const VokTarnObjectEnvironment& environment) {
-  std::vector<VokLong> places;
-  const VokTarnInteger& index = environment.Integer(kIndex);
-  const VokTarnInteger& result = environment.Integer(kResult);
-  for (VokLong place = 1; kBeforeFirst + static_cast<unsigned>(place) < environment.Size(); ++place) {
-    if (index.IsPossible(place) && HaveCommonValue(Member(environment, place), result)) {
+void FindPlaces(const VokTarnObjectEnvironment& environment, std::vector<VokLong>& places) {
+  places.clear();
+  const auto see = [&](VokLong place) {
+    if (CanBeEqual(environment, Place(place), kResult)) {
       places.push_back(place);
     }
+  };
+  const std::span<const VokLong> members = environment.Members(kIndex);
+  for (const VokLong place : members) {
+    if (place >= 1 && place < static_cast<std::int64_t>(environment.Size()) - kBeforeFirst) {
+      see(place);
+    }
   }
-  return places;
+  if (members.empty()) {
+    const std::int64_t last = std::min<std::int64_t>(environment.Upper(kIndex), environment.Size() - kBeforeFirst - 1);
+    for (VokLong place = std::max(environment.Lower(kIndex), 1); place <= last; ++place) {
+      if (environment.Integer(kIndex).IsPossible(place)) {
+        see(place);
+      }
+    }
+  }
 }
 
-// The least possible value of x from v on, the greatest up to v. Require: there is one.
-VokLong FirstFrom(const VokTarnInteger& x, VokLong v) {
-  return v <= x.GetLowerBound() ? x.GetLowerBound() : x.IsPossible(v) ? v : x.GetNextExactValue(v);
+// The least possible value of a member from v on, the greatest up to v. Require: there is one.
+VokLong FirstFrom(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
+  if (v <= environment.Lower(i) || HasNoHoles(environment, i)) {
+    return std::max(v, environment.Lower(i));
+  }
+  const VokTarnInteger& x = environment.Integer(i);
+  return x.IsPossible(v) ? v : x.GetNextExactValue(v);
 }
 
-VokLong LastUpTo(const VokTarnInteger& x, VokLong v) {
-  return v >= x.GetUpperBound() ? x.GetUpperBound() : x.IsPossible(v) ? v : x.GetPrevExactValue(v);
+VokLong LastUpTo(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
+  if (v >= environment.Upper(i) || HasNoHoles(environment, i)) {
+    return std::min(v, environment.Upper(i));
+  }
+  const VokTarnInteger& x = environment.Integer(i);
+  return x.IsPossible(v) ? v : x.GetPrevExactValue(v);
 }
 
 int KeepBoundsOfMembers(const VokTarnObjectEnvironment& environment, const std::vector<VokLong>& places) {
-  const VokTarnInteger& result = environment.Integer(kResult);
   VokLong lower = SubIntBase::sMax;
   VokLong upper = SubIntBase::sMin;
   for (const VokLong place : places) {
-    lower = std::min(lower, FirstFrom(Member(environment, place), result.GetLowerBound()));
-    upper = std::max(upper, LastUpTo(Member(environment, place), result.GetUpperBound()));
+    lower = std::min(lower, FirstFrom(environment, Place(place), environment.Lower(kResult)));
+    upper = std::max(upper, LastUpTo(environment, Place(place), environment.Upper(kResult)));
   }
   return KeepBetween(environment, kResult, lower, upper);
 }
@@ -70,10 +101,21 @@ int TakeValuesOfMembers(const VokTarnObjectEnvironment& environment, const std::
 }
 
 int RemoveValuesOfNoMember(const VokTarnObjectEnvironment& environment, const std::vector<VokLong>& places) {
+  // A member that has every value between the bounds of the result, as most have, leaves nothing to be done.
+  for (const VokLong place : places) {
+    const unsigned i = Place(place);
+    if (HasNoHoles(environment, i) && environment.Lower(i) <= environment.Lower(kResult) &&
+        environment.Upper(i) >= environment.Upper(kResult)) {
+      return 0;
+    }
+  }
   std::vector<VokLong> missing = ListValues(environment.Integer(kResult));
   for (auto place = places.begin(); place != places.end() && !missing.empty(); ++place) {
-    const VokTarnInteger& member = Member(environment, *place);
-    std::erase_if(missing, [&member](VokLong v) { return member.IsPossible(v); });
+    const unsigned i = Place(*place);
+    const bool isClear = environment.IsListed(i) || HasNoHoles(environment, i);
+    std::erase_if(missing, [&](VokLong v) {
+      return MayBe(environment, i, v) && (isClear || environment.Integer(i).IsPossible(v));
+    });
   }
   int changed = 0;
   for (const VokLong v : missing) {
@@ -105,8 +147,10 @@ bool VokTarnElementConstraint::IsSatisfied(const VokTarnObjectEnvironment& envir
 }
 
 int VokTarnElementConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
-  const std::vector<VokLong> places = FindPlaces(environment);
-  const int changed = KeepValues(environment, kIndex, places);
+  std::vector<VokLong>& places = fPlaces;
+  FindPlaces(environment, places);
+  const int changed =
+      environment.IsListed(kIndex) ? KeepListed(environment, kIndex, places) : KeepValues(environment, kIndex, places);
   if (environment.IsFailed()) {
     return changed;
   }

@@ -1,6 +1,7 @@
 #include "constraints/narrowing.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "numbers/VokFenIntervalInteger.h"
 #include "numbers/VokFenSingleInteger.h"
@@ -83,6 +84,114 @@ int KeepBetween(const VokTarnObjectEnvironment& environment, unsigned i, std::in
     return environment.MakeNil(i);
   }
   return NarrowTo(environment, i, VokFenIntervalInteger(static_cast<VokLong>(lower), static_cast<VokLong>(upper)));
+}
+
+int KeepUpTo(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit) {
+  if (limit >= environment.Upper(i)) {
+    return 0;
+  }
+  if (limit <= environment.Lower(i)) {
+    return KeepValue(environment, i, limit);
+  }
+  const VokFenSingleInteger bound(static_cast<VokLong>(limit));
+  return environment.Note(i, environment.NarrowInteger(i).CalcLessOrEqualValue(bound));
+}
+
+int KeepFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit) {
+  if (limit <= environment.Lower(i)) {
+    return 0;
+  }
+  if (limit >= environment.Upper(i)) {
+    return KeepValue(environment, i, limit);
+  }
+  const VokFenSingleInteger bound(static_cast<VokLong>(limit));
+  return environment.Note(i, environment.NarrowInteger(i).CalcNotLessValue(bound));
+}
+
+int KeepValue(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
+  if (v < environment.Lower(i) || v > environment.Upper(i)) {
+    return environment.MakeNil(i);
+  }
+  if (environment.IsSingle(i)) {
+    return 0;
+  }
+  if (environment.Cardinality(i) < 0) {
+    return KeepBetween(environment, i, v, v);
+  }
+  const auto value = static_cast<VokLong>(v);
+  const bool isBound = v == environment.Lower(i) || v == environment.Upper(i);
+  if (!isBound && !HasNoHoles(environment, i) && !environment.Integer(i).IsPossible(value)) {
+    return environment.MakeNil(i);
+  }
+  return environment.Note(i, environment.NarrowInteger(i).SetExactValue(value));
+}
+
+int KeepListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> kept) {
+  const std::size_t size = environment.Members(i).size();
+  if (kept.size() == size) {
+    return 0;
+  }
+  if (kept.empty()) {
+    return environment.MakeNil(i);
+  }
+  if (kept.size() == 1) {
+    return KeepValue(environment, i, kept.front());
+  }
+  VokTarnInteger& x = environment.NarrowInteger(i);
+  // Whichever is less: the values to be taken out, or those to be put in again, each behind the last.
+  if (kept.size() <= size - kept.size()) {
+    x.SetNilValue();
+    for (const VokLong v : kept) {
+      x.AddExactValue(v);
+    }
+    return environment.Note(i, 1);
+  }
+  static thread_local std::vector<VokLong> removed;  // room that is kept: the list stands only until x changes
+  removed.clear();
+  std::ranges::set_difference(environment.Members(i), kept, std::back_inserter(removed));
+  for (const VokLong v : removed) {
+    x.RemoveExactValue(v);
+  }
+  return environment.Note(i, 1);
+}
+
+bool MayBe(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
+  if (v < environment.Lower(i) || v > environment.Upper(i)) {
+    return false;
+  }
+  const std::span<const VokLong> members = environment.Members(i);
+  return members.empty() || HasNoHoles(environment, i) ||
+         std::binary_search(members.begin(), members.end(), static_cast<VokLong>(v));
+}
+
+bool MayBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {
+  if (environment.Upper(i) < environment.Lower(j) || environment.Upper(j) < environment.Lower(i)) {
+    return false;
+  }
+  if (environment.IsSingle(i)) {
+    return MayBe(environment, j, environment.Lower(i));
+  }
+  if (environment.IsSingle(j)) {
+    return MayBe(environment, i, environment.Lower(j));
+  }
+  const std::span<const VokLong> a = environment.Members(i);
+  const std::span<const VokLong> b = environment.Members(j);
+  if (a.empty() || b.empty()) {
+    const unsigned listed = a.empty() ? j : i;
+    const unsigned other = a.empty() ? i : j;
+    const std::span<const VokLong> members = environment.Members(listed);
+    const auto first = std::ranges::lower_bound(members, environment.Lower(other));
+    return members.empty() || (first != members.end() && *first <= environment.Upper(other));
+  }
+  auto left = a.begin();
+  auto right = b.begin();
+  while (left != a.end() && right != b.end()) {
+    if (*left == *right) {
+      return true;
+    }
+    *left < *right ? ++left : ++right;
+  }
+  return false;
 }
 
 int KeepValues(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values) {

@@ -14,6 +14,12 @@ int KeepAtLeast(const VokTarnObjectEnvironment& environment, unsigned i, std::in
 // Argument i keeps its values from `lower` to `upper`, whatever 64-bit numbers these are. An undefined set takes the
 // values between them where it can list them.
 int KeepBetween(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper);
+// The same with one end, and for one value; quick. An undefined argument may stay so.
+int KeepUpTo(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit);
+int KeepFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t limit);
+int KeepValue(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v);
+// Argument i keeps `kept`, some of its values in ascending order. Requires: it is listed.
+int KeepListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> kept);
 // Argument i keeps those of its values that are among `values`, which ascend within the integer range; an undefined
 // set takes them over where it can list them.
 int KeepValues(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values);
@@ -28,6 +34,15 @@ int KeepEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned 
 int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j);
 // Arguments i and j keep what i + gap <= j allows; gap is 0 or 1.
 int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j, int gap);
+
+// Whether argument i, not undefined, has every value between its bounds; whether it can be v, as far as its bounds and
+// its list tell.
+inline bool HasNoHoles(const VokTarnObjectEnvironment& environment, unsigned i) {
+  return environment.Cardinality(i) == std::int64_t{environment.Upper(i)} - environment.Lower(i) + 1;
+}
+bool MayBe(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v);
+// Whether arguments i and j may be equal, as far as their bounds and lists tell.
+bool MayBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j);
 
 // Whether all arguments from `from` up to `to` are there and of this kind.
 bool AreIntegers(const VokTarnObjectEnvironment& environment, unsigned from, unsigned to);

@@ -46,6 +46,18 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   virtual VokTarnEvent GetEvent(unsigned /*argument*/, const VokTarnObjectEnvironment& /*environment*/) const {
     return VokTarnEvent::Domain;
   }
+  // The arguments that the constraint watches in place of waiting for events; none: it waits for events. Asked when the
+  // constraint is added. Meant for relations over many arguments that a few of them keep open, such as clauses
+  // (M. Moskewicz, C. Madigan, Y. Zhao, L. Zhang, S. Malik, "Chaff: engineering an efficient SAT solver", 2001).
+  virtual std::vector<unsigned> GetWatched(const VokTarnObjectEnvironment& /*environment*/) const { return {}; }
+  // Asked when the watched argument has one value left, and not for any other event. Returns the argument to watch in
+  // its place, one that the constraint does not watch yet and that has more than one value; `argument` itself when
+  // nothing need be done; sWake to be filtered and to go on watching `argument`. What is watched stays so when the
+  // search goes back, so the answer must not depend on values that would come back earlier than that of `argument`.
+  static constexpr unsigned sWake = 0xFFFFFFFFU;
+  virtual unsigned MoveWatch(unsigned /*argument*/, const VokTarnObjectEnvironment& /*environment*/) const {
+    return sWake;
+  }
   // Whether the arguments have the number and the kinds that the constraint needs, and the constants the number.
   virtual bool IsApplicable(const VokTarnObjectEnvironment& environment) const = 0;
   // Whether the relation holds. Requires: every argument has exactly one value.

@@ -97,7 +97,7 @@ VokTarnValueId VokTarnNetwork::AddValue(const VokTarnObjectDescriptor* type, std
   const unsigned pool = FindPool(type);
   MakeRoom(fValues, id + std::size_t{1});
   VokTarnAny* object = TakeSpare(fPools[pool]);
-  fValues.push_back({object, {}, 0, type->GetLister(), type, {}, pool, VokTarnSlot::Kind::Other, false});
+  fValues.push_back({object, {}, 0, type->GetLister(), type, {}, {}, 0, pool, VokTarnSlot::Kind::Other, false});
   object->SetUndefinedValue();
   VokTarnSlot& slot = fValues.back();
   slot.fKind = FindKind(*object);
@@ -122,14 +122,22 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
   }
   const VokULong index = GetConstraintCount();
   constraint->SetIndex(index);
+  const std::vector<unsigned> watched = constraint->GetWatched(environment);
+  for (const unsigned i : watched) {
+    fValues[arguments[i]].fWatches.push_back({index, i});
+  }
   for (unsigned i = 0; i < arguments.size(); ++i) {
     if (arguments[i] != vokNoValue) {
-      fValues[arguments[i]].fWatchers.push_back({index, constraint->GetEvent(i, environment)});
+      VokTarnSlot& slot = fValues[arguments[i]];
+      ++slot.fDegree;
+      if (watched.empty()) {
+        slot.fWatchers.push_back({index, constraint->GetEvent(i, environment)});
+      }
     }
   }
   fPriorities.push_back(static_cast<unsigned char>(constraint->GetPriority()));
   fConstraints.push_back(std::move(constraint));
-  fWaiting.push_back(0);
+  fStates.push_back(State::Idle);
   fConstraints.back()->Activate(this);
   return index;
 }
@@ -142,9 +150,9 @@ const std::string& VokTarnNetwork::GetName(VokTarnValueId id) const noexcept {
 void VokTarnNetwork::Schedule(VokULong constraint) {
   if (constraint == fRunning) {
     fIsRunningWoken = true;
-  } else if (fWaiting[constraint] == 0) {
+  } else if (fStates[constraint] == State::Idle) {
     fAgenda[fPriorities[constraint]].fConstraints.push_back(constraint);
-    fWaiting[constraint] = 1;
+    fStates[constraint] = State::Waiting;
   }
 }
 
@@ -160,7 +168,7 @@ VokULong VokTarnNetwork::TakeWaiting() noexcept {
                                  queue.fConstraints.begin() + static_cast<std::ptrdiff_t>(queue.fFirst));
         queue.fFirst = 0;
       }
-      fWaiting[constraint] = 0;
+      fStates[constraint] = State::Idle;
       return constraint;
     }
   }
@@ -191,10 +199,14 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
     fRunning = index;
     fIsRunningWoken = false;
     fIsAtFixpoint = false;
+    fIsEntailed = false;
     constraint.Filter(VokTarnObjectEnvironment(*this, constraint.GetArguments()), 0);
     fRunning = sNone;
     if (fFailed) {
       fFailedConstraint = &constraint;
+    } else if (fIsEntailed) {
+      fStates[index] = State::Entailed;
+      fEntailed.push_back(index);
     } else if (fIsRunningWoken && !fIsAtFixpoint) {
       Schedule(index);
     }
@@ -263,6 +275,30 @@ void VokTarnNetwork::NoteChange(VokTarnValueId id) {
       Schedule(watcher.fConstraint);
     }
   }
+  if (event == VokTarnEvent::Single) {
+    AskWatches(slot);
+  }
+}
+
+// Asks those who watch the value, which has become single, what they watch from now on. It is never the same value:
+// they watch what is still open.
+void VokTarnNetwork::AskWatches(VokTarnSlot& slot) {
+  for (std::size_t i = 0; i < slot.fWatches.size();) {
+    const VokTarnSlot::Watch watch = slot.fWatches[i];
+    const VokTarnConstraint& constraint = *fConstraints[watch.fConstraint];
+    const std::span<const VokTarnValueId> arguments = constraint.GetArguments();
+    const unsigned next = constraint.MoveWatch(watch.fArgument, VokTarnObjectEnvironment(*this, arguments));
+    if (next != VokTarnConstraint::sWake && next != watch.fArgument) {
+      fValues[arguments[next]].fWatches.push_back({watch.fConstraint, next});
+      slot.fWatches[i] = slot.fWatches.back();
+      slot.fWatches.pop_back();
+      continue;
+    }
+    if (next == VokTarnConstraint::sWake) {
+      Schedule(watch.fConstraint);
+    }
+    ++i;
+  }
 }
 
 void VokTarnNetwork::SetChangeLog(std::vector<VokTarnValueId>* log) noexcept {
@@ -289,7 +325,7 @@ void VokTarnNetwork::LogChange(VokTarnValueId id) {
 void VokTarnNetwork::ClearAgenda() noexcept {
   for (Queue& queue : fAgenda) {
     for (; queue.fFirst != queue.fConstraints.size(); ++queue.fFirst) {
-      fWaiting[queue.fConstraints[queue.fFirst]] = 0;
+      fStates[queue.fConstraints[queue.fFirst]] = State::Idle;
     }
     queue.fConstraints.clear();
     queue.fFirst = 0;
@@ -297,7 +333,7 @@ void VokTarnNetwork::ClearAgenda() noexcept {
 }
 
 void VokTarnNetwork::PushLevel() {
-  fLevels.push_back({fTrail.size(), ++fStampCounter});
+  fLevels.push_back({fTrail.size(), fEntailed.size(), ++fStampCounter});
 }
 
 void VokTarnNetwork::PopLevel() {
@@ -310,6 +346,10 @@ void VokTarnNetwork::PopLevel() {
     slot.fSummary = saved.fSummary;
     slot.fStamp = saved.fStamp;
     fTrail.pop_back();
+  }
+  while (fEntailed.size() > fLevels.back().fEntailedSize) {
+    fStates[fEntailed.back()] = State::Idle;
+    fEntailed.pop_back();
   }
   fLevels.pop_back();
   ClearAgenda();

@@ -57,13 +57,16 @@ class VOKTARN_EXPORT VokTarnNetwork {
   const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
   // As the value would answer, without a call.
   int GetCardinality(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fSize; }
+  // Of an integer its bounds, of a truth value 0 and 1 as far as they are possible.
+  VokLong GetLower(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fLower; }
+  VokLong GetUpper(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fUpper; }
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;
   VokULong GetConstraintCount() const noexcept { return static_cast<VokULong>(fConstraints.size()); }
   const VokTarnConstraint& GetConstraint(VokULong index) const noexcept { return *fConstraints[index]; }
   // How many constraints the value is an argument of (counted once per place).
-  std::size_t GetDegree(VokTarnValueId id) const noexcept { return fValues[id].fWatchers.size(); }
+  std::size_t GetDegree(VokTarnValueId id) const noexcept { return fValues[id].fDegree; }
 
   // ---- Propagation
   // Throws std::bad_alloc rather than to report an outcome when IsMemoryShort().
@@ -124,8 +127,11 @@ class VOKTARN_EXPORT VokTarnNetwork {
     std::size_t fFirst = 0;
   };
   static constexpr VokULong sNone = 0xFFFFFFFFU;
+  // An entailed constraint sleeps until the search goes back to before it became so.
+  enum class State : unsigned char { Idle, Waiting, Entailed };
   struct Level {
     std::size_t fTrailSize;
+    std::size_t fEntailedSize;
     VokULong fStamp;
   };
 
@@ -136,15 +142,17 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong TakeWaiting() noexcept;
   void ClearAgenda() noexcept;
   void LogChange(VokTarnValueId id);
+  void AskWatches(VokTarnSlot& slot);
 
   VokTarnMemoryWatch fMemory;
   std::vector<VokTarnSlot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;
   std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
   std::vector<unsigned char> fPriorities;  // by constraint
-  std::vector<unsigned char> fWaiting;
+  std::vector<State> fStates;              // the same
   std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
   std::vector<Saved> fTrail;
+  std::vector<VokULong> fEntailed;  // in the order in which they became so
   std::vector<Level> fLevels;
   std::vector<Pool> fPools;
   std::function<bool()> fInterrupt;
@@ -156,6 +164,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong fRunning = sNone;  // the constraint that is being filtered
   bool fIsRunningWoken = false;
   bool fIsAtFixpoint = false;
+  bool fIsEntailed = false;
   bool fFailed = false;
   bool fMemoryShort = false;
 };

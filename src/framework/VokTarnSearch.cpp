@@ -26,6 +26,7 @@ bool CanSplit(const VokTarnAny& value) {
 VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
                              std::optional<Objective> objective, Options options)
     : fNetwork(network),
+      fBaseLevel(network.GetLevel()),
       fPlaces(network.GetValueCount(), kNoPlace),
       fObjective(objective),
       fOptions(options),
@@ -38,13 +39,18 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
   if (options.fSeed != 0) {
     Shuffle();
   }
+  if (options.fLearns) {
+    fPhases.resize(variables.size());
+  }
   EnterAll();
-  network.SetChangeLog(&fChanged);
+  if (!variables.empty()) {
+    network.SetChangeLog(&fChanged);
+  }
 }
 
 VokTarnSearch::~VokTarnSearch() {
   fNetwork.SetChangeLog(nullptr);
-  while (fNetwork.GetLevel() != 0) {
+  while (fNetwork.GetLevel() > fBaseLevel) {
     fNetwork.PopLevel();
   }
 }
@@ -96,8 +102,16 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     if (fChoices.empty()) {
       NoteBound();
     }
+    if (VokTarnBranch branch{}; fBrancher != nullptr && fBrancher->Choose(fNetwork, GetDepth(), branch)) {
+      Take(branch);
+      continue;
+    }
     if (const VokTarnValueId variable = ChooseVariable(); variable != vokNoValue) {
-      Split(variable, false);
+      if (fOptions.fLearns) {
+        Take(RecallPhase(variable));
+      } else {
+        Split(variable, false);
+      }
       continue;
     }
     const VokTarnValueId open = FindUndecided();
@@ -148,6 +162,12 @@ void VokTarnSearch::NoteFailure() {
   ++fStatistics.fFailures;
   if (fObserver != nullptr) {
     fObserver->OnFailure();
+  }
+  if (fBrancher != nullptr) {
+    fBrancher->OnFailure(fNetwork);
+  }
+  if (!fChoices.empty()) {
+    fLastConflict = fChoices.back().fVariable;
   }
   const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
   if (fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
@@ -216,13 +236,46 @@ void VokTarnSearch::NoteBound() {
   }
 }
 
+// The values that variables have now are those to try first later.
+void VokTarnSearch::NotePhases() {
+  for (const VokTarnValueId id : fChanged) {
+    if (id < fPlaces.size() && fPlaces[id] != kNoPlace && fNetwork.GetCardinality(id) == 1) {
+      fPhases[fPlaces[id]] = AsInteger(fNetwork.GetValue(id)).GetLowerBound();
+    }
+  }
+}
+
+// The part of an open variable's values that it had last; the least at first, and where another value has gone.
+VokTarnBranch VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
+  const VokTarnInteger& x = AsInteger(fNetwork.GetValue(variable));
+  const std::optional<VokLong>& phase = fPhases[fPlaces[variable]];
+  if (phase && x.IsPossible(*phase)) {
+    if (fNetwork.GetType(variable)->GetLister() != nullptr || *phase == x.GetLowerBound() ||
+        *phase == x.GetUpperBound()) {
+      return {variable, VokTarnBranch::Part::Exactly, *phase};
+    }
+    return {variable, VokTarnBranch::Part::AtMost, *phase};
+  }
+  return {variable, VokTarnBranch::Part::Exactly, x.GetLowerBound()};
+}
+
 VokTarnValueId VokTarnSearch::ChooseVariable() {
+  if (fOptions.fLearns) {
+    NotePhases();
+  }
   for (const VokTarnValueId id : fChanged) {
     if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
       Enter(fPlaces[id]);
     }
   }
   fNetwork.ClearChangeLog();
+  if (fOptions.fLearns && fLastConflict != vokNoValue) {
+    const VokTarnValueId last = fLastConflict;
+    if (last < fPlaces.size() && fPlaces[last] != kNoPlace && fNetwork.GetCardinality(last) > 1) {
+      return last;
+    }
+    fLastConflict = vokNoValue;
+  }
   if (fCandidates.size() > 4 * fVariables.size() + 64) {  // mostly stale by now
     EnterAll();
   }
@@ -276,14 +329,27 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
   rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
-  fNetwork.PushLevel();
-  fChoices.push_back({variable, std::move(rest), auxiliary});
-  ++fStatistics.fDecisions;
-  fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
+  Open({variable, std::move(rest), {}, auxiliary});
   fNetwork.Copy(fNetwork.Touch(variable), *part);
   fNetwork.NoteChange(variable);
   if (fObserver != nullptr) {
     fObserver->OnDecision(variable, *part);
+  }
+}
+
+void VokTarnSearch::Open(Choice choice) {
+  fNetwork.PushLevel();
+  fChoices.push_back(std::move(choice));
+  ++fStatistics.fDecisions;
+  fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
+}
+
+// Goes on with the part of a value's domain; the rest is for later.
+void VokTarnSearch::Take(const VokTarnBranch& branch) {
+  Open({branch.fValue, {nullptr, {&fNetwork, 0}}, branch, false});
+  VokTarnNarrow(fNetwork, branch);
+  if (fObserver != nullptr) {
+    fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));
   }
 }
 
@@ -301,8 +367,12 @@ bool VokTarnSearch::Backtrack() {
   const Choice choice = std::move(fChoices.back());
   fChoices.pop_back();
   fNetwork.PopLevel();
-  fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
-  fNetwork.NoteChange(choice.fVariable);
+  if (choice.fRest == nullptr) {
+    VokTarnNarrow(fNetwork, choice.fBranch.GetRest());
+  } else {
+    fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
+    fNetwork.NoteChange(choice.fVariable);
+  }
   if (fObserver != nullptr) {
     fObserver->OnBacktrack(static_cast<unsigned>(fChoices.size()), choice.fVariable,
                            fNetwork.GetValue(choice.fVariable));
@@ -322,11 +392,32 @@ bool VokTarnSearch::TightenBound() {
   if (!fBest || fNetwork.IsFailed()) {
     return !fNetwork.IsFailed();
   }
-  const VokTarnInteger& bound = AsInteger(fNetwork.GetValue(fObjective->fBound));
   const VokLong wanted = fObjective->fSense == Sense::Minimize ? *fBest - 1 : *fBest + 1;
+  if (fObjective->fBound == vokNoValue) {
+    return TightenObjective(wanted);
+  }
+  const VokTarnInteger& bound = AsInteger(fNetwork.GetValue(fObjective->fBound));
   if (bound.GetCardinality() != 1 || bound.GetLowerBound() != wanted) {
     static_cast<VokTarnInteger&>(fNetwork.Touch(fObjective->fBound)).SetExactValue(wanted);
     fNetwork.NoteChange(fObjective->fBound);
   }
   return true;
+}
+
+bool VokTarnSearch::TightenObjective(VokLong wanted) {
+  const VokTarnValueId id = fObjective->fValue;
+  const VokTarnInteger& value = AsInteger(fNetwork.GetValue(id));
+  const bool isMinimized = fObjective->fSense == Sense::Minimize;
+  if (isMinimized ? value.GetLowerBound() > wanted : value.GetUpperBound() < wanted) {
+    fNetwork.Fail();
+  } else if (isMinimized ? value.GetUpperBound() > wanted : value.GetLowerBound() < wanted) {
+    VokTarnNarrow(fNetwork, {id, isMinimized ? VokTarnBranch::Part::AtMost : VokTarnBranch::Part::AtLeast, wanted});
+  }
+  return !fNetwork.IsFailed();
+}
+
+void VokTarnSearch::NoteKnown(VokLong objective) noexcept {
+  if (fObjective && (!fBest || (fObjective->fSense == Sense::Minimize ? objective < *fBest : objective > *fBest))) {
+    fBest = objective;
+  }
 }

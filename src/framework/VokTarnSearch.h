@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "framework/VokTarnBrancher.h"
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnRestartSequences.h"
 
@@ -51,7 +52,9 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   struct Objective {
     VokTarnValueId fValue;  // an integer
-    VokTarnValueId fBound;  // an integer that `fValue` is constrained by, not above it (below it): undefined at first
+    // An integer that `fValue` is constrained by, not above it (below it): undefined at first. vokNoValue: none, then
+    // the search narrows `fValue` itself.
+    VokTarnValueId fBound;
     Sense fSense;
   };
   enum class VariableChoice {
@@ -80,6 +83,12 @@ class VOKTARN_EXPORT VokTarnSearch {
     // The search is stopped for good once it has made this many decisions, or has failed this often.
     std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
+    // Open variables get the value first that they had last in this search, a value that propagation or a choice gave
+    // them, in place of a split (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
+    // satisfiability solvers", 2007). The variable of the last choice that failed is chosen again before others
+    // (C. Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in constraint programming", 2009).
+    // For integers only.
+    bool fLearns = false;
   };
   struct Statistics {
     std::uint64_t fDecisions = 0;
@@ -89,8 +98,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     unsigned fDepth = 0;  // the deepest level reached
   };
 
-  // The network must be at its root level and outlive the search. The search leaves it at the root level
-  // when it is destroyed.
+  // The network must outlive the search, which leaves it at the level at which it began when it is destroyed.
   VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
                 std::optional<Objective> objective = std::nullopt)
       : VokTarnSearch(network, variables, objective, Options()) {}
@@ -104,6 +112,11 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   // From now on `observer` (null: none) sees each step; borrowed.
   void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
+
+  // From now on `brancher` (null: none) is asked first; the search's own choice is for what it leaves. Borrowed.
+  void SetBrancher(VokTarnBrancher* brancher) noexcept { fBrancher = brancher; }
+  // A solution with this objective is known from elsewhere: those to come must be better. At any time.
+  void NoteKnown(VokLong objective) noexcept;
 
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
   // How many choices the search is in.
@@ -119,7 +132,8 @@ class VOKTARN_EXPORT VokTarnSearch {
  private:
   struct Choice {
     VokTarnValueId fVariable;
-    VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched
+    VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched; null:
+    VokTarnBranch fBranch;        // the first part, what remains is its rest
     bool fAuxiliary;              // an intermediate value: one completion is enough
   };
 
@@ -150,6 +164,10 @@ class VOKTARN_EXPORT VokTarnSearch {
   Status Run();
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
+  void Take(const VokTarnBranch& branch);
+  void Open(Choice choice);
+  VokTarnBranch RecallPhase(VokTarnValueId variable) const;
+  void NotePhases();
   VokTarnValueId ChooseVariable();
   Rank GetRank(unsigned place, int cardinality) const;
   void Enter(unsigned place);
@@ -162,10 +180,12 @@ class VOKTARN_EXPORT VokTarnSearch {
   VokTarnValueId FindUndecided() const;
   bool IsBound(VokTarnValueId id) const;
   bool TightenBound();
+  bool TightenObjective(VokLong wanted);
   void LeaveLevel();
   void SkipAuxiliaryChoices();
 
   VokTarnNetwork& fNetwork;
+  const unsigned fBaseLevel;
   std::vector<Variable> fVariables;  // equally ranked ones are chosen in this order
   std::vector<unsigned> fPlaces;     // per value of the network, its place among the variables
   // Open variables, best first on top. Every open variable has an entry with its present rank; entries that a
@@ -180,6 +200,9 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::vector<Choice> fChoices;
   Statistics fStatistics;
   VokTarnSearchObserver* fObserver = nullptr;
+  VokTarnBrancher* fBrancher = nullptr;
+  std::vector<std::optional<VokLong>> fPhases;  // by place among the variables, when the search learns
+  VokTarnValueId fLastConflict = vokNoValue;
   std::optional<VokLong> fBest;
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;

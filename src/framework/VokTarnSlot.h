@@ -27,6 +27,11 @@ struct VokTarnSlot {
     VokULong fConstraint;
     VokTarnEvent fEvent;  // the least telling event that the constraint is to see
   };
+  // A constraint that is asked when the value becomes single, as one of its arguments.
+  struct Watch {
+    VokULong fConstraint;
+    unsigned fArgument;
+  };
   enum class Kind : unsigned char { Integer, Truth, Other };
 
   VokTarnAny* fObject;
@@ -35,7 +40,9 @@ struct VokTarnSlot {
   VokTarnObjectDescriptor::Lister fLister;
   const VokTarnObjectDescriptor* fType;
   std::vector<Watcher> fWatchers;
-  unsigned fPool;  // of spare values of its type
+  std::vector<Watch> fWatches;
+  unsigned fDegree;  // the places at which constraints have it as an argument
+  unsigned fPool;    // of spare values of its type
   Kind fKind;
   bool fIsLogged;
 };

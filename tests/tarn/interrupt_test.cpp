@@ -12,6 +12,7 @@ namespace {
 [[noreturn]] void IgnoreTheLimit(tarn::Phase phase) {
   tarn::LastWords words;
   words.fNote.fill("last words");
+  words.fExitCode = 3;
   const double now = tarn::GetRunTime().count();
   tarn::StartWatch({now + 0.05, std::nullopt}, words);
   tarn::EnterPhase(phase);

@@ -1,6 +1,7 @@
 #include "tarn/commands/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -184,6 +185,37 @@ void DefineConflict(CLI::App& app, CommandLine& line) {
   conflict->callback([&line] { line.fCommand = CommandLine::Command::Conflict; });
 }
 
+void DefineFlatZinc(CLI::App& app, CommandLine& line) {
+  CLI::App* fzn = app.add_subcommand("fzn", "Solve a FlatZinc problem, for MiniZinc");
+  FlatZincOptions& options = line.fFlatZinc;
+  fzn->add_option("FILE", line.fFile, "The problem; - is the standard input")->required()->type_name("");
+  fzn->add_flag("-a,--all-solutions", options.fAll, "Print all solutions, with an objective each better one");
+  fzn->add_flag("-i,--intermediate", options.fImproving, "Print each better solution as it is found");
+  fzn->add_option("-n,--num-solutions", options.fCount, "Stop after N solutions, 0: all; 1 without -a")->type_name("N");
+  fzn->add_flag("-s,--statistics", options.fStatistics, "Print figures of the search");
+  fzn->add_flag("-v,--verbose", options.fVerbose, "Say on the standard error what is done");
+  fzn->add_option("-t,--time-limit", options.fMilliseconds, "Stop after this time; 0: never")->type_name("MS");
+  fzn->add_flag("-f,--free-search", options.fFree, "Search in another way than the problem says");
+  fzn->add_option("-p,--parallel", options.fThreads, "Accepted; there is one thread")->type_name("N");
+  fzn->add_option("-r,--random-seed,--seed", options.fSeed, "For what is random in the search")->type_name("N");
+  fzn->footer("Exit codes: 0 answered, a stop included, 1 not a problem or not supported, 2 bad usage.");
+  fzn->callback([&line] { line.fCommand = CommandLine::Command::FlatZinc; });
+}
+
+// Whether the arguments are those of the command fzn without its name: the program is called by the name that MiniZinc
+// knows, or is given a problem and no command.
+bool IsFlatZincCall(const CLI::App& app, int argc, const char* const* argv) {
+  const std::string_view program = argc > 0 ? argv[0] : "";
+  if (program.substr(program.rfind('/') + 1) == "fzn-tarn") {
+    return true;
+  }
+  const auto isCommand = [&app](const char* argument) {
+    return !app.get_subcommands([=](const CLI::App* command) { return command->check_name(argument); }).empty();
+  };
+  return argc > 1 && std::string_view(argv[argc - 1]).ends_with(".fzn") &&
+         std::none_of(argv + 1, argv + argc, isCommand);
+}
+
 void DefineModules(CLI::App& app, CommandLine& line) {
   CLI::App* modules = app.add_subcommand("modules", "List the types and operators of the modules");
   modules->add_option("NAME", line.fModule, "Only this module")->type_name("");
@@ -210,13 +242,21 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   DefineTree(app, line);
   DefineWhy(app, line);
   DefineConflict(app, line);
+  DefineFlatZinc(app, line);
   DefineModules(app, line);
   DefineRepl(app, line);
   app.footer("Exit codes: 0 solved, 1 no solution, 2 bad input or usage, 3 stopped by a limit or undecided.");
+  std::vector<const char*> arguments(argv, argv + argc);
+  if (IsFlatZincCall(app, argc, argv)) {
+    arguments.insert(arguments.begin() + 1, "fzn");
+  }
   try {
-    app.parse(argc, argv);
+    app.parse(static_cast<int>(arguments.size()), arguments.data());
   } catch (const CLI::ParseError& error) {
     exitCode = app.exit(error, out, err) == 0 ? Solved : BadInput;
+    if (exitCode != Solved && arguments.size() > 1 && std::string_view(arguments[1]) == "fzn") {
+      err << "Usage: tarn fzn [-a] [-i] [-n N] [-s] [-v] [-t MS] [-f] [-p N] [-r SEED] FILE\n";
+    }
     return std::nullopt;
   }
   return line;

@@ -11,7 +11,7 @@ namespace tarn {
 
 // What the arguments of the program ask for.
 struct CommandLine {
-  enum class Command { Narrow, Solve, Save, Graph, Tree, Why, Conflict, Repl, Modules };
+  enum class Command { Narrow, Solve, Save, Graph, Tree, Why, Conflict, FlatZinc, Repl, Modules };
 
   Command fCommand = Command::Solve;
   std::string fFile;
@@ -24,6 +24,7 @@ struct CommandLine {
   SolveOptions fSolve;
   GraphOptions fGraph;
   TreeOptions fTree;
+  FlatZincOptions fFlatZinc;
 
   // Reads the arguments. When they are answered at once (help, version, a mistake), prints the answer, sets
   // `exitCode` and returns nothing.

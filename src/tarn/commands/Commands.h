@@ -38,6 +38,18 @@ struct TreeOptions {
   bool fCollapse = false;  // a triangle for each largest part of the tree in which all has failed
 };
 
+struct FlatZincOptions {
+  bool fAll = false;                    // all solutions, or every improving one
+  bool fImproving = false;              // print each improving solution as it is found
+  std::optional<std::uint64_t> fCount;  // of solutions, when there is no objective; 0: all
+  bool fStatistics = false;
+  bool fVerbose = false;
+  bool fFree = false;               // the search need not be as the problem says
+  std::uint64_t fMilliseconds = 0;  // 0: no limit
+  std::uint64_t fThreads = 1;
+  std::int64_t fSeed = 0;
+};
+
 // Whether every variable has one value and no statement contradicts them; says on `err` what is wrong.
 bool IsSolution(Session& session, std::ostream& err);
 
@@ -55,6 +67,10 @@ int RunGraph(Session& session, const GraphOptions& options, const std::string& p
 // The exit code is that of the search.
 int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, const std::string& path,
             std::ostream& out, std::ostream& err);
+// Solves the problem in the file, and prints as MiniZinc expects it. The exit code is 0 for every answer, 1 for a text
+// that is not a problem or not supported. Starts the watch itself.
+int RunFlatZinc(Modules& modules, const std::string& path, const FlatZincOptions& options, std::ostream& out,
+                std::ostream& err);
 // Lists one module, or all that are loaded.
 int RunModules(Modules& modules, const std::optional<std::string>& name, std::ostream& out);
 

@@ -7,9 +7,8 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <fstream>
 #include <limits>
-
-#include "tarn/commands/Commands.h"
 
 namespace tarn {
 namespace {
@@ -28,6 +27,7 @@ std::uint64_t sMostPages = std::numeric_limits<std::uint64_t>::max();
 int sMemoryFile = -1;
 const LastWords* sWords = nullptr;  // never destroyed: a signal may come while the process ends
 std::atomic<bool> sHasSolution = false;
+std::atomic<const std::string*> sUnprinted = nullptr;
 std::atomic<StopReason> sReason = StopReason::None;
 std::atomic<Clock::rep> sStopped = 0;
 std::atomic<Phase> sPhase = Phase::Searching;
@@ -83,9 +83,12 @@ void Look(StopReason reason) {
     return;
   }
   const auto index = static_cast<unsigned>(before);
+  if (const std::string* unprinted = sUnprinted) {
+    WriteAll(STDOUT_FILENO, *unprinted);
+  }
   WriteAll(STDOUT_FILENO, (sHasSolution ? sWords->fSatisfied : sWords->fUnknown)[index]);
   WriteAll(STDERR_FILENO, sWords->fNote[index]);
-  _exit(Undecided);
+  _exit(sWords->fExitCode);
 }
 
 extern "C" void HandleSignal(int signal) {
@@ -135,7 +138,7 @@ void CatchInterruptsOfInput() {
   }
 }
 
-void StartWatch(const Limits& limits, const LastWords& words) {
+void StartWatch(const Limits& limits, const LastWords& words, bool isPatient) {
   // A longer limit than this is none, and would not fit the clock.
   constexpr double sLongest = 1e9;
   if (limits.fSeconds && *limits.fSeconds <= sLongest) {
@@ -149,6 +152,10 @@ void StartWatch(const Limits& limits, const LastWords& words) {
   sWords = new LastWords(words);
   Catch(SIGALRM, SA_RESTART);
   CatchInterrupts();
+  if (isPatient) {
+    Catch(SIGINT, SA_RESTART);
+    Catch(SIGTERM, SA_RESTART);
+  }
   StartTimer();
 }
 
@@ -163,7 +170,10 @@ void EnterPhase(Phase phase) noexcept {
   sPhase = phase;
 }
 
-void NoteSolution() noexcept {
+void NoteSolution(std::string unprinted) {
+  // A handler that runs meanwhile sees one or the other, whole.
+  const auto* const next = unprinted.empty() ? nullptr : new std::string(std::move(unprinted));
+  delete sUnprinted.exchange(next);
   sHasSolution = true;
 }
 
@@ -185,6 +195,17 @@ bool TakeTick() noexcept {
 
 std::chrono::duration<double> GetRunTime() noexcept {
   return Clock::now() - sStart;
+}
+
+std::uint64_t GetPeakMemory() {
+  // getrusage would count what the process was before it became this program.
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  std::uint64_t kibibytes = 0;
+  while (status >> word && word != "VmHWM:") {
+  }
+  status >> kibibytes;
+  return kibibytes * 1024;
 }
 
 }  // namespace tarn

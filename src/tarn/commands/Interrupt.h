@@ -33,6 +33,7 @@ struct LastWords {
   ByReason fUnknown;    // to the standard output, before the first solution
   ByReason fSatisfied;  // and after it
   ByReason fNote;       // to the standard error
+  int fExitCode;
 };
 
 // Forgets the signals that came before. From now on the first one only makes IsInterrupted() true; a second one ends
@@ -40,11 +41,12 @@ struct LastWords {
 void CatchInterrupts();
 // The same for the time in which a line is awaited: no signal ends the process, and each ends the read that waits.
 void CatchInterruptsOfInput();
-// Catches interrupts, too, and begins in the phase Reading.
-void StartWatch(const Limits& limits, const LastWords& words);
+// Catches interrupts, too, and begins in the phase Reading. A second signal ends the process as usual, or, when
+// `isPatient`, changes nothing.
+void StartWatch(const Limits& limits, const LastWords& words, bool isPatient = false);
 void EnterPhase(Phase phase) noexcept;
-// From now on there is a solution.
-void NoteSolution() noexcept;
+// From now on there is a solution; `unprinted` is what the last words are to begin with.
+void NoteSolution(std::string unprinted = {});
 
 bool IsInterrupted() noexcept;
 // Whether SIGTERM ever came; this is not forgotten.
@@ -56,5 +58,7 @@ bool TakeTick() noexcept;
 
 // The time since the start of the program.
 std::chrono::duration<double> GetRunTime() noexcept;
+// In bytes; 0 when it is not known.
+std::uint64_t GetPeakMemory();
 
 }  // namespace tarn

@@ -67,6 +67,9 @@ int Run(const CommandLine& line) {
   if (line.fCommand == CommandLine::Command::Repl) {
     return RunRepl(modules, line.fOpening, std::cout, std::cerr);
   }
+  if (line.fCommand == CommandLine::Command::FlatZinc) {
+    return RunFlatZinc(modules, line.fFile, line.fFlatZinc, std::cout, std::cerr);
+  }
   Session session(modules);
   const Source source = Source::ReadFile(line.fFile, [&line] {
     std::cerr << "tarn: waiting for another program to write to the pipe " << MakePrintable(line.fFile) << std::endl;

@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <fstream>
 #include <ostream>
 
 #include "framework/VokTarnBoolean.h"
@@ -50,17 +49,6 @@ bool IsSolution(Session& session, std::ostream& err) {
 }
 
 namespace {
-
-// In bytes; 0 when it is not known. getrusage would count what the process was before it became this program.
-std::uint64_t GetPeakMemory() {
-  std::ifstream status("/proc/self/status");
-  std::string word;
-  std::uint64_t kibibytes = 0;
-  while (status >> word && word != "VmHWM:") {
-  }
-  status >> kibibytes;
-  return kibibytes * 1024;
-}
 
 // How many solutions to stop after; nothing: search to the end.
 std::optional<std::uint64_t> GetLimit(const SolveOptions& options, bool hasObjective) {
@@ -221,6 +209,7 @@ LastWords MakeLastWords(const SolveOptions& options, bool printsSolutions) {
   // Takes the place of a progress line that may stand there.
   const std::string eraseLine = isatty(STDERR_FILENO) == 1 ? "\r\033[K" : "";
   LastWords words;
+  words.fExitCode = Undecided;
   for (const StopReason reason : {StopReason::Signal, StopReason::Time, StopReason::Memory}) {
     const auto index = static_cast<std::size_t>(reason);
     if (printsSolutions) {

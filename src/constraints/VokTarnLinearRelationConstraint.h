@@ -1,0 +1,60 @@
+#pragma once
+
+#include "constraints/VokTarnConstraintOf.h"
+#include "framework/VokTarnRelation.h"
+
+// c1 x1 + .. + cn xn = n, <= n or <> n for the arguments (x1, .., xn), and with the truth as the last where the mode
+// asks for one: integers of any types.
+//
+// Constants  The relation and the mode (VokTarnRelation.h), then n and c1 .. cn with 64 bits each, see VokSplitWide.
+// Meaning    That of the integers, whatever their size; the arguments are taken as the numbers that they are.
+// Strength   Bounds: each term keeps what the bounds of the others leave it, in one pass for <=, in several for =.
+//            An argument that stands twice counts as two. <> removes a value when one argument is open. The truth is
+//            decided by bounds, that of = and <> by a single open argument too.
+// Cost       O(n) for a pass; none where the widest term says that every value stays.
+// Source     W. Harvey, P. J. Stuckey, "Improving linear constraint propagation by changing constraint representation",
+//            Constraints 8, 2003.
+class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
+    : public VokTarnConstraintOf<VokTarnLinearRelationConstraint> {
+ public:
+  static const char* const sIdent;
+  static const char* const CastableIdent;
+  static VokTarnConstraintDescriptor* sDescriptor;
+
+  using VokTarnConstraintOf::VokTarnConstraintOf;
+
+  Priority GetPriority() const noexcept override {
+    return GetArguments().size() <= 2 ? Binary : GetArguments().size() == 3 ? Ternary : Many;
+  }
+  VokTarnEvent GetEvent(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
+  std::vector<unsigned> GetWatched(const VokTarnObjectEnvironment& environment) const override;
+  unsigned MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
+  bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
+  bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+
+ protected:
+  int Propagate(const VokTarnObjectEnvironment& environment) const override;
+
+ private:
+  template <class Wide>
+  class Pass;
+  // What the constants say, read once: the same whatever the arguments.
+  struct Statement {
+    std::vector<std::int64_t> fCoefficients;
+    std::int64_t fNumber = 0;
+    bool fIsNarrow = false;  // every sum of terms has less than 63 bits
+    bool fHasRepeats = false;
+  };
+
+  VokTarnRelation GetRelation() const noexcept { return static_cast<VokTarnRelation>(GetConstants()[0]); }
+  VokTarnMode GetMode() const noexcept { return static_cast<VokTarnMode>(GetConstants()[1]); }
+  unsigned GetTerms() const noexcept {
+    return static_cast<unsigned>(GetArguments().size()) - (GetMode() == VokTarnMode::Plain ? 0U : 1U);
+  }
+  const Statement& GetStatement() const;
+  template <class Wide>
+  int PropagateIn(const VokTarnObjectEnvironment& environment) const;
+
+  mutable Statement fStatement;
+  mutable unsigned fWatched[2] = {0, 1};
+};

@@ -1,0 +1,244 @@
+// Constraints over truth values that are integers. Where an argument has other values than 0 and 1, these go first.
+#include <algorithm>
+
+#include "constraints/VokTarnClauseConstraint.h"
+#include "constraints/VokTarnDisjunctionConstraint.h"
+#include "constraints/VokTarnParityConstraint.h"
+#include "constraints/narrowing.h"
+#include "constraints/watching.h"
+
+VOKTARN_CONSTRAINT_STATICS(VokTarnClauseConstraint)
+VOKTARN_CONSTRAINT_STATICS(VokTarnDisjunctionConstraint)
+VOKTARN_CONSTRAINT_STATICS(VokTarnParityConstraint)
+
+std::vector<unsigned> ChooseWatched(const VokTarnObjectEnvironment& environment, unsigned (&watched)[2]) {
+  if (environment.Size() < 2) {
+    return {};
+  }
+  unsigned count = 0;
+  for (const bool isOpen : {true, false}) {
+    for (unsigned i = 0; i < environment.Size() && count < 2; ++i) {
+      if (environment.IsSingle(i) != isOpen) {
+        watched[count++] = i;
+      }
+    }
+  }
+  return {watched[0], watched[1]};
+}
+
+unsigned ReplaceWatched(const VokTarnObjectEnvironment& environment, unsigned (&watched)[2], unsigned argument,
+                        unsigned from) {
+  const unsigned size = environment.Size();
+  for (unsigned k = 0; k < size; ++k) {
+    const unsigned i = from + k < size ? from + k : from + k - size;
+    if (i != watched[0] && i != watched[1] && !environment.IsSingle(i)) {
+      watched[watched[0] == argument ? 0 : 1] = i;
+      return i;
+    }
+  }
+  return VokTarnConstraint::sWake;
+}
+
+int KeepTruths(const VokTarnObjectEnvironment& environment) {
+  int changed = 0;
+  for (unsigned i = 0; i < environment.Size() && !environment.IsFailed(); ++i) {
+    changed |= KeepBetween(environment, i, 0, 1);
+  }
+  return changed;
+}
+
+// ---- Clause
+
+std::vector<unsigned> VokTarnClauseConstraint::GetWatched(const VokTarnObjectEnvironment& environment) const {
+  return ChooseWatched(environment, fWatched);
+}
+
+unsigned VokTarnClauseConstraint::MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const {
+  const auto holds = [&](unsigned i) { return environment.IsSingle(i) && environment.Lower(i) == GetAim(i); };
+  // While one that holds is watched, the others do not matter, and it will be open again no earlier than they.
+  if (holds(argument) || holds(fWatched[fWatched[0] == argument ? 1 : 0])) {
+    return argument;
+  }
+  const unsigned next = ReplaceWatched(environment, fWatched, argument, fNext);
+  if (next != sWake) {
+    fNext = next;
+    return next;
+  }
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    if (holds(i)) {
+      return argument;
+    }
+  }
+  return sWake;
+}
+
+bool VokTarnClauseConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
+  return GetConstants().size() == 1 && GetConstants()[0] >= 0 &&
+         static_cast<VokULong>(GetConstants()[0]) <= environment.Size() &&
+         AreIntegers(environment, 0, environment.Size());
+}
+
+bool VokTarnClauseConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
+  bool holds = false;
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    const VokLong v = environment.Lower(i);
+    if (v != 0 && v != 1) {
+      return false;
+    }
+    holds = holds || v == GetAim(i);
+  }
+  return holds;
+}
+
+int VokTarnClauseConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  int changed = KeepTruths(environment);
+  if (environment.IsFailed()) {
+    return changed;
+  }
+  unsigned last = environment.Size();
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    if (environment.IsSingle(i)) {
+      if (environment.Lower(i) == GetAim(i)) {
+        environment.NoteEntailed();
+        return changed;
+      }
+    } else if (last != environment.Size()) {
+      return changed;
+    } else {
+      last = i;
+    }
+  }
+  return last == environment.Size() ? environment.Fail() : KeepValue(environment, last, GetAim(last));
+}
+
+// ---- Disjunction
+
+// All of them: MoveWatch sees who matters.
+std::vector<unsigned> VokTarnDisjunctionConstraint::GetWatched(const VokTarnObjectEnvironment& environment) const {
+  std::vector<unsigned> all(environment.Size());
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    all[i] = i;
+  }
+  return all;
+}
+
+unsigned VokTarnDisjunctionConstraint::MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const {
+  if (argument == GetResult() || environment.Lower(argument) == GetAim(argument)) {
+    return sWake;
+  }
+  if (argument != fLookedAt[0] && argument != fLookedAt[1]) {
+    return argument;
+  }
+  // Looked at from now on: a member that is open or holds.
+  for (unsigned i = 0; i < GetResult(); ++i) {
+    const bool isLost = environment.IsSingle(i) && environment.Lower(i) != GetAim(i);
+    if (i != fLookedAt[0] && i != fLookedAt[1] && !isLost) {
+      fLookedAt[fLookedAt[0] == argument ? 0 : 1] = i;
+      return argument;
+    }
+  }
+  return sWake;
+}
+
+bool VokTarnDisjunctionConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
+  const std::span<const VokLong> c = GetConstants();
+  return c.size() == 2 && environment.Size() >= 1 && c[0] >= 0 &&
+         static_cast<VokULong>(c[0]) <= environment.Size() - 1 && (c[1] == 0 || c[1] == 1) &&
+         AreIntegers(environment, 0, environment.Size());
+}
+
+bool VokTarnDisjunctionConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
+  bool holds = false;
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    const VokLong v = environment.Lower(i);
+    if (v != 0 && v != 1) {
+      return false;
+    }
+    holds = holds || (i != GetResult() && v == GetAim(i));
+  }
+  return holds == (environment.Lower(GetResult()) == GetAimOfResult());
+}
+
+int VokTarnDisjunctionConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  int changed = KeepTruths(environment);
+  if (environment.IsFailed()) {
+    return changed;
+  }
+  const unsigned result = GetResult();
+  unsigned open[2] = {0, 0};
+  unsigned count = 0;
+  for (unsigned i = 0; i < result; ++i) {
+    if (!environment.IsSingle(i)) {
+      open[count < 2 ? count : 1] = i;
+      ++count;
+    } else if (environment.Lower(i) == GetAim(i)) {
+      environment.NoteEntailed();
+      return changed | KeepValue(environment, result, GetAimOfResult());
+    }
+  }
+  if (count == 0) {
+    return changed | KeepValue(environment, result, 1 - GetAimOfResult());
+  }
+  if (environment.IsSingle(result) && environment.Lower(result) != GetAimOfResult()) {
+    for (unsigned i = 0; i < result && !environment.IsFailed(); ++i) {
+      changed |= KeepValue(environment, i, 1 - GetAim(i));
+    }
+    return changed;
+  }
+  if (count >= 2) {
+    std::ranges::copy(open, fLookedAt);
+  } else if (environment.IsSingle(result)) {
+    changed |= KeepValue(environment, open[0], GetAim(open[0]));
+  } else if (fLookedAt[0] != open[0] && fLookedAt[1] != open[0]) {
+    fLookedAt[0] = open[0];
+  }
+  return changed;
+}
+
+// ---- Parity
+
+std::vector<unsigned> VokTarnParityConstraint::GetWatched(const VokTarnObjectEnvironment& environment) const {
+  return ChooseWatched(environment, fWatched);
+}
+
+unsigned VokTarnParityConstraint::MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const {
+  return ReplaceWatched(environment, fWatched, argument, 0);
+}
+
+bool VokTarnParityConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
+  return GetConstants().size() == 1 && (GetConstants()[0] == 0 || GetConstants()[0] == 1) &&
+         AreIntegers(environment, 0, environment.Size());
+}
+
+bool VokTarnParityConstraint::IsSatisfied(const VokTarnObjectEnvironment& environment) const {
+  VokLong sum = 0;
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    const VokLong v = environment.Lower(i);
+    if (v != 0 && v != 1) {
+      return false;
+    }
+    sum ^= v;
+  }
+  return sum == GetConstants()[0];
+}
+
+int VokTarnParityConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const int changed = KeepTruths(environment);
+  if (environment.IsFailed()) {
+    return changed;
+  }
+  VokLong missing = GetConstants()[0];
+  unsigned open = environment.Size();
+  for (unsigned i = 0; i < environment.Size(); ++i) {
+    if (environment.IsSingle(i)) {
+      missing ^= environment.Lower(i);
+    } else if (open != environment.Size()) {
+      return changed;
+    } else {
+      open = i;
+    }
+  }
+  return open != environment.Size() ? changed | KeepValue(environment, open, missing)
+         : missing != 0             ? environment.Fail()
+                                    : changed;
+}

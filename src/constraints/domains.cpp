@@ -1,0 +1,79 @@
+#include "constraints/domains.h"
+
+int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values) {
+  if (values.empty()) {
+    return 0;
+  }
+  if (values.size() == static_cast<std::size_t>(environment.Cardinality(i))) {
+    return environment.MakeNil(i);
+  }
+  VokTarnInteger& x = environment.NarrowInteger(i);
+  for (const VokLong v : values) {
+    x.RemoveExactValue(v);
+  }
+  return environment.Note(i, 1);
+}
+
+namespace {
+
+// The least value of argument i within the range; one above the range when there is none.
+std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range) {
+  const std::int64_t lower = std::max<std::int64_t>(range.fLower, environment.Lower(i));
+  const std::int64_t upper = std::min<std::int64_t>(range.fUpper, environment.Upper(i));
+  if (lower > upper) {
+    return range.fUpper + 1;
+  }
+  const auto v = static_cast<VokLong>(lower);
+  if (MayBe(environment, i, v)) {
+    return v;
+  }
+  const std::int64_t next = environment.Integer(i).GetNextExactValue(v);
+  return next <= upper ? next : range.fUpper + 1;
+}
+
+std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range) {
+  const auto v = static_cast<VokLong>(std::min<std::int64_t>(range.fUpper, environment.Upper(i)));
+  return MayBe(environment, i, v) ? v : environment.Integer(i).GetPrevExactValue(v);
+}
+
+}  // namespace
+
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range) {
+  return FindFirst(environment, i, range) <= range.fUpper;
+}
+
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges) {
+  return std::any_of(ranges.begin(), ranges.end(),
+                     [&](const NumberRange& range) { return HasValueIn(environment, i, range); });
+}
+
+int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges) {
+  const auto isTouched = [&](const NumberRange& range) { return HasValueIn(environment, i, range); };
+  const auto first = std::find_if(ranges.begin(), ranges.end(), isTouched);
+  if (first == ranges.end()) {
+    return environment.MakeNil(i);
+  }
+  const auto last = std::find_if(ranges.rbegin(), ranges.rend(), isTouched);
+  const int changed = KeepBetween(environment, i, FindFirst(environment, i, *first), FindLast(environment, i, *last));
+  if (environment.IsFailed() || !environment.IsListed(i)) {
+    return changed;
+  }
+  thread_local std::vector<VokLong> removed;
+  removed.clear();
+  auto range = first;
+  for (const VokLong v : environment.Members(i)) {
+    while (v > range->fUpper) {
+      ++range;
+    }
+    if (v < range->fLower) {
+      removed.push_back(v);
+    }
+  }
+  return changed | RemoveListed(environment, i, removed);
+}
+
+bool AreDistinct(std::span<const VokTarnValueId> arguments) {
+  std::vector<VokTarnValueId> sorted(arguments.begin(), arguments.end());
+  std::sort(sorted.begin(), sorted.end());
+  return std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end();
+}

@@ -1,0 +1,107 @@
+// Reading and narrowing the values of an argument one by one, without asking its type where the type lists them.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "constraints/narrowing.h"
+
+// Whether every number between the bounds of argument i is possible.
+inline bool IsWhole(const VokTarnObjectEnvironment& environment, unsigned i) {
+  return environment.Cardinality(i) == std::int64_t{environment.Upper(i)} - environment.Lower(i) + 1;
+}
+
+inline bool MayBe(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
+  if (v < environment.Lower(i) || v > environment.Upper(i) || IsWhole(environment, i)) {
+    return v >= environment.Lower(i) && v <= environment.Upper(i);
+  }
+  const std::span<const VokLong> members = environment.Members(i);
+  return members.empty() ? environment.Integer(i).IsPossible(static_cast<VokLong>(v))
+                         : std::binary_search(members.begin(), members.end(), static_cast<VokLong>(v));
+}
+
+inline bool IsKnown(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
+  return environment.IsSingle(i) && environment.Lower(i) == v;
+}
+
+// Calls visit(v) for each possible value from `lower` to `upper`, ascending. A type that does not list its values is
+// asked for each number, so these limits should be near where there is no end else.
+template <class Visit>
+void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper,
+                  Visit visit) {
+  lower = std::max<std::int64_t>(lower, environment.Lower(i));
+  upper = std::min<std::int64_t>(upper, environment.Upper(i));
+  const std::span<const VokLong> members = environment.Members(i);
+  if (!members.empty()) {
+    for (auto v = std::lower_bound(members.begin(), members.end(), lower); v != members.end() && *v <= upper; ++v) {
+      visit(*v);
+    }
+    return;
+  }
+  const bool isWhole = IsWhole(environment, i);
+  for (std::int64_t v = lower; v <= upper; ++v) {
+    if (isWhole || environment.Integer(i).IsPossible(static_cast<VokLong>(v))) {
+      visit(static_cast<VokLong>(v));
+    }
+  }
+}
+
+// Takes away the values, which are possible values of argument i, a type that lists them.
+int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values);
+
+// Argument i keeps those of its values from `lower` to `upper` for which keep(v) holds; an interval keeps the others
+// between them. The limits should be near.
+template <class Keep>
+int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper,
+              Keep keep) {
+  thread_local std::vector<VokLong> removed;
+  int changed = KeepBetween(environment, i, lower, upper);
+  if (environment.IsFailed() || environment.Cardinality(i) < 0) {
+    return changed;
+  }
+  removed.clear();
+  std::int64_t first = 1;
+  std::int64_t last = 0;
+  ForEachValue(environment, i, lower, upper, [&](VokLong v) {
+    if (!keep(v)) {
+      removed.push_back(v);
+      return;
+    }
+    first = first > last ? v : first;
+    last = v;
+  });
+  if (removed.empty()) {
+    return changed;
+  }
+  if (first > last) {
+    return environment.MakeNil(i);
+  }
+  if (environment.IsListed(i)) {
+    return changed | RemoveListed(environment, i, removed);
+  }
+  changed |= KeepBetween(environment, i, first, last);
+  if (!environment.IsSingle(i) && !IsInterval(environment.Integer(i))) {
+    for (const VokLong v : removed) {
+      changed |= RemoveValue(environment, i, v);
+    }
+  }
+  return changed;
+}
+
+// Numbers from fLower to fUpper.
+struct NumberRange {
+  std::int64_t fLower;
+  std::int64_t fUpper;
+};
+
+// Whether argument i has a value in the range, in some range of a list.
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range);
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges);
+// Argument i keeps those of its values that are in the ranges, which ascend; a type that does not list its values keeps
+// the others between them.
+int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges);
+
+// Whether all arguments are different values of the network.
+bool AreDistinct(std::span<const VokTarnValueId> arguments);

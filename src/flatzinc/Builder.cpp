@@ -1,0 +1,363 @@
+#include "flatzinc/Builder.h"
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "flatzinc/bounds.h"
+#include "flatzinc/differences.h"
+#include "flatzinc/sets.h"
+#include "framework/VokTarnInteger.h"
+#include "framework/VokTarnOperatorTable.h"
+#include "framework/VokTarnRelation.h"
+
+namespace fzn {
+namespace {
+
+// A type that lists values is to list so many.
+constexpr int kMostListed = 1023;
+
+std::uint64_t CountValues(const Set& domain) {
+  std::uint64_t count = 0;
+  for (const Range& range : domain) {
+    count += static_cast<std::uint64_t>(range.fUpper) - static_cast<std::uint64_t>(range.fLower) + 1;
+  }
+  return count;
+}
+
+// Makes `x` hold the values of the domain where it lists its values, else those between its ends.
+void SetValues(VokTarnInteger& x, const Set& domain, bool isListing) {
+  if (domain.empty()) {
+    x.SetNilValue();
+    return;
+  }
+  x.SetExactValue(static_cast<VokLong>(domain.front().fLower));
+  if (!isListing) {
+    x.AddExactValue(static_cast<VokLong>(domain.back().fUpper));
+    return;
+  }
+  for (const Range& range : domain) {
+    for (std::int64_t v = std::max(range.fLower, domain.front().fLower + 1); v <= range.fUpper; ++v) {
+      x.AddExactValue(static_cast<VokLong>(v));
+    }
+  }
+}
+
+// How many values a value of the type has after it has been given those from 0 to `last`.
+int TryValues(const VokTarnObjectDescriptor& type, VokLong last) {
+  VokTarnNetwork network;
+  const VokTarnValueId id = network.AddValue(&type);
+  SetValues(static_cast<VokTarnInteger&>(network.Touch(id)), MakeRange(0, last), type.GetLister() != nullptr);
+  network.NoteChange(id);
+  return network.GetCardinality(id);
+}
+
+}  // namespace
+
+Builder::Builder(const VokTarnModuleManager& modules, VokTarnNetwork& network, const Model& model, ErrorList& errors)
+    : fModules(modules), fNetwork(network), fModel(model), fErrors(errors) {}
+
+bool Builder::Build() {
+  const std::size_t count = fModel.fVariables.size();
+  fParents.resize(count);
+  fDomains.resize(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const Variable& variable = fModel.fVariables[i];
+    fParents[i] = i;
+    fDomains[i] = variable.fIsTruth && !variable.fIsBounded ? MakeRange(0, 1)
+                  : variable.fIsBounded                     ? variable.fDomain
+                                                            : MakeUnbounded();
+  }
+  fIsPosted.assign(fModel.fConstraints.size(), false);
+  ChooseTypes();
+  UnifyVariables();
+  InferBounds(
+      fModel, [this](std::size_t i) { return FindRoot(i); }, fDomains);
+  AddValues();
+  if (fErrors.IsEmpty()) {
+    PostAll();
+  }
+  return fErrors.IsEmpty();
+}
+
+// ---- Variables
+
+std::size_t Builder::FindRoot(std::size_t variable) const {
+  while (fParents[variable] != variable) {
+    fParents[variable] = fParents[fParents[variable]];
+    variable = fParents[variable];
+  }
+  return variable;
+}
+
+void Builder::Unify(const Term& a, const Term& b) {
+  if (!a.fIsVariable && !b.fIsVariable) {
+    if (a.fNumber != b.fNumber) {
+      fNetwork.Fail();
+    }
+    return;
+  }
+  const std::size_t first = FindRoot(static_cast<std::size_t>(a.fIsVariable ? a.fNumber : b.fNumber));
+  if (!a.fIsVariable || !b.fIsVariable) {
+    const std::int64_t number = a.fIsVariable ? b.fNumber : a.fNumber;
+    fDomains[first] = Intersect(fDomains[first], MakeRange(number, number));
+    return;
+  }
+  const std::size_t second = FindRoot(static_cast<std::size_t>(b.fNumber));
+  if (first != second) {
+    fParents[std::max(first, second)] = std::min(first, second);
+    fDomains[std::min(first, second)] = Intersect(fDomains[first], fDomains[second]);
+  }
+}
+
+// A truth value and the integer that it is are equal as any two integers.
+void Builder::UnifyVariables() {
+  for (std::size_t i = 0; i < fModel.fConstraints.size(); ++i) {
+    const Constraint& c = fModel.fConstraints[i];
+    const std::string_view name = fModel.GetName(c);
+    const Posting posting(*this, c);
+    try {
+      if (c.fCount == 2 && (name == "bool2int" || name == "bool_eq" || name == "int_eq")) {
+        Unify(posting.GetTerm(0), posting.GetTerm(1));
+        fIsPosted[i] = true;
+      } else if (name == "int_lin_eq" && c.fCount == 3 && posting.GetTerms(1).size() == 2) {
+        const std::span<const Term> factors = posting.GetTerms(0);
+        const Term number = posting.GetTerm(2);
+        if (factors.size() == 2 && !number.fIsVariable && number.fNumber == 0 && !factors[0].fIsVariable &&
+            !factors[1].fIsVariable && factors[0].fNumber != 0 && factors[1].fNumber == -factors[0].fNumber) {
+          Unify(posting.GetTerms(1)[0], posting.GetTerms(1)[1]);
+          fIsPosted[i] = true;
+        }
+      }
+    } catch (const PostingError& error) {
+      fErrors.Add(c.fLine, error.what());
+      fIsPosted[i] = true;
+    }
+  }
+}
+
+// By trying: types are known by what they can hold alone.
+void Builder::ChooseTypes() {
+  const VokTarnOperatorTable table(fModules);
+  for (const VokTarnObjectDescriptor* type : table.GetTypes()) {
+    if (type->GetObjectSize() == 0 || VokTarnInteger::sDescriptor == nullptr ||
+        VokTarnInteger::sDescriptor->IsMatched(type) == 0) {
+      continue;
+    }
+    if (type->GetLister() != nullptr) {
+      if (fListing == nullptr && TryValues(*type, kMostListed - 1) == kMostListed) {
+        fListing = type;
+      }
+    } else if (fInterval == nullptr && TryValues(*type, kGreatest - 1) == kGreatest) {
+      fInterval = type;
+    }
+  }
+}
+
+void Builder::AddValues() {
+  if (fListing == nullptr || fInterval == nullptr) {
+    fErrors.Add(0, "no opened module has types for the variables");
+    return;
+  }
+  fValues.assign(fModel.fVariables.size(), vokNoValue);
+  for (std::size_t i = 0; i < fModel.fVariables.size(); ++i) {
+    if (FindRoot(i) != i) {
+      continue;
+    }
+    const Variable& variable = fModel.fVariables[i];
+    const Set& domain = fDomains[i];
+    if (!Fits(domain)) {
+      const bool isOpen = domain.front().fLower == MakeUnbounded().front().fLower ||
+                          domain.back().fUpper == MakeUnbounded().front().fUpper;
+      fErrors.Add(variable.fLine, isOpen ? "variable " + variable.fName + " has no bounds and none follow"
+                                         : "variable " + variable.fName +
+                                               " has bounds that do not fit: " + std::to_string(domain.front().fLower) +
+                                               ".." + std::to_string(domain.back().fUpper));
+      continue;
+    }
+    fValues[i] = AddValue(domain, variable.fName);
+  }
+}
+
+VokTarnValueId Builder::AddValue(const Set& domain, const std::string& name) {
+  const bool isListing = CountValues(domain) <= kMostListed;
+  const VokTarnValueId id = fNetwork.AddValue(isListing ? fListing : fInterval, name);
+  SetDomain(id, domain);
+  return id;
+}
+
+// The holes of an interval become a constraint.
+void Builder::SetDomain(VokTarnValueId id, const Set& domain) {
+  const bool isListing = fNetwork.GetType(id)->GetLister() != nullptr;
+  SetValues(static_cast<VokTarnInteger&>(fNetwork.Touch(id)), domain, isListing);
+  fNetwork.NoteChange(id);
+  if (!isListing && domain.size() > 1) {
+    std::vector<VokLong> constants = {static_cast<VokLong>(VokTarnMode::Plain)};
+    for (const Range& range : domain) {
+      constants.push_back(static_cast<VokLong>(range.fLower));
+      constants.push_back(static_cast<VokLong>(range.fUpper));
+    }
+    Add("VokTarnMembershipConstraint", {{id}}, constants);
+  }
+}
+
+void Builder::Restrict(VokTarnValueId id, const Set& set) {
+  const auto& x = static_cast<const VokTarnInteger&>(fNetwork.GetValue(id));
+  if (x.IsNil() != 0) {
+    return;
+  }
+  const Set hull = MakeRange(x.GetLowerBound(), x.GetUpperBound());
+  Set domain = Intersect(set, hull);
+  if (domain.size() == 1 && domain[0].fLower == hull[0].fLower && domain[0].fUpper == hull[0].fUpper) {
+    return;
+  }
+  const VokTarnObjectDescriptor::Lister lister = fNetwork.GetType(id)->GetLister();
+  if (lister != nullptr) {
+    const std::span<const VokLong> members = lister(x);
+    domain = Intersect(domain, MakeSet({members.begin(), members.end()}));
+  }
+  SetDomain(id, domain);
+}
+
+VokTarnValueId Builder::GetValue(const Term& term) {
+  if (term.fIsVariable) {
+    return GetValue(static_cast<std::size_t>(term.fNumber));
+  }
+  const auto found = fConstants.find(term.fNumber);
+  if (found != fConstants.end()) {
+    return found->second;
+  }
+  const Set domain = MakeRange(term.fNumber, term.fNumber);
+  if (!Fits(domain)) {
+    throw PostingError("the number " + std::to_string(term.fNumber) + " does not fit");
+  }
+  const VokTarnValueId id = AddValue(domain, {});
+  fConstants.emplace(term.fNumber, id);
+  return id;
+}
+
+// ---- Constraints
+
+const VokTarnConstraintDescriptor* Builder::FindClass(std::string_view name) {
+  const auto found = fClasses.find(name);
+  if (found != fClasses.end()) {
+    return found->second;
+  }
+  for (const VokTarnModule* module : fModules.GetModules()) {
+    const VokTarnObjectDescriptor* descriptor = module->FindDescriptor(name);
+    if (descriptor != nullptr && descriptor->IsDerivedFrom(VokTarnConstraintDescriptor::sIdent) != 0) {
+      const auto* constraint = static_cast<const VokTarnConstraintDescriptor*>(descriptor);
+      fClasses.emplace(constraint->GetName().View(), constraint);
+      return constraint;
+    }
+  }
+  throw PostingError("no opened module has the constraint " + std::string(name));
+}
+
+void Builder::Add(std::string_view className, std::span<const VokTarnValueId> arguments,
+                  std::span<const VokLong> constants) {
+  try {
+    fNetwork.AddConstraint(
+        std::unique_ptr<VokTarnConstraint>(FindClass(className)->Create(arguments, VokTarnForm::Plain, constants)));
+  } catch (const std::invalid_argument&) {
+    throw PostingError("the constraint " + std::string(className) + " does not take these arguments");
+  }
+}
+
+// How many different variables without a known value there are, as far as it matters: more than one is 2.
+unsigned Builder::CountOpen(const Constraint& constraint) const {
+  std::size_t first = fValues.size();
+  const auto isAnother = [&](std::int64_t variable) {
+    const std::size_t root = FindRoot(static_cast<std::size_t>(variable));
+    if (root == first || fNetwork.GetCardinality(fValues[root]) == 1) {
+      return false;
+    }
+    const bool isSecond = first != fValues.size();
+    first = isSecond ? first : root;
+    return isSecond;
+  };
+  for (const Argument& argument : fModel.GetArguments(constraint)) {
+    if (argument.fKind == Argument::Kind::Variable && isAnother(argument.fNumber)) {
+      return 2;
+    }
+    if (argument.fKind == Argument::Kind::Array) {
+      for (const Term& term : fModel.GetTerms(argument)) {
+        if (term.fIsVariable && isAnother(term.fNumber)) {
+          return 2;
+        }
+      }
+    }
+  }
+  return first == fValues.size() ? 0 : 1;
+}
+
+// Constraints over a single variable come first: they are a part of its domain, which the others then know.
+void Builder::PostAll() {
+  const std::vector<Constraint>& constraints = fModel.fConstraints;
+  for (std::size_t i = 0; i < constraints.size(); ++i) {
+    if (!fIsPosted[i] && CountOpen(constraints[i]) < 2) {
+      Post(constraints[i]);
+      fIsPosted[i] = true;
+    }
+  }
+  if (fErrors.IsEmpty()) {
+    PostDifferences();
+  }
+  for (std::size_t i = 0; i < constraints.size(); ++i) {
+    if (!fIsPosted[i]) {
+      Post(constraints[i]);
+    }
+  }
+}
+
+void Builder::Post(const Constraint& constraint) {
+  const std::string_view name = fModel.GetName(constraint);
+  const PostingRow* row = FindRow(name, constraint.fCount);
+  if (row == nullptr) {
+    fErrors.AddUnsupported(constraint.fLine, name, constraint.fCount);
+    return;
+  }
+  try {
+    row->fPost(Posting(*this, constraint));
+  } catch (const PostingError& error) {
+    fErrors.Add(constraint.fLine, std::string(name) + ": " + error.what());
+  }
+}
+
+void Builder::PostDifferences() {
+  Differences differences;
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < fModel.fConstraints.size(); ++i) {
+    if (fIsPosted[i]) {
+      continue;
+    }
+    const std::optional<Difference> difference = ReadDifference(Posting(*this, fModel.fConstraints[i]));
+    if (difference) {
+      differences.Add(*difference);
+      places.push_back(i);
+    }
+  }
+  const std::vector<std::vector<ShiftedValue>> cliques = differences.FindCliques();
+  const VokTarnConstraintDescriptor* allDifferent =
+      cliques.empty() ? nullptr : FindClass("VokTarnAllDifferentConstraint");
+  for (const std::vector<ShiftedValue>& clique : cliques) {
+    std::vector<VokTarnValueId> arguments;
+    std::vector<VokLong> shifts;
+    for (const ShiftedValue& member : clique) {
+      arguments.push_back(member.fValue);
+      shifts.push_back(member.fShift);
+    }
+    if (std::ranges::all_of(shifts, [](VokLong shift) { return shift == 0; })) {
+      shifts.clear();
+    } else if (!allDifferent->TakesShifts()) {
+      continue;
+    }
+    Add("VokTarnAllDifferentConstraint", arguments, shifts);
+    differences.SetCovered(clique);
+  }
+  for (std::size_t k = 0; k < places.size(); ++k) {
+    fIsPosted[places[k]] = differences.IsCovered(k);
+  }
+}
+
+}  // namespace fzn

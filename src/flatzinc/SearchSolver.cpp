@@ -1,0 +1,81 @@
+#include "flatzinc/SearchSolver.h"
+
+#include <algorithm>
+
+#include "flatzinc/ParallelSolver.h"
+
+namespace fzn {
+
+std::unique_ptr<Solver> MakeSolver(Builder& builder, const Solver::Options& options, std::function<bool()> interrupt,
+                                   std::vector<std::string>& unknown) {
+  builder.GetNetwork().SetInterrupt(interrupt);
+  if (options.fProcesses > 1) {
+    return std::make_unique<ParallelSolver>(builder, options, std::move(interrupt), unknown);
+  }
+  return std::make_unique<SearchSolver>(builder, options, unknown);
+}
+
+std::optional<VokTarnSearch::Objective> SearchSolver::FindObjective(Builder& builder) {
+  const Solve& solve = builder.GetModel().fSolve;
+  if (solve.fGoal == Solve::Goal::Satisfy) {
+    return std::nullopt;
+  }
+  return VokTarnSearch::Objective{
+      builder.GetValue(solve.fObjective), vokNoValue,
+      solve.fGoal == Solve::Goal::Minimize ? VokTarnSearch::Sense::Minimize : VokTarnSearch::Sense::Maximize};
+}
+
+SearchSolver::SearchSolver(Builder& builder, const Options& options, std::vector<std::string>& unknown)
+    : fBuilder(builder),
+      fOptions(options),
+      fBrancher(
+          builder.GetModel(), builder.GetNetwork(), [&builder](std::size_t i) { return builder.GetValue(i); },
+          options.fSeed) {
+  unknown.insert(unknown.end(), fBrancher.GetUnknown().begin(), fBrancher.GetUnknown().end());
+  Begin();
+}
+
+void SearchSolver::End() {
+  fBefore = GetStatistics();
+  fSearch.reset();
+}
+
+void SearchSolver::Begin() {
+  if (fSearch) {
+    End();
+  }
+  fBrancher.Forget();
+  VokTarnSearch::Options options;
+  options.fSeed = fOptions.fSeed;
+  options.fNodeLimit = fOptions.fNodeLimit;
+  options.fFailLimit = fOptions.fFailLimit;
+  if (fOptions.fIsFree) {
+    options.fVariable = VokTarnSearch::VariableChoice::Weighted;
+    options.fRestart = VokTarnSearch::Restart::Luby;
+    options.fLearns = true;
+  }
+  fSearch.emplace(fBuilder.GetNetwork(), fOptions.fIsFree ? fBrancher.GetAll() : std::vector<VokTarnValueId>(),
+                  FindObjective(fBuilder), options);
+  if (!fOptions.fIsFree) {
+    fSearch->SetBrancher(&fBrancher);
+  }
+}
+
+Solver::Status SearchSolver::Next() {
+  const Status status = fSearch->Next();
+  if (status == Status::Solution) {
+    fSolution.resize(fBuilder.GetModel().fVariables.size());
+    for (std::size_t i = 0; i < fSolution.size(); ++i) {
+      fSolution[i] = fBuilder.GetNetwork().GetLower(fBuilder.GetValue(i));
+    }
+  }
+  return status;
+}
+
+Solver::Statistics SearchSolver::GetStatistics() const {
+  const VokTarnSearch::Statistics now = fSearch ? fSearch->GetStatistics() : VokTarnSearch::Statistics();
+  return {fBefore.fNodes + now.fDecisions, fBefore.fFailures + now.fFailures, fBefore.fRestarts + now.fRestarts,
+          fBuilder.GetNetwork().GetPropagations(), std::max<std::uint64_t>(fBefore.fDepth, now.fDepth)};
+}
+
+}  // namespace fzn
