@@ -92,7 +92,8 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
 
   int SetExactValue(VokLong v) override;
   // Interval semantics, kept: the set becomes every value from v to its greatest member (from its smallest member to
-  // v), holes filled; {v} when Nil; Any when that is too wide or lies wholly on the other side of v.
+  // v), holes filled; {v} when Nil; Any when that is too wide or lies wholly on the other side of v, but {v} when v is
+  // next to it or so far away that their distance wraps at 32 bits: from {MIN}, SetLowerBound(MAX) makes {MAX}.
   int SetLowerBound(VokLong v) override;
   int SetUpperBound(VokLong v) override;
   int AddExactValue(VokLong v) override;

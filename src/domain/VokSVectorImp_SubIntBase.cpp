@@ -122,11 +122,8 @@ int VokSVectorImp_SubIntBase::AddUnique(const SubIntBase& x) {
   if (fData[i] == x) {
     return 1;
   }
-  unsigned k = i + 1;
-  while (k < fSize && fData[k] == fData[i]) {
-    ++k;
-  }
-  return AddAt(x, k);
+  // The search ends at the last of elements that are equal and less than x.
+  return AddAt(x, i + 1);
 }
 
 int VokSVectorImp_SubIntBase::AddAt(const SubIntBase& x, unsigned i) {

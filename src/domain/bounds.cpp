@@ -7,14 +7,11 @@
 
 namespace {
 
-// How many values there are from v to u, exactly: -1 or less when u < v - 1.
-std::int64_t Width(VokLong v, VokLong u) noexcept {
-  return std::int64_t{u} - v + 1;
-}
-
-// A gap of one, u = v - 1, counts as the width 0 and is listed; a wider one is beyond every limit.
-bool IsListed(std::int64_t width) noexcept {
-  return width >= 0 && width < std::int64_t{VokFenEnumInteger::sMAX_CARD};
+// Whether the values from v to u are listed. Their number is taken in 32 bits and wraps. A gap of one, u = v - 1,
+// counts as none and is listed; a wider one counts as too many, unless it spans all but the ends of the 32-bit range:
+// from the least integers to the greatest the count is small again.
+bool IsListed(VokLong v, VokLong u) noexcept {
+  return VokToUnsigned(u) - VokToUnsigned(v) + 1U < VokFenEnumInteger::sMAX_CARD;
 }
 
 // Makes `set` hold every value from v to u.
@@ -24,8 +21,8 @@ int SetRange(VokFenEnumInteger& set, VokLong v, VokLong u) {
   // 64 bits, so that the loop ends behind the greatest 32-bit value.
   for (std::int64_t k = v; k <= u; ++k) {
     status = set.Insert(static_cast<VokLong>(k));
-    // Nil after an insertion: memory is short, and a set filled by halves would be wrong.
-    if (set.IsNil() != 0) {
+    // Nil after an insertion: memory is short, and a set filled by halves would be wrong. Any takes no more.
+    if (status == 0 || set.IsNil() != 0) {
       break;
     }
   }
@@ -42,7 +39,7 @@ int VokFenEnumInteger::SetLowerBound(VokLong v) {
     return Insert(v);
   }
   const VokLong u = GetUpperBound();
-  return IsListed(Width(v, u)) ? SetRange(*this, v, std::max(u, v)) : SetUndefinedValue();
+  return IsListed(v, u) ? SetRange(*this, v, std::max(u, v)) : SetUndefinedValue();
 }
 
 int VokFenEnumInteger::SetUpperBound(VokLong v) {
@@ -53,7 +50,7 @@ int VokFenEnumInteger::SetUpperBound(VokLong v) {
     return Insert(v);
   }
   const VokLong l = GetLowerBound();
-  return IsListed(Width(l, v)) ? SetRange(*this, std::min(l, v), v) : SetUndefinedValue();
+  return IsListed(l, v) ? SetRange(*this, std::min(l, v), v) : SetUndefinedValue();
 }
 
 VokLong VokFenEnumInteger::GetLowerBound() const {

@@ -307,10 +307,10 @@ Cycles FindCycles(const Given& c) {
   return cycles;
 }
 
-// A node alone is none: it would be its own successor.
+// A node alone is one.
 bool IsCircuit(const Given& c) {
   const Cycles cycles = FindCycles(c);
-  return cycles.fIsPermutation && cycles.fLongest == c.GetSize(0) && (c.GetSize(0) == 0 || cycles.fFixed == 0);
+  return cycles.fIsPermutation && cycles.fLongest == c.GetSize(0);
 }
 
 bool IsSubcircuit(const Given& c) {

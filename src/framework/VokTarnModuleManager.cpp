@@ -1,15 +1,19 @@
 #include "framework/VokTarnModuleManager.h"
 
 #include <dlfcn.h>
-#include <sys/stat.h>
+#include <fcntl.h>
+#include <link.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <system_error>
 
 #include "framework/VokTarnMemoryWatch.h"
+#include "framework/libraryFile.h"
 
 namespace {
 
@@ -39,6 +43,19 @@ std::string FrameworkDirectory() {
   return error ? std::string() : path.parent_path().string();
 }
 
+// The library's own; the loader would also give that of a module which the library links.
+InitModuleFunction FindInitModule(void* library) {
+  void* const init = dlsym(library, "InitModule");
+  link_map* own = nullptr;
+  link_map* owner = nullptr;
+  Dl_info info{};
+  if (init == nullptr || dlinfo(library, RTLD_DI_LINKMAP, &own) != 0 ||
+      dladdr1(init, &info, reinterpret_cast<void**>(&owner), RTLD_DL_LINKMAP) == 0 || own != owner) {
+    return nullptr;
+  }
+  return reinterpret_cast<InitModuleFunction>(init);
+}
+
 std::string LoaderError() {
   const char* text = dlerror();
   return text == nullptr ? "unknown error of the loader" : text;
@@ -61,6 +78,21 @@ struct LibraryHandle {
   }
 
   void* fHandle = nullptr;
+};
+
+struct OpenFile {
+  // A pipe must not make the program wait, nor a terminal become its own.
+  explicit OpenFile(const std::string& path)
+      : fFile(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() {
+    if (fFile >= 0) {
+      close(fFile);
+    }
+  }
+
+  int fFile;
 };
 
 }  // namespace
@@ -112,6 +144,7 @@ VokTarnModule* VokTarnModuleManager::Fail(std::string message) {
 }
 
 VokTarnModule* VokTarnModuleManager::Load(const VokString& name) {
+  const VokTarnMemoryWatch memory;
   const std::string text(name.View());
   if (!IsModuleName(text)) {
     return Fail("a module name has 1 to 64 letters, digits and underscores");
@@ -125,33 +158,41 @@ VokTarnModule* VokTarnModuleManager::Load(const VokString& name) {
   if (path.empty()) {
     return nullptr;
   }
+  const std::string subject = "module '" + text + "' (" + path + ") ";
   auto entry = std::make_unique<Loaded>(name);
   errno = 0;
-  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (handle == nullptr && errno == ENOMEM) {
+  entry->fLibrary.fHandle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (entry->fLibrary.fHandle == nullptr && errno == ENOMEM) {
     throw std::bad_alloc();
   }
-  if (handle == nullptr) {
-    return Fail("module '" + text + "' cannot be loaded: " + LoaderError());
+  if (entry->fLibrary.fHandle == nullptr) {
+    return Fail(subject + "cannot be loaded: " + LoaderError());
   }
-  entry->fLibrary.fHandle = handle;
-  const auto init = reinterpret_cast<InitModuleFunction>(dlsym(handle, "InitModule"));
+  const InitModuleFunction init = FindInitModule(entry->fLibrary.fHandle);
   if (init == nullptr) {
-    return Fail("module '" + text + "' (" + path + ") has no function InitModule");
+    return Fail(subject + "has no function InitModule");
   }
   Loaded& loaded = *entry;
   fOrder.reserve(fLoaded.size() + 1);  // room for the modules that are being loaded too
   fLoaded.push_back(std::move(entry));
-  const VokTarnMemoryWatch memory;
-  // A module need not report that memory was too short for some of its descriptors.
-  if (init(&loaded.fModule, this) == 0 || memory.HasSeenFailure()) {
-    const std::string reason = std::move(fError);
+  const auto forget = [this, &loaded] {
     std::erase_if(fLoaded, [&loaded](const auto& other) { return other.get() == &loaded; });
-    return Fail("module '" + text +
-                "' did not start: " + (reason.empty() ? "its function InitModule reported a failure" : reason));
+  };
+  try {
+    // A module need not report that memory was too short for some of its descriptors, and its name may be cut short.
+    if (init(&loaded.fModule, this) != 0 && !memory.HasSeenFailure()) {
+      fOrder.push_back(&loaded.fModule);
+      loaded.fReady = true;
+    }
+  } catch (...) {
+    forget();
+    throw;
   }
-  fOrder.push_back(&loaded.fModule);
-  loaded.fReady = true;
+  if (!loaded.fReady) {
+    const std::string reason = std::move(fError);
+    forget();
+    return Fail(subject + "did not start: " + (reason.empty() ? "its function InitModule reported a failure" : reason));
+  }
   fError.clear();
   return &loaded.fModule;
 }
@@ -174,11 +215,12 @@ std::string VokTarnModuleManager::FindFile(const std::string& name) {
   std::string searched;
   for (const std::string& directory : directories) {
     std::string path = directory + "/lib" + name + ".so";
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0) {
-      // A pipe or a device would block or do worse when the loader reads it.
-      if (!S_ISREG(status.st_mode)) {
-        Fail("module '" + name + "': " + path + " is not a regular file");
+    const OpenFile file(path);
+    if (file.fFile >= 0 || (errno != ENOENT && errno != ENOTDIR)) {
+      const std::string fault = file.fFile >= 0 ? VokFindFaultOfLibrary(file.fFile)
+                                                : "cannot be opened: " + std::generic_category().message(errno);
+      if (!fault.empty()) {
+        Fail("module '" + name + "' (" + path + ") " + fault);
         return {};
       }
       return path;

@@ -14,6 +14,10 @@
 // never searched by accident. The library's function `InitModule` is called once; when it returns 0 the
 // module is not kept.
 //
+// Files      The first directory that has the file decides. The file is checked before it is loaded (libraryFile.h), so
+//            that one that is cut off, of another machine or no library gives an error and not a signal. It is loaded
+//            by its path, since what it links is looked for beside it; a file that is exchanged after the check is not
+//            noticed. Once loaded, its code is trusted: it runs with the rights of the program.
 // Names      1 to 64 letters, digits and underscores.
 // Lifetime   Modules stay loaded until the manager is destroyed, in reverse order of loading; every value and network
 //            built from their descriptors must be gone by then.

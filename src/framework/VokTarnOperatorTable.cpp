@@ -71,33 +71,40 @@ VokTarnOperatorTable::VokTarnOperatorTable(const VokTarnModuleManager& manager) 
   Refresh();
 }
 
-void VokTarnOperatorTable::Refresh() {
-  decltype(fTypes) types;
-  decltype(fOperators) operators;
-  decltype(fCasts) casts;
-  VokTarnConstraintType equality = nullptr;
-  for (const VokTarnModule* module : fManager.GetModules()) {
-    for (const auto& descriptor : module->GetDescriptors()) {
-      if (descriptor == nullptr) {
-        continue;
-      }
-      if (descriptor->IsDerivedFrom(VokTarnOperatorDescriptor::sIdent) != 0) {
-        const auto* row = static_cast<const VokTarnOperatorDescriptor*>(descriptor.get());
-        operators[std::string(row->GetName().View())].push_back(row);
-        if (row->IsCast()) {
-          casts.push_back(row);
+bool VokTarnOperatorTable::Refresh() {
+  const std::vector<VokTarnModule*>& modules = fManager.GetModules();
+  const bool isNew = fModulesSeen < modules.size();
+  try {
+    for (; fModulesSeen < modules.size(); ++fModulesSeen) {
+      for (const auto& descriptor : modules[fModulesSeen]->GetDescriptors()) {
+        if (descriptor != nullptr) {
+          Add(*descriptor);
         }
-      } else if (descriptor->IsDerivedFrom(VokTarnConstraintDescriptor::sIdent) == 0) {
-        types.push_back(descriptor.get());
-      } else if (descriptor->GetName().View() == kEquality) {
-        equality = static_cast<VokTarnConstraintType>(descriptor.get());
       }
     }
+  } catch (...) {
+    // Half of a module is worse than none: the next time begins anew.
+    fModulesSeen = 0;
+    fTypes.clear();
+    fOperators.clear();
+    fCasts.clear();
+    throw;
   }
-  fTypes = std::move(types);
-  fOperators = std::move(operators);
-  fCasts = std::move(casts);
-  fEquality = equality;
+  return isNew;
+}
+
+void VokTarnOperatorTable::Add(const VokTarnObjectDescriptor& descriptor) {
+  if (descriptor.IsDerivedFrom(VokTarnOperatorDescriptor::sIdent) != 0) {
+    const auto& row = static_cast<const VokTarnOperatorDescriptor&>(descriptor);
+    fOperators[row.GetName().View()].push_back(&row);
+    if (row.IsCast()) {
+      fCasts.push_back(&row);
+    }
+  } else if (descriptor.IsDerivedFrom(VokTarnConstraintDescriptor::sIdent) == 0) {
+    fTypes.push_back(&descriptor);
+  } else if (descriptor.GetName().View() == kEquality) {
+    fEquality = static_cast<VokTarnConstraintType>(&descriptor);
+  }
 }
 
 VokTarnType VokTarnOperatorTable::FindType(std::string_view name) const noexcept {

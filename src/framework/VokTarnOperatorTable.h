@@ -35,7 +35,8 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
 
   explicit VokTarnOperatorTable(const VokTarnModuleManager& manager);
 
-  void Refresh();
+  // Adds what the modules opened since the last time publish. Returns whether there were any.
+  bool Refresh();
 
   // The concrete and abstract types, in order of publication; null when there is none of that name.
   const std::vector<VokTarnType>& GetTypes() const noexcept { return fTypes; }
@@ -65,11 +66,13 @@ class VOKTARN_EXPORT VokTarnOperatorTable {
   VokTarnValueId Convert(VokTarnNetwork& network, VokTarnValueId from, VokTarnType to) const;
 
  private:
+  void Add(const VokTarnObjectDescriptor& descriptor);
   VokTarnType ResultType(VokTarnType declared, VokTarnType operand) const noexcept;
 
   const VokTarnModuleManager& fManager;
+  std::size_t fModulesSeen = 0;
   std::vector<VokTarnType> fTypes;
-  std::map<std::string, std::vector<const VokTarnOperatorDescriptor*>, std::less<>> fOperators;
+  std::map<std::string_view, std::vector<const VokTarnOperatorDescriptor*>> fOperators;
   std::vector<const VokTarnOperatorDescriptor*> fCasts;
   VokTarnConstraintType fEquality = nullptr;
 };

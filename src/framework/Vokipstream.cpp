@@ -9,26 +9,27 @@
 #include "framework/streamFormat.h"
 
 Vokipstream::Vokipstream(std::istream& is) : fStream(is) {
-  for (const char c : vokStreamMagic) {
-    if (fStream.get() != static_cast<unsigned char>(c)) {
-      fFailed = true;
-      return;
-    }
-  }
-  if (ReadWord() != vokStreamVersion) {
+  std::array<char, vokStreamMagic.size()> magic{};
+  ReadBytes(magic.data(), magic.size());
+  if (magic != vokStreamMagic || ReadWord() != vokStreamVersion) {
     fFailed = true;
   }
 }
 
 Vokipstream::~Vokipstream() = default;
 
-VokULong Vokipstream::ReadWord() {
-  if (fFailed) {
-    return 0;
-  }
-  char bytes[4];
-  if (!fStream.read(bytes, sizeof bytes)) {
+bool Vokipstream::ReadBytes(char* bytes, std::size_t count) {
+  try {
+    fFailed = fFailed || !fStream.read(bytes, static_cast<std::streamsize>(count));
+  } catch (...) {  // the stream is set to throw
     fFailed = true;
+  }
+  return !fFailed;
+}
+
+VokULong Vokipstream::ReadWord() {
+  char bytes[4];
+  if (!ReadBytes(bytes, sizeof bytes)) {
     return 0;
   }
   VokULong v = 0;
@@ -64,11 +65,7 @@ Vokipstream& Vokipstream::ReadText(std::string& text) {
   try {
     while (!fFailed && left != 0) {
       const VokULong n = std::min<VokULong>(left, sizeof piece);
-      if (!fStream.read(piece, static_cast<std::streamsize>(n))) {
-        fFailed = true;
-        break;
-      }
-      text.append(piece, n);
+      text.append(piece, ReadBytes(piece, n) ? n : 0);
       left -= n;
     }
   } catch (const std::bad_alloc&) {

@@ -41,6 +41,8 @@ class VOKTARN_EXPORT Vokipstream {
   void SetFailed() noexcept { fFailed = true; }
 
  private:
+  // False when there are not as many.
+  bool ReadBytes(char* bytes, std::size_t count);
   VokULong ReadWord();
   VokStreamable* ReadRecord(VokStreamable* existing, const char* className);
 

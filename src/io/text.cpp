@@ -63,14 +63,20 @@ void ReadRange(std::istream& is, VokFenEnumInteger& set) {
   }
 }
 
+// A malformed list leaves the set Nil, also on a stream that throws.
 void ReadList(std::istream& is, VokFenEnumInteger& set) {
   char separator = ',';
-  while (separator == ',') {
-    // A set that has become too large, or for which memory is short, leaves the rest of the list unread.
-    if (set.Insert(GetSIValue(is)) == 0 || set.IsNil() != 0) {
-      return;
+  try {
+    while (separator == ',') {
+      // A set that has become too large, or for which memory is short, leaves the rest of the list unread.
+      if (set.Insert(GetSIValue(is)) == 0 || set.IsNil() != 0) {
+        return;
+      }
+      separator = ReadSeparator(is);
     }
-    separator = ReadSeparator(is);
+  } catch (...) {
+    set.SetNilValue();
+    throw;
   }
   if (separator != '}') {
     set.SetNilValue();

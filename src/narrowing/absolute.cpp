@@ -38,7 +38,12 @@ int VokFenEnumInteger::CalcAbsoluteValue(const VokFenEnumInteger& a) {
   // z stands in for an argument of which nothing is known: that leaves its members from 0 on.
   const VokFenEnumInteger& arguments = a.ReadsAny() ? *this : a;
   const Parts parts(arguments.GetMembers());
-  if (arguments.fEmptyMeansAny == 1 && (parts.fBelow.empty() || parts.fFromZero.empty())) {
+  const int flag = arguments.fEmptyMeansAny;
+  if (flag == 1 && (parts.fBelow.empty() || parts.fFromZero.empty())) {
+    return 0;
+  }
+  // A flag that is neither 0 nor 1, which a record can hold, makes the empty part no Nil: a full set joined to it is Any.
+  if (flag != 0 && parts.fBelow.empty() && arguments.GetCount() >= sMAX_CARD) {
     return 0;
   }
   return NarrowToUnion(*this, UnionOf(Negated(parts.fBelow).Get(), parts.fFromZero));

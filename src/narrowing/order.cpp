@@ -47,9 +47,6 @@ int VokFenEnumInteger::CalcLessOrEqualValue(const VokFenEnumInteger& y) {
     return 0;
   }
   const unsigned i = fValues.FindUpperBound(bound, 0);
-  if (i >= GetCount()) {
-    return MakeNil(*this);
-  }
   fValues.DetachAt(fValues[i] == bound ? i + 1 : i, GetCount());
   return EndCut(*this);
 }
@@ -68,9 +65,6 @@ int VokFenEnumInteger::CalcInverseLessOrEqualValue(VokFenEnumInteger& y) const {
     return 0;
   }
   const unsigned i = y.fValues.FindLowerBound(bound, 0);
-  if (i >= y.GetCount()) {
-    return MakeNil(y);
-  }
   y.fValues.DetachAt(0, y.fValues[i] == bound ? i : i + 1);
   return EndCut(y);
 }

@@ -274,23 +274,23 @@ unsigned KeepByStrides(const Sums& sums, VokULong stride, Values values, VokLong
   return count;
 }
 
-// Requires: at most kMaxCandidates values, at least one; `kept` has room for kSlack more.
+// Requires: at most kMaxCandidates values, at least one; no more than the limit of distinct sums from an end on, which is
+// the two sizes less one; `kept` has room for kSlack more.
 unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
   const std::size_t na = sums.fA.size();
   const std::size_t nb = sums.fB.size();
-  if (na + nb - 1 > LimitOfCandidates()) {
-    return kAny;
-  }
   if (nb == 1) {
     return VokFenDomain::IntersectInto(values, sums.fA, sums.fB[0], kept);
   }
   if (na == 1) {
     return VokFenDomain::IntersectInto(values, sums.fB, sums.fA[0], kept);
   }
-  if (sums.GetDistance() < std::min(64U, LimitOfCandidates())) {
+  // Below the limit, that no sum can come again when there are as many as it allows.
+  const VokULong unlimited = LimitOfCandidates() - 1;
+  if (sums.GetDistance() < std::min(64U, unlimited)) {
     return KeepByWord<std::uint64_t>(sums, values, kept);
   }
-  if (sums.GetDistance() < std::min(128U, LimitOfCandidates())) {
+  if (sums.GetDistance() < std::min(128U, unlimited)) {
     return KeepByWord<TwoWords>(sums, values, kept);
   }
   // Rough counts of cycles. The table's is that of its worst case.

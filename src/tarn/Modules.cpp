@@ -32,13 +32,12 @@ VokTarnModule& Modules::Open(const std::string& module) {
 VokTarnModule* Modules::TryOpen(std::string_view module) {
   const VokTarnMemoryWatch memory;
   VokTarnModule* opened = fManager.OpenModule(VokString(module));
-  if (opened == nullptr) {
-    if (memory.HasSeenFailure()) {
-      throw std::bad_alloc();
-    }
-    return nullptr;
+  if (opened == nullptr && memory.HasSeenFailure()) {
+    throw std::bad_alloc();
   }
-  fTable.Refresh();
+  if (opened == nullptr || !fTable.Refresh()) {
+    return opened;
+  }
   for (const VokTarnType type : fTable.GetTypes()) {
     if (IsConcrete(type)) {
       fVocabulary.AddType(type->GetName().View());

@@ -14,10 +14,12 @@ namespace tarn {
 // statement declared or opened. The parser itself changes neither, except that it keeps texts in the model.
 //
 // Cost    Linear in the text. Operators of one level are read in a loop; nesting is limited to sMaxDepth.
-// Errors  Throws ModelError at the first mistake.
+// Errors  Throws ModelError at the first mistake, and where more is copied from named lists than sMostCopies.
 class Parser {
  public:
   static constexpr int sMaxDepth = 1000;
+  // Lists may be made of lists, so that a short text can stand for any number of expressions.
+  static constexpr std::size_t sMostCopies = 1U << 21;
   // Of the constants in a table.
   static constexpr VokLong sGreatestConstant = 2147483645;
 
@@ -101,6 +103,7 @@ class Parser {
   std::size_t fLine = 1;     // the line of fCounted
   std::size_t fCounted = 0;
   int fDepth = 0;
+  std::size_t fCopies = 0;  // of nodes, from named lists
   // A member of a list that was read where the list itself could have stood: the next primary expression.
   std::optional<NodeIndex> fPending;
   Formula* fFormula = nullptr;  // the statement that is being read

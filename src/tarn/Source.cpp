@@ -1,7 +1,13 @@
 #include "tarn/Source.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -25,11 +31,48 @@ struct FileCloser {
 // Offsets are kept in 32 bits by the parsed model.
 constexpr std::size_t sMaxSize = std::numeric_limits<std::uint32_t>::max();
 
+// How long a pipe may be silent before it is told.
+constexpr std::chrono::milliseconds sPatience(1000);
+
+// Waits until there is something to read, or all that wrote have gone.
+void AwaitText(int pipe, const std::function<void()>& onWait) {
+  using Clock = std::chrono::steady_clock;
+  using std::chrono::milliseconds;
+  const Clock::time_point end = Clock::now() + sPatience;
+  pollfd text{pipe, POLLIN, 0};
+  milliseconds left = sPatience;
+  int ready = 0;
+  // A signal, such as that of a timer, ends a wait early.
+  while ((ready = poll(&text, 1, static_cast<int>(left.count()))) < 0 && errno == EINTR) {
+    left = std::max(std::chrono::ceil<milliseconds>(end - Clock::now()), milliseconds(0));
+  }
+  if (ready == 0) {
+    onWait();
+    while (poll(&text, 1, -1) < 0 && errno == EINTR) {
+    }
+  }
+}
+
+// Null, with errno set, when the file cannot be opened.
+std::FILE* OpenFile(const std::string& path, const std::function<void()>& onWait) {
+  // To open a pipe without a writer would block, and nobody would know what is being waited for.
+  const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (file < 0) {
+    return nullptr;
+  }
+  struct stat status {};
+  if (fstat(file, &status) == 0 && S_ISFIFO(status.st_mode)) {
+    AwaitText(file, onWait);
+  }
+  fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
+  return fdopen(file, "rb");
+}
+
 }  // namespace
 
-Source Source::ReadFile(const std::string& path) {
+Source Source::ReadFile(const std::string& path, const std::function<void()>& onWait) {
   const std::string name = path == "-" ? "standard input" : MakePrintable(path);
-  const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
+  const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : OpenFile(path, onWait));
   if (file == nullptr) {
     ThrowSystemError(errno, name + ": error: cannot open the file");
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -23,8 +24,10 @@ class Source {
       : fName(std::move(name)), fText(std::move(text)), fFirstLine(firstLine) {}
 
   // Reads a whole file; "-" is the standard input. Throws ProgramError when it cannot be read or is
-  // neither a text nor begins as a saved network does.
-  static Source ReadFile(const std::string& path);
+  // neither a text nor begins as a saved network does. `onWait` is called once when a pipe that `path` names has
+  // nothing to read for a second: nobody may have opened it for writing.
+  static Source ReadFile(
+      const std::string& path, const std::function<void()>& onWait = [] {});
 
   const std::string& GetName() const noexcept { return fName; }
   std::string_view GetText() const noexcept { return fText; }

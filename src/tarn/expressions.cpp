@@ -188,6 +188,11 @@ void Parser::ParseMembers(Members& members) {
 // A copy of the expressions of the list: the compiler gives equal operations one value.
 void Parser::AppendNamedList(Members& members) {
   const Formula& list = *fModel.FindList(fToken.fText);
+  fCopies += list.fNodes.size();
+  if (fCopies > sMostCopies) {
+    throw ModelError(fToken.fOffset, "the named lists of the text stand for too many expressions: the limit is " +
+                                         std::to_string(sMostCopies));
+  }
   const auto nodes = static_cast<NodeIndex>(fFormula->fNodes.size());
   const auto calls = static_cast<NodeIndex>(fFormula->fMembers.size());
   for (Node node : list.fNodes) {

@@ -195,11 +195,4 @@ TEST(CommandLine, TakesModuleOptionsBeforeAndBehindTheCommand) {
   EXPECT_THAT(missing.fErr, HasSubstr("/first, /second"));
 }
 
-TEST(CommandLine, ReportsOutputThatCannotBeWritten) {
-  const ProgramResult result =
-      RunProgram("/bin/sh", {"-c", "echo 'x : int 3;' | " VOKTARN_BIN_DIR "/tarn solve - > /dev/full"});
-  EXPECT_EQ(result.fExitCode, 2);
-  EXPECT_THAT(result.fErr, HasSubstr("cannot write"));
-}
-
 }  // namespace

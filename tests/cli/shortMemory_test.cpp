@@ -11,19 +11,10 @@ namespace {
 
 constexpr std::string_view kError = "tarn: error: out of memory\n";
 
-class Environment {
- public:
-  Environment(const char* name, const std::string& value) : fName(name) { setenv(name, value.c_str(), 1); }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-  ~Environment() { unsetenv(fName); }
-
- private:
-  const char* fName;
-};
-
-bool IsBeginning(const std::string& whole, std::string_view part) {
-  return whole.starts_with(part);
+ProgramResult RunShort(std::vector<std::string> arguments, const std::string& input, const std::string& setting) {
+  arguments.insert(arguments.begin(), {"LD_PRELOAD=" VOKTARN_BIN_DIR "/test-modules/libFailingMalloc.so", setting,
+                                       VOKTARN_BIN_DIR "/tarn"});
+  return RunProgram("/usr/bin/env", arguments, {input});
 }
 
 // What is wrong with the result beside the right one; empty when nothing is.
@@ -35,10 +26,10 @@ std::string FindFault(const ProgramResult& right, const ProgramResult& result) {
     return "exit code " + std::to_string(result.fExitCode);
   }
   const std::string_view err(result.fErr);
-  if (!err.ends_with(kError) || !IsBeginning(right.fErr, err.substr(0, err.size() - kError.size()))) {
+  if (!err.ends_with(kError) || !right.fErr.starts_with(err.substr(0, err.size() - kError.size()))) {
     return "another error";
   }
-  return IsBeginning(right.fOut, result.fOut) ? "" : "another output";
+  return right.fOut.starts_with(result.fOut) ? "" : "another output";
 }
 
 TEST(ShortMemory, EndsTheProgramWithAnErrorNeverWithAFalseAnswer) {
@@ -54,7 +45,7 @@ TEST(ShortMemory, EndsTheProgramWithAnErrorNeverWithAFalseAnswer) {
     std::vector<std::string> fArguments;
     std::string fInput;
   } cases[] = {{{"solve", model.GetPath(), "--restart", "luby"}, {}},
-               {{"solve", all.GetPath(), "-a", "--json", "-q"}, {}},
+               {{"solve", all.GetPath(), "-a", "-q"}, {}},
                {{"solve", conflict.GetPath()}, {}},
                {{"narrow", model.GetPath()}, {}},
                {{"save", model.GetPath(), "-o", saved.GetPath()}, {}},
@@ -66,23 +57,18 @@ TEST(ShortMemory, EndsTheProgramWithAnErrorNeverWithAFalseAnswer) {
                {{"graph", all.GetPath()}, {}},
                {{"tree", "-a", all.GetPath()}, {}},
                {{"repl"}, session}};
-  const Environment preload("LD_PRELOAD", VOKTARN_BIN_DIR "/test-modules/libFailingMalloc.so");
-  const bool isThorough = SoakFactor() > 1;
+  // Every allocation in a long run, those of the beginning and ever fewer later ones otherwise.
+  const bool isThorough = support::SoakFactor() > 1;
   for (const auto& c : cases) {
     const TemporaryFile count;
-    const ProgramResult right = [&] {
-      const Environment report("FAILING_MALLOC_COUNT", count.GetPath());
-      return RunTarn(c.fArguments, {c.fInput});
-    }();
+    const ProgramResult right = RunShort(c.fArguments, c.fInput, "FAILING_MALLOC_COUNT=" + count.GetPath());
     const std::string savedRight = saved.Read();
     const unsigned long allocations = std::stoul(count.Read());
     EXPECT_NE(right.fExitCode, 2) << right.fErr;
     for (const bool lasts : {false, true}) {
       for (unsigned long n = 1; n <= allocations; n += isThorough ? 1 : 1 + n / 8) {
-        const Environment failing("FAILING_MALLOC", std::to_string(n));
-        const std::optional<Environment> lasting(
-            lasts ? std::optional<Environment>(std::in_place, "FAILING_MALLOC_LASTS", "1") : std::nullopt);
-        const ProgramResult result = RunTarn(c.fArguments, {c.fInput});
+        const ProgramResult result = RunShort(
+            c.fArguments, c.fInput, (lasts ? "FAILING_MALLOC_FROM=" : "FAILING_MALLOC_AT=") + std::to_string(n));
         const std::string fault = FindFault(right, result);
         EXPECT_EQ(fault, "") << "tarn " << c.fArguments[0] << ", allocation " << n << " of " << allocations
                              << (lasts ? " and all after it" : "") << '\n'

@@ -9,6 +9,7 @@
 
 #include "framework/VokTarnOperatorDescriptor.h"
 #include "support/modules.h"
+#include "support/soak.h"
 
 namespace {
 
@@ -251,7 +252,7 @@ TEST_F(Rows, LoseNoSupportAndCheckAssignments) {
       const auto function = functions.find(std::string(name));
       ASSERT_NE(function, functions.end()) << "no oracle for " << name;
       ++checked;
-      for (int trial = 0; trial < 400 && !HasFailure(); ++trial) {
+      for (int trial = 0; trial < 400 * support::SoakFactor() && !HasFailure(); ++trial) {
         CheckOnce(*row, function->second, trial % 8 == 0, !kRelations.contains(name) || trial % 4 != 0);
       }
     }
@@ -354,7 +355,7 @@ bool AreDifferent(Values x, Constants) {
 }
 
 TEST_F(Rows, ListConstraintsLoseNoSupportAndKeepTheirPromises) {
-  for (unsigned trial = 0; trial < 10000 && !HasFailure(); ++trial) {
+  for (int trial = 0; trial < 10000 * support::SoakFactor() && !HasFailure(); ++trial) {
     const int n = Random(0, 3);
     const struct {
       const char* fName;
@@ -365,7 +366,7 @@ TEST_F(Rows, ListConstraintsLoseNoSupportAndKeepTheirPromises) {
                  {"count", {{-1, n + 1}, {-3, 4}}, IsCount},
                  {"table", {{-3, 4}}, IsRow},
                  {"all different", {}, AreDifferent}};
-    const auto& kind = kinds[trial % std::size(kinds)];
+    const auto& kind = kinds[static_cast<std::size_t>(trial) % std::size(kinds)];
     VokTarnNetwork network;
     std::vector<VokTarnValueId> ids;
     for (const auto& [from, to] : kind.fFirst) {

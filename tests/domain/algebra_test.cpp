@@ -1,4 +1,4 @@
-// Intersections and unions against plain set theory, over all small operands.
+// Intersections with intervals against plain set theory, over all small operands, and the limits.
 #include <gtest/gtest.h>
 
 #include "numbers/SDError.h"
@@ -10,13 +10,6 @@ namespace {
 
 const Model kEvery{true};
 
-int NotAboveBound(const SubIntBase& element, void* bound) {
-  return element <= *static_cast<const SubIntBase*>(bound) ? 1 : 0;
-}
-int NotBelowBound(const SubIntBase& element, void* bound) {
-  return element >= *static_cast<const SubIntBase*>(bound) ? 1 : 0;
-}
-
 template <class Keep>
 Model Filter(Model model, Keep keep) {
   std::erase_if(model.values, [&](VokLong v) { return !keep(v); });
@@ -25,11 +18,6 @@ Model Filter(Model model, Keep keep) {
 
 Model Common(const Model& a, const Model& b) {
   return a.every ? b : Filter(a, [&](VokLong v) { return b.every || b.values.count(v) != 0; });
-}
-
-Model Union(Model a, const Model& b) {
-  a.values.insert(b.values.begin(), b.values.end());
-  return a.every || b.every ? kEvery : a;
 }
 
 Model RangeModel(VokLong l, VokLong u) {
@@ -54,37 +42,6 @@ template <class Other>
 std::string United(VokFenEnumInteger a, const Other& b) {
   a.Unite(b);
   return Show(a);
-}
-
-TEST(EnumAlgebra, WithSetsItIsSetTheory) {
-  const std::vector<VokFenEnumInteger> sets = AllSets(-2, 2);
-  for (const VokFenEnumInteger& a : sets) {
-    const Model left = ModelOf(a);
-    for (const VokFenEnumInteger& b : sets) {
-      const Model right = ModelOf(b);
-      Check(a, Common(left, right), " and " + Show(b), [&](auto& set) { return set.Intersect(b); });
-      EXPECT_EQ(United(a, b), Show(Union(left, right))) << Show(a) << " or " << Show(b);
-      for (VokLong limit = -3; limit <= 3; ++limit) {
-        SubIntBase bound = Element(limit);
-        const Model low = Filter(right, [limit](VokLong v) { return v <= limit; });
-        // Any stays Any where nothing of the operand is accepted.
-        const bool stays = right.every || (left.every && !right.values.empty() && low.values.empty());
-        Check(a, stays ? left : Common(left, low), " filtered with " + Show(b) + " up to " + std::to_string(limit),
-              [&](auto& set) { return set.Intersect(b, NotAboveBound, &bound); });
-      }
-    }
-    Check(a, left, " and itself", [](auto& set) { return set.Intersect(set); });
-    SubIntBase lowest = Element(1);
-    Check(a, Filter(left, [](VokLong v) { return v >= 1; }), " filtered with itself",
-          [&](auto& set) { return set.Intersect(set, NotBelowBound, &lowest); });
-    VokFenEnumInteger self(a);
-    self.Unite(self);
-    EXPECT_EQ(Show(self), Show(a));
-    for (const VokLong v : {-3, -2, 0, 1, 3, kNil, kAny}) {
-      const Model other = v == kAny ? kEvery : v == kNil ? RangeModel(1, 0) : RangeModel(v, v);
-      EXPECT_EQ(United(a, VokFenSingleInteger(v)), Show(Union(left, other))) << Show(a) << " or " << v;
-    }
-  }
 }
 
 TEST(EnumAlgebra, WithIntervalsItIsSetTheoryBothWays) {

@@ -38,19 +38,6 @@ TEST(EnumGeneric, AssignAndUniteGoByTheOperandsType) {
   EXPECT_EQ(Show(copy), "2");
 }
 
-TEST(EnumGeneric, OverlapAgreesWithSetTheoryAndIntervalsNeverOverlap) {
-  const std::vector<VokFenEnumInteger> sets = AllSets(0, 2);
-  for (const VokFenEnumInteger& a : sets) {
-    for (const VokFenEnumInteger& b : sets) {
-      VokFenEnumInteger common(a);
-      common.Intersect(b);
-      EXPECT_EQ(a.IsIntersected(b), common.IsNil() != 0 ? 0 : 1) << Show(a) << " with " << Show(b);
-    }
-    EXPECT_EQ(a.IsIntersected(VokFenSingleInteger(1)), a.Contains(1) | a.IsUndefined()) << Show(a);
-    EXPECT_EQ(a.IsIntersected(VokFenSingleInteger(kNil)) + a.IsIntersected(VokFenIntervalInteger(0, 2)), 0);
-  }
-}
-
 #ifndef VOKTARN_SANITIZED
 // The sanitizers rightly refuse the call itself, so this runs in ordinary builds only.
 TEST(EnumGeneric, AnOperandThroughANullPointerIsOfNoType) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "domain/kernels/KernelChoice.h"
+#include "support/soak.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ unsigned Size(const Values& values) {
 }
 
 TEST_P(Kernels, IntersectAndUniteAsTheStandardAlgorithms) {
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 20000 * support::SoakFactor(); ++i) {
     const Values a = Ascending(1024), b = Ascending(1024);
     const VokLong shift = static_cast<VokLong>(Below(40)) - 20;
     Values shifted(b), common, both;
@@ -61,7 +62,7 @@ TEST_P(Kernels, IntersectAndUniteAsTheStandardAlgorithms) {
 }
 
 TEST_P(Kernels, KeepsWhatBitsAndListsHold) {
-  for (int i = 0; i < 5000; ++i) {
+  for (int i = 0; i < 5000 * support::SoakFactor(); ++i) {
     const Values listed = Ascending(300), values = Ascending(1024);
     const unsigned width = static_cast<unsigned>(listed.back() - listed[0]) + 1 - Below(2);
     std::vector<std::uint64_t> bits(width / 64 + 1);

@@ -7,6 +7,7 @@
 
 #include "domain/VokSVectorIteratorImp_SubIntBase.h"
 #include "support/enumSets.h"
+#include "support/soak.h"
 
 using enumSets::Element;
 using Vector = VokSVectorImp_SubIntBase;
@@ -63,7 +64,7 @@ std::string Mismatch(const Vector& v, const Values& shadow) {
 }
 
 TEST(Vector, FollowsAShadowThroughRandomOperations) {
-  for (unsigned seed = 1; seed <= 24; ++seed) {
+  for (unsigned seed = 24 * static_cast<unsigned>(support::SoakFactor()); seed > 0; --seed) {
     std::mt19937 random(seed);
     const int bitwise = static_cast<int>(seed % 2);
     Vector v = seed % 3 == 0 ? Vector(0, 1.5, bitwise) : Vector(2, seed % 5 + 1, bitwise);
@@ -152,7 +153,14 @@ TEST(Vector, GrowsByStepOrFactorAndReportsWhatItCannotHold) {
   EXPECT_EQ(v.AddAt(Element(1), kHuge), 0);
   EXPECT_EQ(Capacity(v), 41U);
   Vector fixed;
-  EXPECT_EQ(fixed.Add(Element(1)) + fixed.AddUnique(Element(1)), 0);
+  EXPECT_EQ(fixed.Add(Element(1)) + fixed.AddUnique(Element(1)) + fixed.AddAt(Element(1), 0), 0);
+  Vector full(1, 0U, 0);
+  while (full.Size() < Capacity(full)) {
+    full.Add(Element(4));
+  }
+  EXPECT_EQ(full.AddAt(Element(1), 0), 0);
+  EXPECT_EQ(full.Size(), Capacity(full));
+  EXPECT_EQ(v.Delta(), 20U);
   EXPECT_EQ(fixed.IsValid(), 1);
   const Vector tooLarge(kHuge, 20U, 0);
   EXPECT_EQ(tooLarge.IsValid(), 0);
@@ -179,6 +187,9 @@ TEST(Vector, TraversalsAndIteratorsVisitHalfOpenRanges) {
   EXPECT_EQ(v.FirstThat(isOdd, nullptr, 1, 2), nullptr);
   EXPECT_EQ(v.LastThat(isOdd, nullptr), &v[4]);
   EXPECT_EQ(v.LastThat(isOdd, nullptr, 1, 4), &v[2]);
+  EXPECT_EQ(v.FirstThat(isOdd, nullptr), &v[0]);
+  v = *&v;
+  EXPECT_EQ(ValuesOf(v), (Values{1, 2, 3, 4, 5}));
   v.ForEach([](SubIntBase& x, void* by) { x = x * *static_cast<VokLong*>(by); }, &v[1], 2, 4);
   Values seen;
   VokSVectorIteratorImp_SubIntBase it(v);
@@ -186,6 +197,9 @@ TEST(Vector, TraversalsAndIteratorsVisitHalfOpenRanges) {
     seen.push_back(it++);
   }
   EXPECT_EQ(seen, (Values{1, 2, 6, 8, 5}));
+  VokLong sum = 0;
+  v.ForEach([](SubIntBase& x, void* total) { *static_cast<VokLong*>(total) += x; }, &sum);
+  EXPECT_EQ(sum, 22);
   it.Restart(1, 3);
   EXPECT_EQ(++it, 6);
   EXPECT_EQ(++it, 6);  // past the end: the last element, and no further

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "support/modules.h"
+#include "support/soak.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ TEST(Network, PoppingALevelRestoresEveryValue) {
   ASSERT_EQ(network.Propagate(), VokTarnNetwork::Outcome::Fixpoint);
   std::mt19937 random(7);
   std::vector<std::vector<std::string>> left;
-  for (int step = 0; step < 4000; ++step) {
+  for (int step = 0; step < 4000 * support::SoakFactor(); ++step) {
     if (random() % 5 < 3 && !network.IsFailed() && left.size() < 12) {
       left.push_back(ShowAll(network));
       network.PushLevel();

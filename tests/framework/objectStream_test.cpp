@@ -8,6 +8,9 @@
 #include "framework/VokStreamableClass.h"
 #include "framework/Vokipstream.h"
 #include "framework/Vokopstream.h"
+#include "support/countedMemory.h"
+#include "support/mutate.h"
+#include "support/soak.h"
 #include "support/streamBytes.h"
 
 namespace {
@@ -220,6 +223,37 @@ TEST_F(ObjectStream, AfterAFailureEverythingReadIsZero) {
   EXPECT_EQ(target.fValue, 3);
   EXPECT_EQ(is.ReadObjectPointer(), nullptr);
   EXPECT_TRUE(is.IsFailed());
+}
+
+TEST_F(ObjectStream, AThrowingStreamOnlyFails) {
+  const std::string bytes = StreamBytes({1U, "Node", 7U, 1U, 0U, 0U});
+  for (const std::size_t length : {std::size_t{0}, std::size_t{6}, std::size_t{14}, bytes.size() - 1, bytes.size()}) {
+    std::istringstream text(bytes.substr(0, length));
+    text.exceptions(std::ios_base::failbit | std::ios_base::badbit | std::ios_base::eofbit);
+    Vokipstream is(text);
+    EXPECT_EQ(is.ReadObjectPointer() != nullptr, length == bytes.size()) << length;
+    EXPECT_EQ(is.IsFailed(), length != bytes.size()) << length;
+  }
+}
+
+TEST_F(ObjectStream, MutationsTakeMemoryForTheirBytesOnly) {
+  const std::vector<std::string> seeds{StreamBytes({1U, "Node", 7U, 1U, 1U, "Node", 7U, 2U, 2U, 0U, 0U, 2U, 1U}),
+                                       StreamBytes({1U, "Node", 7U, 5U, 0U, 0U, 1U, "Stranger", 7U, 5U, 0U, 0U}),
+                                       StreamBytes({2U, 0xFFFFFFFFU, 1U, (1U << 20) + 1, 1U, 0xFFFFFFFFU, "Node"})};
+  constexpr unsigned seed = 3;
+  std::mt19937 random(seed);
+  for (int round = 0; round < 5000 * support::SoakFactor(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round) + " of seed " + std::to_string(seed));
+    const std::string bytes = support::Mutate(seeds, random);
+    std::istringstream text(bytes);
+    const std::size_t before = support::sAllocatedBytes;
+    Vokipstream is(text);
+    while (!is.IsFailed()) {
+      is.ReadObjectPointer();
+    }
+    EXPECT_LE(support::sAllocatedBytes - before, 4096 + 16 * bytes.size());
+    Node::DeleteAll();
+  }
 }
 
 }  // namespace

@@ -2,7 +2,11 @@
 
 #include <ios>
 
+#include "numbers/VokFenSingleBoolean.h"
 #include "support/enumSets.h"
+#include "support/exercise.h"
+#include "support/mutate.h"
+#include "support/soak.h"
 
 using namespace enumSets;
 
@@ -60,6 +64,7 @@ void CheckRow(const Row& row, bool accepted) {
     EXPECT_FALSE(accepted) << row.text;
   }
   EXPECT_NE(Show(set), "8 88") << row.text;
+  EXPECT_TRUE(row.text[0] != '{' || accepted || set.IsNil() != 0) << row.text;
 }
 
 TEST(EnumText, AcceptsAndRejects) {
@@ -94,6 +99,128 @@ TEST(EnumText, AListBeyondTheLimitStopsThereAsAny) {
   set.InputValue(tooLong);
   EXPECT_EQ(Show(set), "Any");
   EXPECT_EQ(tooLong.get(), ';') << "the stream is sound, the rest is unread";
+}
+
+// The domain that a type reads, cut when it is long; "!" in front when the stream has failed.
+template <class Value>
+std::string ReadText(const std::string& text) {
+  std::istringstream is(text);
+  Value value;
+  value.InputValue(is);
+  std::ostringstream printed;
+  value.PrintOn(printed);
+  return (is.fail() ? "!" : "") + printed.str().substr(0, 12);
+}
+
+TEST(HostileText, EachTypeReadsItsFormAndRefusesTheRest) {
+  const std::string digits(5U << 20, '9');
+  const std::string zeros(5U << 20, '0');
+  const struct {
+    std::string fText;
+    const char* fEnum;
+    const char* fInterval;
+    const char* fSingle;
+    const char* fBoolean;
+  } rows[] = {
+      {"", "!0", "!Nil", "!Nil", "!Nil"},
+      {" ", "!0", "!Nil", "!Nil", "!Nil"},
+      {std::string("\0", 1), "!0", "!Nil", "!Nil", "!Nil"},
+      {std::string("7\0", 2), "7", "7", "7", "!Nil"},
+      {std::string("{1\0, 2}", 7), "!Nil", "!Nil", "!Nil", "!Nil"},
+      {"\xEF\xBB\xBF"
+       "5",
+       "!0", "!Nil", "!Nil", "!Nil"},
+      {"[1,\r\n2]\r\n", "{ 1, 2 }", "[1, 2]", "!Nil", "!Nil"},
+      {"\x80\xFF", "!0", "!Nil", "!Nil", "!Nil"},
+      {"Nile", "!0", "!Nil", "!Nil", "!Nil"},
+      {"nil", "!0", "!Nil", "!Nil", "!Nil"},
+      {"NilAny", "!0", "!Nil", "!Nil", "!Nil"},
+      {"Any5", "!0", "!Nil", "!Nil", "!Nil"},
+      {"Min5", "!0", "!Nil", "!Nil", "!Nil"},
+      {"- 5", "!0", "!Nil", "!Nil", "!Nil"},
+      {"--5", "!0", "!Nil", "!Nil", "!Nil"},
+      {"0x10", "0", "0", "0", "!Nil"},
+      {"1e3", "1", "1", "1", "!Nil"},
+      {"2147483645", " Max", "Max", "Max", "!Nil"},
+      {"2147483646", " Max", "!Nil", "!Nil", "!Nil"},
+      {"-2147483648", " Min", "!Nil", "!Nil", "!Nil"},
+      {"2147483648", "! Max", "!Nil", "!Nil", "!Nil"},
+      {"-2147483649", "! Min", "!Nil", "!Nil", "!Nil"},
+      {digits, "! Max", "!Nil", "!Nil", "!Nil"},
+      {"-" + digits, "! Min", "!Nil", "!Nil", "!Nil"},
+      {"[0, " + digits + "]", "!0", "!Nil", "!Nil", "!Nil"},
+      {zeros + "7", "7", "7", "7", "!Nil"},
+      {"[-2147483648, 2147483647]", "Any", "!Nil", "!Nil", "!Nil"},
+      {"[-2147483645, 2147483645]", "Any", "Any", "!Nil", "!Nil"},
+      {"[-1000000000, 1000000000]", "Any", "[-1000000000", "!Nil", "!Nil"},
+      {"[9, 1]", "Nil", "Nil", "!Nil", "!Nil"},
+      {"[1, 2", "!{ 1, 2 }", "!Nil", "!Nil", "!Nil"},
+      {"[,]", "!0", "!Nil", "!Nil", "!Nil"},
+      {"{}", "!Nil", "!Nil", "!Nil", "!Nil"},
+      {"{,}", "!Nil", "!Nil", "!Nil", "!Nil"},
+      {"{1,,2}", "!Nil", "!Nil", "!Nil", "!Nil"},
+      {"{1, 2}}", "{ 1, 2 }", "!Nil", "!Nil", "!Nil"},
+      {std::string(100000, '['), "!0", "!Nil", "!Nil", "!Nil"},
+      {std::string(100000, '{'), "!Nil", "!Nil", "!Nil", "!Nil"},
+      {"{1, [2, 3]}", "!Nil", "!Nil", "!Nil", "!Nil"},
+      {"{1, 1, 1}", "1", "!Nil", "!Nil", "!Nil"},
+      {"true", "!0", "!Nil", "!Nil", "1"},
+      {"2", "2", "2", "2", "!Nil"},
+      {"-0", "0", "0", "0", "!Nil"},
+  };
+  for (const auto& row : rows) {
+    const std::string shown = testing::PrintToString(row.fText.substr(0, 40));
+    EXPECT_EQ(ReadText<VokFenEnumInteger>(row.fText), row.fEnum) << shown;
+    EXPECT_EQ(ReadText<VokFenIntervalInteger>(row.fText), row.fInterval) << shown;
+    EXPECT_EQ(ReadText<VokFenSingleInteger>(row.fText), row.fSingle) << shown;
+    EXPECT_EQ(ReadText<VokFenSingleBoolean>(row.fText), row.fBoolean) << shown;
+  }
+}
+
+template <class Value>
+void ReadMutated(const std::string& text, bool exercises) {
+  for (const auto exceptions : {std::ios_base::goodbit, std::ios_base::failbit | std::ios_base::eofbit}) {
+    std::istringstream is(text);
+    is.exceptions(exceptions);
+    Value value;
+    try {
+      value.InputValue(is);
+    } catch (const std::ios_base::failure&) {
+      EXPECT_FALSE(is.good());
+    }
+    EXPECT_LE(value.GetCardinality() == 0, value.IsNil() != 0) << text;
+    if (exercises) {
+      support::Exercise(value);
+    }
+  }
+}
+
+TEST(HostileText, MutationsGiveAValidDomain) {
+  const std::vector<std::string> seeds{"Nil",
+                                       "Any",
+                                       " Min",
+                                       "-Max",
+                                       "+17",
+                                       "2147483647",
+                                       "[-3, 9]",
+                                       "[0, 1023]",
+                                       "true",
+                                       "false",
+                                       "{1, 2, 3, 1000, -7}",
+                                       "{ Min, 0,  Max }",
+                                       "[Min, Max]",
+                                       "0"};
+  constexpr unsigned seed = 5;
+  std::mt19937 random(seed);
+  for (int round = 0; round < 5000 * support::SoakFactor(); ++round) {
+    const std::string text = support::Mutate(seeds, random);
+    SCOPED_TRACE("round " + std::to_string(round) + " of seed " + std::to_string(seed));
+    const bool exercises = round % 50 == 0;
+    ReadMutated<VokFenEnumInteger>(text, exercises);
+    ReadMutated<VokFenIntervalInteger>(text, exercises);
+    ReadMutated<VokFenSingleInteger>(text, exercises);
+    ReadMutated<VokFenSingleBoolean>(text, exercises);
+  }
 }
 
 }  // namespace

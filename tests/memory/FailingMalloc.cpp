@@ -1,6 +1,6 @@
-// Preloaded, it makes allocations of a program fail: the one that FAILING_MALLOC counts from main on, and with
-// FAILING_MALLOC_LASTS all after it as well. What fails before main ends a program in the dynamic loader's own way, so
-// that is left alone. The number of allocations is written to the file FAILING_MALLOC_COUNT.
+// Preloaded, it makes allocations of a program fail, counted from main on: the one whose number FAILING_MALLOC_AT is,
+// or all from the one whose number FAILING_MALLOC_FROM is. What fails before main ends a program in the dynamic
+// loader's own way, so that is left alone. The number of allocations is written to the file FAILING_MALLOC_COUNT.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -22,8 +22,8 @@ using Main = int (*)(int, char**, char**);
 
 std::atomic<bool> sCounts = false;
 std::atomic<unsigned long> sAllocations = 0;
-unsigned long sFailing = 0;
-bool sLasts = false;
+unsigned long sFirst = 0;  // that fails
+unsigned long sLast = 0;
 Main sMain = nullptr;
 
 bool Fails() {
@@ -31,18 +31,20 @@ bool Fails() {
     return false;
   }
   const unsigned long n = ++sAllocations;
-  const bool fails = sFailing != 0 && (n == sFailing || (sLasts && n > sFailing));
-  if (fails) {
-    errno = ENOMEM;
+  if (n < sFirst || n > sLast) {
+    return false;
   }
-  return fails;
+  errno = ENOMEM;
+  return true;
 }
 
 int RunMain(int argc, char** argv, char** environment) {
-  if (const char* n = std::getenv("FAILING_MALLOC")) {
-    sFailing = std::strtoul(n, nullptr, 10);
+  if (const char* n = std::getenv("FAILING_MALLOC_AT")) {
+    sFirst = sLast = std::strtoul(n, nullptr, 10);
+  } else if (const char* from = std::getenv("FAILING_MALLOC_FROM")) {
+    sFirst = std::strtoul(from, nullptr, 10);
+    sLast = static_cast<unsigned long>(-1);
   }
-  sLasts = std::getenv("FAILING_MALLOC_LASTS") != nullptr;
   sCounts = true;
   return sMain(argc, argv, environment);
 }

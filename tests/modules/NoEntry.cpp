@@ -1,2 +1,2 @@
-// No entry point: loading this as a module must fail.
+// No entry point of its own, only that of the module that it links: loading this as a module must fail.
 namespace {}

@@ -1,8 +1,11 @@
 // Every narrowing operation, through the generic entry and on sets directly, against the plain way of doing it.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "domain/kernels/KernelChoice.h"
 #include "narrowing/literal.h"
+#include "support/soak.h"
 
 namespace narrowing {
 namespace {
@@ -44,12 +47,12 @@ class Generator {
   Model Dressed(const Values& values) {
     const int state = Below(24);
     if (state < 2) {
-      return state == 0 ? Model{'e', true, true, {}} : Model{};
+      return state == 0 ? Model{'e', true, 1, {}} : Model{};
     }
     if (state < 5) {
-      return state == 2 || values.empty() ? Model{'s', state != 3, false, {}} : literal::SingleOf(values[0]);
+      return state == 2 || values.empty() ? Model{'s', state != 3, 0, {}} : literal::SingleOf(values[0]);
     }
-    return literal::SetOf(values, Below(3) == 0);
+    return literal::SetOf(values, Below(3) == 0 ? 1 : 0);
   }
 
  private:
@@ -127,10 +130,10 @@ void CompareMany(bool large, int cases) {
       const bool random = op.name.ends_with("sign") || (large && op.narrowed > 0 && op.name.ends_with("power"));
       if (make.Below(2) == 0 && !random) {
         const Values strangers = c[0].values;
-        c[0] = literal::SetOf({}, true);
+        c[0] = literal::SetOf({}, 1);
         c[0] = make.Dressed(make.Thinned(literal::Run(forward, c, false).after[0].values, strangers));
       }
-      c[0] = make.Below(8) == 0 && op.narrowed == 0 ? literal::SetOf({}, true) : literal::Enumerated(c[0]);
+      c[0] = make.Below(8) == 0 && op.narrowed == 0 ? literal::SetOf({}, 1) : literal::Enumerated(c[0]);
       const bool aliased = make.Below(3) == 0;
       Compare(op, typed, c, aliased ? static_cast<unsigned>(make.Below(5)) : 0,
               " seed " + std::to_string(seed) + " case " + std::to_string(i));
@@ -142,11 +145,11 @@ void CompareMany(bool large, int cases) {
 }
 
 TEST(NarrowingDifferential, SmallSets) {
-  CompareMany(false, kSmallCases);
+  CompareMany(false, kSmallCases * support::SoakFactor());
 }
 
 TEST(NarrowingDifferential, SetsAroundTheLimit) {
-  CompareMany(true, kLargeCases);
+  CompareMany(true, kLargeCases * support::SoakFactor());
 }
 
 // Sums and differences of about as many pairs as the limit allows candidates, near and far, disturbed or not, so that
@@ -160,13 +163,13 @@ TEST(NarrowingDifferential, SumsOfAsManyPairsAsTheLimit) {
       continue;
     }
     const unsigned other = op.narrowed == 0 ? 1 : 0;
-    for (int i = 0; i < 6 * kLargeCases; ++i) {
+    for (int i = 0; i < 6 * kLargeCases * support::SoakFactor(); ++i) {
       const int na = 2 + make.Below(make.Below(2) == 0 ? 8 : 60);
       const int nb = 1024 / na + make.Below(3) - 1;
       const VokLong step = make.Below(3) == 0 ? 1 : 1 + make.Below(make.Below(2) == 0 ? 40 : 70000);
       // Rows without a gap between them, or with a sum in common.
       const VokLong stride = (na - (make.Below(4) == 0 ? 1 : 0)) * step;
-      Case c = {literal::SetOf({}, true), literal::SetOf({}, true), literal::SetOf({}, true)};
+      Case c = {literal::SetOf({}, 1), literal::SetOf({}, 1), literal::SetOf({}, 1)};
       for (int j = 0; j < na; ++j) {
         c[other].values.push_back(j * step);
       }

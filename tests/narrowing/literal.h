@@ -3,7 +3,8 @@
 // element arithmetic and the powers of intervals.
 #pragma once
 
-#include <functional>
+#include <map>
+#include <optional>
 
 #include "narrowing/oracle.h"
 
@@ -12,16 +13,16 @@ namespace narrowing::literal {
 using Set = Model;
 using Typed = int (*)(Set& narrowed, const Set& first, const Set& second);  // the other operands in order
 
-inline Set SetOf(const Values& values, bool flag = false) {
-  return {'e', values.empty() && flag, flag, values};
+inline Set SetOf(const Values& values, int flag = 0) {
+  return {'e', values.empty() && flag == 1, flag, values};
 }
 inline Model SingleOf(VokLong v) {
   const bool special = v == enumSets::kAny || v == enumSets::kNil;
-  return {'s', v == enumSets::kAny, false, special ? Values{} : Values{v}};
+  return {'s', v == enumSets::kAny, 0, special ? Values{} : Values{v}};
 }
 inline int MakeNil(Model& m) {
   const bool changed = !m.IsNil();
-  m = {m.kind, false, false, {}};
+  m = {m.kind, false, 0, {}};
   return changed ? 1 : 0;
 }
 inline bool Contains(const Set& set, VokLong v) {
@@ -35,7 +36,7 @@ int Keep(Set& set, Holds holds) {
     return 0;
   }
   set.values = kept;
-  return kept.empty() ? set.any = set.emptyMeansAny = false, 1 : 1;
+  return kept.empty() ? set.emptyMeansAny = 0, 1 : 1;
 }
 
 inline int Intersect(Set& set, const Set& o) {
@@ -52,9 +53,62 @@ inline int Intersect(Set& set, const Set& o) {
   return Keep(set, [&](VokLong v) { return Contains(o, v); });
 }
 
+inline int IntersectSingle(Set& set, const Model& single) {
+  if (set.IsNil() || single.any) {
+    return 0;
+  }
+  if (single.IsNil() || (!set.any && !Contains(set, single.values[0]))) {
+    return MakeNil(set);
+  }
+  const bool same = set.values == single.values;
+  set = SetOf(single.values, set.any ? 0 : set.emptyMeansAny);
+  return same ? 0 : 1;
+}
+
+inline Values Bounds(const Model& m) {
+  return m.any ? Values{enumSets::kMin, enumSets::kMax} : m.IsNil() ? Values{} : Values{m.values[0], m.values.back()};
+}
+inline Model IntervalOf(VokLong l, VokLong u) {
+  const Values bounds = {std::max(l, enumSets::kMin), std::min(u, enumSets::kMax)};
+  const bool any = bounds == Values{enumSets::kMin, enumSets::kMax};
+  return {'i', any, 0, any || bounds[0] > bounds[1] ? Values{} : bounds};
+}
+
+// A set that is emptied here means what its flag says.
+inline int IntersectInterval(Set& set, const Model& interval) {
+  if (set.IsNil() || interval.any) {
+    return 0;
+  }
+  if (interval.IsNil()) {
+    return MakeNil(set);
+  }
+  const VokLong l = interval.values[0], u = interval.values[1];
+  if (!set.any) {
+    const std::size_t size = set.values.size();
+    set = SetOf(Filter(set.values, [&](VokLong v) { return l <= v && v <= u; }), set.emptyMeansAny);
+    return set.values.size() != size ? 1 : 0;
+  }
+  if (std::int64_t{u} - l + 1 >= std::int64_t{VokFenEnumInteger::sMAX_CARD}) {
+    return 0;
+  }
+  set = SetOf({});
+  for (std::int64_t v = l; v <= u; ++v) {
+    set.values.push_back(static_cast<VokLong>(v));
+  }
+  return 1;
+}
+
 inline int IntersectInverse(const Set& set, Model& single) {
   if (single.IsNil() || set.any) {
     return 0;
+  }
+  if (single.kind == 'i') {
+    const Values bounds = Bounds(single);
+    const Values common = Filter(set.values, [&](VokLong v) { return bounds[0] <= v && v <= bounds[1]; });
+    const Model narrowed = common.empty() ? IntervalOf(1, 0) : IntervalOf(common[0], common.back());
+    const int changed = narrowed == single ? 0 : 1;
+    single = narrowed;
+    return changed;
   }
   if (single.any && !set.IsNil()) {
     return set.values.size() == 1 ? single = SingleOf(set.values[0]), 1 : 0;
@@ -65,7 +119,7 @@ inline int IntersectInverse(const Set& set, Model& single) {
 // False when the set turns Any: called with the limit's number of members, whatever v is.
 inline bool Insert(Set& set, VokLong v) {
   if (set.any || set.values.size() >= VokFenEnumInteger::sMAX_CARD) {
-    set = SetOf({}, true);
+    set = SetOf({}, 1);
     return false;
   }
   const auto at = std::lower_bound(set.values.begin(), set.values.end(), v);
@@ -89,6 +143,29 @@ Set Pairs(const Set& outer, const Set& inner, Combine combine) {
 }
 
 // ---- Order
+template <class Holds>
+bool AnyOf(const Values& values, Holds holds) {
+  return std::any_of(values.begin(), values.end(), holds);
+}
+
+// x < bound with the cut one member too wide: {1, 3, 7} < 5 leaves {1}.
+inline std::optional<Values> CutLess(const Model& x, const Model& y) {
+  if (x.kind != 'e' || x.any || y.any || x.values.back() < y.values.back()) {
+    return std::nullopt;
+  }
+  const Values reached = Filter(x.values, [&](VokLong v) { return v <= y.values.back(); });
+  return reached.empty() ? Values{} : Values(reached.begin(), reached.end() - 1);
+}
+
+// The mirror image: 4 < {2, 5, 6} leaves {6}.
+inline std::optional<Values> CutGreater(const Model& x, const Model& y) {
+  if (x.kind != 'e' || x.any || y.any || x.values.front() > y.values.front()) {
+    return std::nullopt;
+  }
+  const Values reached = Filter(x.values, [&](VokLong v) { return v >= y.values.front(); });
+  return reached.empty() ? Values{} : Values(reached.begin() + 1, reached.end());
+}
+
 inline bool Unsettled(const Set& narrowed, const Set& given) {
   return narrowed.any || given.any || narrowed.values.empty();
 }
@@ -155,21 +232,28 @@ inline Set Union(const Set& a, const Set& b) {
   Values both;
   std::set_union(a.values.begin(), a.values.end(), b.values.begin(), b.values.end(), std::back_inserter(both));
   const bool full = both.size() > a.values.size() && both.size() >= VokFenEnumInteger::sMAX_CARD;
-  return full ? SetOf({}, true) : SetOf(both, a.emptyMeansAny);
+  return full ? SetOf({}, 1) : SetOf(both, a.emptyMeansAny);
 }
-// With the members of o1 and o2 that satisfy the predicate; Any takes no empty set.
+// With the members of o that satisfy the predicate; Any takes no empty set.
 template <class Holds>
-int IntersectUnion(Set& set, const Set& o1, const Set& o2, Holds holds) {
-  if (set.IsNil() || o1.any || o2.any) {
+int IntersectFiltered(Set& set, const Set& o, Holds holds) {
+  if (set.IsNil() || o.any) {
     return 0;
   }
-  const Set both = Union(o1, o2);
-  const Set accepted = SetOf(Filter(both.values, holds));
-  return both.any || (set.any && !both.IsNil() && accepted.IsNil()) ? 0 : Intersect(set, accepted);
+  if (o.IsNil()) {
+    return MakeNil(set);
+  }
+  const Set accepted = SetOf(Filter(o.values, holds));
+  return set.any ? (accepted.IsNil() ? 0 : Intersect(set, accepted))
+                 : Keep(set, [&](VokLong v) { return Contains(accepted, v); });
+}
+template <class Holds>
+int IntersectUnion(Set& set, const Set& o1, const Set& o2, Holds holds) {
+  return o1.any || o2.any ? 0 : IntersectFiltered(set, Union(o1, o2), holds);
 }
 inline int Absolute(Set& z, const Set& a, const Set&) {
   const Set from = a.any ? z : a;
-  const bool flag = from.emptyMeansAny;
+  const int flag = from.emptyMeansAny;
   const Set below = Changed(SetOf(Filter(from.values, [](VokLong v) { return v < 0; }), flag), VokWrapNegate);
   const Set above = SetOf(Filter(from.values, [](VokLong v) { return v >= 0; }), flag);
   return from.any ? 0 : IntersectUnion(z, below, above, [](VokLong) { return true; });
@@ -222,7 +306,7 @@ inline int InverseRemainder(Set& x, const Set& z, const Set& y) {
   const auto fits = [&](VokLong a) {
     return AnyOf(y.values, [&](VokLong b) { return Contains(z, RemainderOf(a, b)); });
   };
-  return x.any || y.any || y.Has(0) ? 0 : Keep(x, fits);
+  return x.any || y.any || Contains(y, 0) ? 0 : Keep(x, fits);
 }
 inline int SecondInverseRemainder(Set& b, const Set& z, const Set& a) {
   const auto fits = [&](VokLong y) {
@@ -284,20 +368,24 @@ inline int SecondInversePower(Set& b, const Set& z, const Set& a) {
 
 // ---- The frame of the generic entries
 inline Set Enumerated(const Model& m) {
-  return m.kind == 'e' ? m : m.kind == 's' ? SetOf(m.values, m.any) : SetOf({});
+  return m.kind == 'e' ? m : m.kind == 's' ? SetOf(m.values, m.any ? 1 : 0) : SetOf({});
 }
 inline int EqualTo(Model& narrowed, const Model& given) {
-  if (narrowed.kind == 's') {
+  if (narrowed.kind != 'e') {
     return IntersectInverse(given, narrowed);
   }
-  return Intersect(narrowed, Enumerated(given));
+  return given.kind == 'e'   ? Intersect(narrowed, given)
+         : given.kind == 's' ? IntersectSingle(narrowed, given)
+                             : IntersectInterval(narrowed, given);
 }
 inline int Sign(Model& s, const Set& a, const Set&) {
   const auto signOf = [](VokLong v) { return (v > 0) - (v < 0); };
   return a.any || s.IsNil() ? 0 : EqualTo(s, SetOf(Changed(a, signOf).values));
 }
-inline int InverseSign(Set& a, const Set& s, const Set&) {
-  const auto may = [&](VokLong sign) { return !s.IsNil() && (s.any || s.Has(sign)); };
+inline int InverseSign(Set& a, const Model& s, const Set&) {
+  const auto may = [&](VokLong sign) {
+    return s.any || (s.kind == 'i' && !s.IsNil() ? s.values[0] <= sign && sign <= s.values[1] : s.Has(sign));
+  };
   const Set zero = SetOf({0});
   switch ((may(-1) ? 1 : 0) + (may(0) ? 2 : 0) + (may(1) ? 4 : 0)) {
     case 1:
@@ -385,7 +473,8 @@ inline Outcome Run(const Operation& op, const Case& c, bool typed) {
   const Set second = Enumerated(c[op.narrowed == 2 ? 1 : 2]);
   const bool ofThree = op.operands == 3;
   if (op.name.ends_with("x = y") || op.name.ends_with("sign")) {
-    outcome.status = op.name == "sign" && narrowed.IsNil() ? 0 : TypedOf(op)(narrowed, first, second);
+    const Model& given = c[1 - op.narrowed];
+    outcome.status = op.name == "sign" && narrowed.IsNil() ? 0 : TypedOf(op)(narrowed, given, given);
   } else if (typed) {
     outcome.status = TypedOf(op)(narrowed, first, second);
   } else if (narrowed.IsNil() || (narrowed.kind == 'i' && ofThree)) {

@@ -100,6 +100,22 @@ TEST(NarrowingStates, TypedRoutinesSettleEmptySets) {
       EXPECT_TRUE(settled(z, (z.*functions[i])(y, y)) && settled(x, (y.*first[i])(x, y))) << i << before << given;
     }
   }
+  const InverseOnSingle onSingle[] = {&Set::CalcInverseNextValue, &Set::CalcInverseNegativeValue,
+                                      &Set::CalcInverseAbsoluteValue};
+  for (const InverseOnSingle inverseOnSingle : onSingle) {
+    VokFenSingleInteger nil(VokFenSingleInteger::sNC_INT_NIL);
+    EXPECT_TRUE((set("1").*inverseOnSingle)(nil) == 0 && nil.IsNil() != 0);
+  }
+}
+
+// More members than the room for a union, which only SimpleInsert gives a set.
+TEST(NarrowingStates, UnionsBeyondTheRoomJoinOnlyWhatTheyHold) {
+  for (const VokLong nonnegative : {3, 2101}) {
+    VokFenEnumInteger a = enumSets::RangeSet(-2100, 2100), z = enumSets::SetOf({-1, 3, 2100, 2101});
+    a.SimpleInsert(nonnegative);
+    EXPECT_EQ(z.CalcAbsoluteValue(a), nonnegative == 3 ? 1 : 0);
+    EXPECT_EQ(enumSets::Show(z), nonnegative == 3 ? "3 2100" : "-1 3 2100 2101");
+  }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "numbers/values.h"
 #include "support/foreignInteger.h"
 #include "support/operations.h"
+#include "support/soak.h"
 
 namespace {
 
@@ -125,7 +126,7 @@ TEST(NumberNarrowing, BesideOtherKindsLosesNoPartner) {
   std::mt19937 random(seed);
   const auto draw = [&random](int below) { return static_cast<VokLong>(random() % static_cast<unsigned>(below)); };
   for (const Operation& op : support::Operations()) {
-    for (int i = 0; i < 8000; ++i) {
+    for (int i = 0; i < 8000 * support::SoakFactor(); ++i) {
       Case c;
       for (Domain& d : c) {
         const char kind = "isf"[draw(&d == &c[0] ? 2 : 3)];

@@ -19,10 +19,10 @@ namespace support {
 struct Model {
   char kind = 'e';  // e, s or i
   bool any = false;
-  bool emptyMeansAny = false;  // of an enumerated set
-  Values values;               // of an interval its two bounds; none when Nil or Any
+  int emptyMeansAny = 0;  // of an enumerated set: its flag, which a record can make any number
+  Values values;          // of an interval its two bounds; none when Nil or Any
 
-  bool IsNil() const { return !any && values.empty(); }
+  bool IsNil() const { return !any && values.empty() && emptyMeansAny == 0; }
   bool Has(VokLong v) const { return std::find(values.begin(), values.end(), v) != values.end(); }
   bool operator==(const Model&) const = default;
 };
@@ -31,7 +31,7 @@ inline std::ostream& operator<<(std::ostream& os, const Model& m) {
   os << (m.kind == 'e'   ? ""
          : m.kind == 's' ? "s "
                          : "i ")
-     << (m.emptyMeansAny && !m.values.empty() ? "' " : "")
+     << (m.emptyMeansAny != 0 && !m.values.empty() ? "' " : "")
      << (m.any       ? "Any "
          : m.IsNil() ? "Nil "
                      : "");
@@ -61,7 +61,7 @@ inline Model Parse(const std::string& text) {
     if (word == "s" || word == "i") {
       m.kind = word[0];
     } else if (word == "'" || word == "Any") {
-      m.emptyMeansAny = m.kind == 'e';
+      m.emptyMeansAny = m.kind == 'e' ? 1 : 0;
       m.any = word == "Any";
     } else if (word != "Nil") {
       const std::size_t dots = word.find("..");
@@ -106,7 +106,7 @@ class Operand {
       }
       while (emptied.GetCount() > 0 && emptied.RemoveExactValue(emptied.GetValue(0)) != 0) {
       }
-      m.emptyMeansAny = emptied.IsUndefined() != 0;
+      m.emptyMeansAny = emptied.IsUndefined();
     }
     return m;
   }
@@ -123,7 +123,9 @@ class Operand {
              : m.IsNil() ? VokFenIntervalInteger(1, 0)
                          : VokFenIntervalInteger(m.values[0], m.values[1]);
     }
-    return m.any ? enumSets::Any() : m.emptyMeansAny ? enumSets::FlaggedSetFrom(m.values) : enumSets::SetFrom(m.values);
+    return m.any                  ? enumSets::Any()
+           : m.emptyMeansAny != 0 ? enumSets::FlaggedSetFrom(m.values)
+                                  : enumSets::SetFrom(m.values);
   }
 
   Value fValue;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -21,6 +22,7 @@ struct Operation {
   unsigned operands;
   unsigned narrowed;
   int (*run)(VokTarnInteger&, VokTarnInteger&, VokTarnInteger&);
+  const char* call;  // of *this*, as it is written behind "Calc"
 };
 
 template <class Keep>
@@ -58,8 +60,9 @@ inline bool IsPower(VokLong z, VokLong a, VokLong b) {
   if (b < 0 && std::abs(a) != 1) {
     return false;
   }
-  VokLong power = 1;
-  for (VokLong i = 0; i < std::abs(b) && std::abs(power) < 100000; ++i) {
+  std::int64_t power = 1;
+  const VokLong times = std::abs(a) <= 1 && b != 0 ? 2 - std::abs(b % 2) : b;
+  for (VokLong i = 0; i < times && std::abs(power) <= 2147483647; ++i) {
     power *= a;
   }
   return z == power;
@@ -70,18 +73,24 @@ inline bool IsPower(VokLong z, VokLong a, VokLong b) {
 template <class I = VokTarnInteger>
 const std::vector<Operation>& Operations() {
 #define HOLDS(condition) [](VokLong x, VokLong y, [[maybe_unused]] VokLong z) { return condition; }
-#define RUN(call)                                                      \
-  [](VokTarnInteger& r, VokTarnInteger& s, VokTarnInteger& t) -> int { \
-    I& x = static_cast<I&>(r);                                         \
-    I& y = static_cast<I&>(s);                                         \
-    [[maybe_unused]] I& z = static_cast<I&>(t);                        \
-    return x.Calc##call;                                               \
+#define RUN(text)                                                        \
+  {                                                                      \
+    [](VokTarnInteger& r, VokTarnInteger& s, VokTarnInteger& t) -> int { \
+      I& x = static_cast<I&>(r);                                         \
+      I& y = static_cast<I&>(s);                                         \
+      [[maybe_unused]] I& z = static_cast<I&>(t);                        \
+      return x.Calc##text;                                               \
+    },                                                                   \
+        #text                                                            \
   }
   static const struct {
     const char* relation;
     bool (*holds)(VokLong, VokLong, VokLong);
     unsigned operands;
-    int (*run[3])(VokTarnInteger&, VokTarnInteger&, VokTarnInteger&);  // for each operand
+    struct {
+      int (*run)(VokTarnInteger&, VokTarnInteger&, VokTarnInteger&);
+      const char* call;
+    } narrowing[3];  // of each operand
   } relations[] = {
       {"x = y", HOLDS(x == y), 2, {RUN(EqualValue(y)), RUN(InverseEqualValue(y))}},
       {"x <= y", HOLDS(x <= y), 2, {RUN(LessOrEqualValue(y)), RUN(InverseLessOrEqualValue(y))}},
@@ -94,8 +103,8 @@ const std::vector<Operation>& Operations() {
       {"sign", HOLDS(y == (x > 0) - (x < 0)), 2, {RUN(InverseSignumValue(y)), RUN(SignumValue(y))}},
       {"min", HOLDS(x == std::min(y, z)), 3, {RUN(MinValue(y, z)), RUN(FirstInverseMinValue(y, z))}},
       {"max", HOLDS(x == std::max(y, z)), 3, {RUN(MaxValue(y, z)), RUN(FirstInverseMaxValue(y, z))}},
-      {"sum", HOLDS(x == y + z), 3, {RUN(SumValue(y, z)), RUN(FirstInverseSumValue(y, z))}},
-      {"prod", HOLDS(x == y * z), 3, {RUN(ProdValue(y, z)), RUN(FirstInverseProdValue(y, z))}},
+      {"sum", HOLDS(x == std::int64_t{y} + z), 3, {RUN(SumValue(y, z)), RUN(FirstInverseSumValue(y, z))}},
+      {"prod", HOLDS(x == std::int64_t{y} * z), 3, {RUN(ProdValue(y, z)), RUN(FirstInverseProdValue(y, z))}},
       {"mod", IsRemainder, 3, {RUN(ModValue(y, z)), RUN(FirstInverseModValue(y, z)), RUN(SecondInverseModValue(y, z))}},
       {"power",
        IsPower,
@@ -106,9 +115,10 @@ const std::vector<Operation>& Operations() {
 #undef HOLDS
   static const std::vector<Operation> operations = [] {
     std::vector<Operation> all;
-    for (const auto& [relation, holds, operands, run] : relations) {
-      for (unsigned i = 0; i < 3 && run[i] != nullptr; ++i) {
-        all.push_back({std::array{"", "inv ", "inv2 "}[i] + std::string(relation), holds, operands, i, run[i]});
+    for (const auto& [relation, holds, operands, narrowing] : relations) {
+      for (unsigned i = 0; i < 3 && narrowing[i].run != nullptr; ++i) {
+        all.push_back({std::array{"", "inv ", "inv2 "}[i] + std::string(relation), holds, operands, i, narrowing[i].run,
+                       narrowing[i].call});
       }
     }
     return all;

@@ -5,6 +5,7 @@
 
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnTrace.h"
+#include "support/soak.h"
 #include "tarn/commands/Commands.h"
 #include "tarn/randomModels.h"
 
@@ -20,6 +21,8 @@ bool IsPossible(const VokTarnAny& value, int v) {
   return value.IsDerivedFrom(VokTarnBoolean::sIdent) != 0 ? static_cast<const VokTarnBoolean&>(value).IsPossible(v) != 0
                                                           : static_cast<const VokTarnInteger&>(value).IsPossible(v);
 }
+
+const unsigned sFactor = static_cast<unsigned>(support::SoakFactor());
 
 class Explanations : public testing::Test {
  protected:
@@ -94,7 +97,7 @@ class Explanations : public testing::Test {
 
 TEST_F(Explanations, ConsistOfStepsThatEachHold) {
   unsigned explained = 0;
-  for (unsigned seed = 1; seed <= 600 && !HasFailure(); ++seed) {
+  for (unsigned seed = 1; seed <= 600 * sFactor && !HasFailure(); ++seed) {
     const RandomModel model(seed);
     SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + model.GetText());
     tarn::Session session(fModules);
@@ -125,7 +128,7 @@ TEST_F(Explanations, ConsistOfStepsThatEachHold) {
 TEST_F(Explanations, AgreeWithPlainEnumeration) {
   std::mt19937 random(1);
   const auto pick = [&random](int from, int to) { return std::uniform_int_distribution<int>(from, to)(random); };
-  for (unsigned seed = 1; seed <= 600 && !HasFailure(); ++seed) {
+  for (unsigned seed = 1; seed <= 600 * sFactor && !HasFailure(); ++seed) {
     const RandomModel model(seed);
     const tarn::Source source("model", model.GetText());
     tarn::Session session(fModules);
@@ -157,7 +160,7 @@ TEST_F(Explanations, AgreeWithPlainEnumeration) {
 
 TEST_F(Explanations, NameMinimalConflicts) {
   unsigned conflicts = 0;
-  for (unsigned seed = 1; seed <= 1200 && !HasFailure(); ++seed) {
+  for (unsigned seed = 1; seed <= 1200 * sFactor && !HasFailure(); ++seed) {
     const RandomModel model(seed);
     SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + model.GetText());
     const tarn::Source source("model", model.GetText());

@@ -4,44 +4,13 @@
 
 #include <sstream>
 
-#include "framework/VokTarnBoolean.h"
-#include "framework/VokTarnSearch.h"
-#include "tarn/Diagnostic.h"
-#include "tarn/Session.h"
+#include "support/soak.h"
+#include "tarn/solving.h"
 
 namespace {
 
-int GetValue(const VokTarnAny& value) {
-  return value.IsDerivedFrom(VokTarnBoolean::sIdent) != 0 ? static_cast<const VokTarnBoolean&>(value).IsPossible(1)
-                                                          : static_cast<const VokTarnInteger&>(value).GetLowerBound();
-}
-
-void Read(tarn::Session& session, const tarn::Source& source) {
-  try {
-    session.Read(source);
-  } catch (const tarn::ModelError& error) {
-    ADD_FAILURE() << tarn::FormatDiagnostic(source, error);
-  }
-}
-
-// The solutions in the order in which the search finds them.
-std::vector<Assignment> Solve(tarn::Session& session, const VokTarnSearch::Options& options = {}) {
-  const std::vector<VokTarnValueId>& variables = session.GetVariables();
-  VokTarnSearch search(session.GetNetwork(), variables, session.GetObjective(), options);
-  std::vector<Assignment> solutions;
-  VokTarnSearch::Status status = search.Next();
-  for (; status == VokTarnSearch::Status::Solution; status = search.Next()) {
-    Assignment& solution = solutions.emplace_back();
-    for (const VokTarnValueId variable : variables) {
-      solution.push_back(GetValue(session.GetNetwork().GetValue(variable)));
-    }
-  }
-  EXPECT_EQ(status, VokTarnSearch::Status::Exhausted);
-  return solutions;
-}
-
 // Searches with options that the seed chooses among all combinations.
-std::vector<Assignment> Solve(tarn::Modules& modules, const std::string& text, unsigned seed) {
+std::vector<Assignment> SolveAsSeeded(tarn::Modules& modules, const std::string& text, unsigned seed) {
   tarn::Session session(modules);
   Read(session, tarn::Source("model", text));
   VokTarnSearch::Options options;
@@ -52,7 +21,7 @@ std::vector<Assignment> Solve(tarn::Modules& modules, const std::string& text, u
   return Solve(session, options);
 }
 
-constexpr unsigned sModels = 3000;
+const unsigned sModels = 3000 * static_cast<unsigned>(support::SoakFactor());
 
 class RandomModels : public testing::Test {
  protected:
@@ -64,7 +33,7 @@ class RandomModels : public testing::Test {
 TEST_F(RandomModels, HaveTheSolutionsOfPlainEnumeration) {
   for (unsigned seed = 1; seed <= sModels && !HasFailure(); ++seed) {
     const RandomModel model(seed);
-    std::vector<Assignment> solutions = Solve(fModules, model.GetText(), seed);
+    std::vector<Assignment> solutions = SolveAsSeeded(fModules, model.GetText(), seed);
     std::ranges::sort(solutions);
     EXPECT_EQ(solutions, model.Enumerate()) << "seed " << seed << "\n" << model.GetText();
   }
@@ -99,7 +68,7 @@ TEST_F(RandomModels, HaveTheOptimumOfPlainEnumeration) {
         best = value;
       }
     }
-    const std::vector<Assignment> solutions = Solve(fModules, text, seed);
+    const std::vector<Assignment> solutions = SolveAsSeeded(fModules, text, seed);
     EXPECT_EQ(solutions.empty() ? Value() : objective.fValue(solutions.back()), best) << "seed " << seed << "\n"
                                                                                       << text;
   }

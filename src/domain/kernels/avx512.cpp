@@ -8,6 +8,9 @@
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
+// Without optimisation, GCC's gathers are macros that convert their mask to a signed number.
+#pragma GCC diagnostic ignored "-Wsign-conversion"
+
 #define VOK_TARGET [[gnu::target("avx512f,avx512bw,avx512dq,avx512vl,avx2,bmi,bmi2,popcnt")]]
 
 namespace VokFenKernels {

@@ -54,7 +54,7 @@ struct FlatZincOptions {
 bool IsSolution(Session& session, std::ostream& err);
 
 int RunNarrow(Session& session, std::ostream& out);
-// Requires that the limits are watched: WatchSolve.
+// Ends when `out` has failed. Requires that the limits are watched: WatchSolve.
 int RunSolve(Session& session, const SolveOptions& options, std::ostream& out, std::ostream& err);
 // Starts the watch for what RunSolve is to do. A run that must be ended from within the watch says so on the standard
 // output only where solutions are printed there.

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdio>
 #include <iostream>
 #include <new>
@@ -70,7 +71,9 @@ int Run(const CommandLine& line) {
     return RunFlatZinc(modules, line.fFile, line.fFlatZinc, std::cout, std::cerr);
   }
   Session session(modules);
-  const Source source = Source::ReadFile(line.fFile);
+  const Source source = Source::ReadFile(line.fFile, [&line] {
+    std::cerr << "tarn: waiting for another program to write to the pipe " << MakePrintable(line.fFile) << std::endl;
+  });
   try {
     session.Read(source);
   } catch (const ModelError& error) {
@@ -96,6 +99,11 @@ int Run(const CommandLine& line) {
 
 int main(int argc, char** argv) {
   const VokTarnMemoryWatch memory;
+  // A closed pipe and a limit on the size of files make a write fail, which is told and leaves no half of a file
+  // behind, instead of ending the process.
+  for (const int signal : {SIGPIPE, SIGXFSZ}) {
+    std::signal(signal, SIG_IGN);
+  }
   int exitCode = tarn::Solved;
   try {
     std::ios::sync_with_stdio(false);

@@ -16,8 +16,7 @@ constexpr const char* sContinuation = "  ... ";
 // Reads lines until the session is over. At a terminal a signal drops what has been typed, or ends what is being done;
 // elsewhere it ends the session.
 void Converse(Repl& repl, LineReader& reader, bool isTerminal, std::ostream& out) {
-  while (!repl.IsOver() && !IsTerminated() && (isTerminal || !repl.WasStopped())) {
-    out << std::flush;
+  while (out << std::flush && !repl.IsOver() && !IsTerminated() && (isTerminal || !repl.WasStopped())) {
     CatchInterruptsOfInput();
     const std::optional<std::string> line = reader.Read(repl.IsUnfinished() ? sContinuation : sPrompt);
     if (IsInterrupted()) {

@@ -104,7 +104,8 @@ int SolveRun::Run() {
   const std::optional<std::uint64_t> limit = GetLimit(fOptions, fSession.GetObjective().has_value());
   VokTarnSearch::Status status = VokTarnSearch::Status::Solution;
   bool isRight = true;
-  while (status == VokTarnSearch::Status::Solution && isRight && (!limit || fFound < *limit)) {
+  // Nobody gets a solution behind output that has failed.
+  while (status == VokTarnSearch::Status::Solution && isRight && fOut && (!limit || fFound < *limit)) {
     status = Next();
     isRight = status != VokTarnSearch::Status::Solution || TakeSolution();
   }

@@ -1,6 +1,7 @@
 // The tree of a search as a picture: a choice has two branches, the part of the domain that is tried first and the
 // rest.
 #include <ostream>
+#include <streambuf>
 
 #include "tarn/TextStream.h"
 #include "tarn/commands/Commands.h"
@@ -16,6 +17,12 @@ constexpr const char* sHead =
     "  edge [fontname=\"Helvetica,Arial,sans-serif\", fontsize=10, arrowhead=none, color=\"#808080\"];\n";
 constexpr const char* sRed = "#e06666";
 constexpr const char* sGrey = "#c0c0c0";
+
+// Takes all and keeps nothing.
+class NoBuffer : public std::streambuf {
+ protected:
+  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+};
 
 // A tree that grows as the search goes on.
 //
@@ -254,7 +261,8 @@ int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, co
   CheckPictureName(path);
   Tree tree(session, options);
   solve.fObserver = &tree;
-  std::ostream nowhere(nullptr);  // the picture tells the solutions
+  NoBuffer buffer;
+  std::ostream nowhere(&buffer);  // the picture tells the solutions
   const int exitCode = RunSolve(session, solve, nowhere, err);
   TextWriter dot;
   tree.Write(dot);
