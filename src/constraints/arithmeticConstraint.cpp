@@ -41,7 +41,7 @@ void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, Visit
 // `values`, some possible values in any order, stay alone.
 int KeepThese(const VokTarnObjectEnvironment& environment, unsigned i, std::vector<VokLong>& values) {
   std::ranges::sort(values);
-  values.erase(std::ranges::unique(values).begin(), values.end());
+  values.erase(std::unique(values.begin(), values.end()), values.end());
   if (values.empty()) {
     return environment.MakeNil(i);
   }
@@ -90,7 +90,7 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
     changed |= KeepRange(environment, kY, FindSecond(function, x(), y(), z()));
   }
   if (environment.IsFailed() || function == VokTarnFunction::Product || environment.AreSame(kX, kY) ||
-      environment.AreSame(kX, result) || environment.AreSame(kY, result)) {
+      environment.AreSame(kX, result) || (!isUnary && environment.AreSame(kY, result))) {
     return changed;
   }
   const std::int64_t first = environment.Cardinality(kX);

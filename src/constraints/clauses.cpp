@@ -99,6 +99,7 @@ int VokTarnClauseConstraint::Propagate(const VokTarnObjectEnvironment& environme
   for (unsigned i = 0; i < environment.Size(); ++i) {
     if (environment.IsSingle(i)) {
       if (environment.Lower(i) == GetAim(i)) {
+        environment.NoteEntailed();
         return changed;
       }
     } else if (last != environment.Size()) {
@@ -171,6 +172,7 @@ int VokTarnDisjunctionConstraint::Propagate(const VokTarnObjectEnvironment& envi
       open[count < 2 ? count : 1] = i;
       ++count;
     } else if (environment.Lower(i) == GetAim(i)) {
+      environment.NoteEntailed();
       return changed | KeepValue(environment, result, GetAimOfResult());
     }
   }

@@ -28,7 +28,7 @@ void VokTarnConstantElementConstraint::ReadConstants() const {
   }
   fValues.assign(GetConstants().begin(), GetConstants().end());
   std::ranges::sort(fValues);
-  fValues.erase(std::ranges::unique(fValues).begin(), fValues.end());
+  fValues.erase(std::unique(fValues.begin(), fValues.end()), fValues.end());
   for (const VokLong v : GetConstants()) {
     fRanks.push_back(static_cast<unsigned>(std::ranges::lower_bound(fValues, v) - fValues.begin()));
   }

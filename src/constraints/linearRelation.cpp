@@ -130,6 +130,9 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::NarrowTerm(unsigned i, Wide abo
   const Wide c = GetCoefficient(i);
   const Wide magnitude = c < 0 ? -c : c;
   const Wide width = magnitude * (Wide{fEnvironment.Upper(i)} - fEnvironment.Lower(i));
+  if (width == 0) {
+    return 0;
+  }
   int changed = 0;
   // The bounds of x from which its term takes its least and its greatest value.
   const Wide least = c > 0 ? fEnvironment.Lower(i) : fEnvironment.Upper(i);
@@ -150,6 +153,10 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::NarrowTerm(unsigned i, Wide abo
 // What is cut is the far end of each term, which the least value of the sum does not know of.
 template <class Wide>
 int VokTarnLinearRelationConstraint::Pass<Wide>::KeepAtMostZero() {
+  if (fUpper <= 0) {
+    fEnvironment.NoteEntailed();
+    return 0;
+  }
   if (fLower > 0) {
     return fEnvironment.Fail();
   }
@@ -165,6 +172,10 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepAtMostZero() {
 
 template <class Wide>
 int VokTarnLinearRelationConstraint::Pass<Wide>::KeepAtLeastZero() {
+  if (fLower >= 0) {
+    fEnvironment.NoteEntailed();
+    return 0;
+  }
   if (fUpper < 0) {
     return fEnvironment.Fail();
   }
@@ -209,6 +220,7 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepZero() {
 template <class Wide>
 int VokTarnLinearRelationConstraint::Pass<Wide>::KeepNonZero() {
   if (fLower > 0 || fUpper < 0) {
+    fEnvironment.NoteEntailed();
     return 0;
   }
   if (fWidest == 0) {
@@ -328,17 +340,16 @@ int VokTarnLinearRelationConstraint::PropagateIn(const VokTarnObjectEnvironment&
   if (environment.IsSingle(truth)) {
     const VokLong value = environment.Lower(truth);
     if (value == 0 && mode == VokTarnMode::HalfReified) {
+      environment.NoteEntailed();
       return 0;
     }
     return value == 0 || value == 1 ? Pass<Wide>(environment, GetStatement()).Enforce(relation, value == 0)
                                     : environment.Fail();
   }
   const Decision decision = Pass<Wide>(environment, GetStatement()).Decide(relation);
-  if (decision == Decision::Fails) {
-    return KeepValue(environment, truth, 0);
-  }
-  if (decision == Decision::Holds && mode == VokTarnMode::Reified) {
-    return KeepValue(environment, truth, 1);
+  if (decision == Decision::Fails || (decision == Decision::Holds && mode == VokTarnMode::Reified)) {
+    environment.NoteEntailed();
+    return KeepValue(environment, truth, decision == Decision::Holds ? 1 : 0);
   }
   return KeepBetween(environment, truth, 0, 1);
 }

@@ -13,11 +13,15 @@ constexpr unsigned kTruth = 1;
 
 }  // namespace
 
+// Bounds tell all of a single range that one of them lies in or beside.
 VokTarnEvent VokTarnMembershipConstraint::GetEvent(unsigned argument,
                                                    const VokTarnObjectEnvironment& environment) const {
-  return argument == kTruth         ? VokTarnEvent::Single
-         : environment.IsListed(kX) ? VokTarnEvent::Domain
-                                    : VokTarnEvent::Bounds;
+  if (argument == kTruth) {
+    return VokTarnEvent::Single;
+  }
+  const bool isByBounds =
+      GetRanges() == 1 && (GetLower(0) <= environment.Lower(kX) || GetUpper(0) >= environment.Upper(kX));
+  return environment.IsListed(kX) && !isByBounds ? VokTarnEvent::Domain : VokTarnEvent::Bounds;
 }
 
 bool VokTarnMembershipConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
@@ -63,7 +67,11 @@ int VokTarnMembershipConstraint::Propagate(const VokTarnObjectEnvironment& envir
   if (environment.IsSingle(kTruth)) {
     const VokLong truth = environment.Lower(kTruth);
     if (truth == 0) {
-      return mode == VokTarnMode::HalfReified ? 0 : KeepOutside(environment);
+      if (mode == VokTarnMode::HalfReified) {
+        environment.NoteEntailed();
+        return 0;
+      }
+      return KeepOutside(environment);
     }
     return truth == 1 ? KeepInside(environment) : environment.Fail();
   }
@@ -80,11 +88,9 @@ int VokTarnMembershipConstraint::Propagate(const VokTarnObjectEnvironment& envir
                                                              : std::ranges::any_of(members, has);
     canFail = !canHold || (members.size() > 1 && !std::ranges::all_of(members, has));
   }
-  if (!canHold) {
-    return KeepValue(environment, kTruth, 0);
-  }
-  if (!canFail && mode == VokTarnMode::Reified) {
-    return KeepValue(environment, kTruth, 1);
+  if (!canHold || (!canFail && mode == VokTarnMode::Reified)) {
+    environment.NoteEntailed();
+    return KeepValue(environment, kTruth, canHold ? 1 : 0);
   }
   return KeepBetween(environment, kTruth, 0, 1);
 }
@@ -115,7 +121,7 @@ int VokTarnMembershipConstraint::KeepInside(const VokTarnObjectEnvironment& envi
       return changed;
     }
     if (narrowed == 0 && first == last) {
-      environment.NoteFixpoint();
+      environment.NoteEntailed();
       return changed;
     }
   }
@@ -124,17 +130,20 @@ int VokTarnMembershipConstraint::KeepInside(const VokTarnObjectEnvironment& envi
     static thread_local std::vector<VokLong> kept;  // room that is kept
     kept.clear();
     std::ranges::copy_if(members, std::back_inserter(kept), [this](VokLong v) { return Has(v); });
-    changed |= KeepListed(environment, kX, kept);
+    environment.NoteEntailed();
+    return changed | KeepListed(environment, kX, kept);
   }
-  if (!environment.IsFailed()) {
-    environment.NoteFixpoint();
-  }
+  environment.NoteFixpoint();
   return changed;
 }
 
 int VokTarnMembershipConstraint::KeepOutside(const VokTarnObjectEnvironment& environment) const {
   int changed = 0;
   const std::span<const VokLong> members = environment.Members(kX);
+  if (!members.empty() || GetRanges() == 0 || GetUpper(GetRanges() - 1) < environment.Lower(kX) ||
+      GetLower(0) > environment.Upper(kX)) {
+    environment.NoteEntailed();
+  }
   if (GetRanges() == 1 && GetLower(0) == GetUpper(0)) {
     return RemoveValue(environment, kX, GetLower(0));
   }

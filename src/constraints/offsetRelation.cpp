@@ -59,6 +59,7 @@ int VokTarnOffsetRelationConstraint::Propagate(const VokTarnObjectEnvironment& e
   if (environment.IsSingle(kTruth)) {
     const VokLong truth = environment.Lower(kTruth);
     if (truth == 0 && mode == VokTarnMode::HalfReified) {
+      environment.NoteEntailed();
       return 0;
     }
     return truth == 0 || truth == 1 ? Enforce(environment, truth == 0) : environment.Fail();
@@ -77,11 +78,9 @@ int VokTarnOffsetRelationConstraint::Propagate(const VokTarnObjectEnvironment& e
       std::swap(canHold, canFail);
     }
   }
-  if (!canHold) {
-    return KeepValue(environment, kTruth, 0);
-  }
-  if (!canFail && mode == VokTarnMode::Reified) {
-    return KeepValue(environment, kTruth, 1);
+  if (!canHold || (!canFail && mode == VokTarnMode::Reified)) {
+    environment.NoteEntailed();
+    return KeepValue(environment, kTruth, canHold ? 1 : 0);
   }
   return KeepBetween(environment, kTruth, 0, 1);
 }
@@ -118,8 +117,13 @@ int VokTarnOffsetRelationConstraint::Enforce(const VokTarnObjectEnvironment& env
 int VokTarnOffsetRelationConstraint::KeepDifferent(const VokTarnObjectEnvironment& environment) const {
   int changed = 0;
   const auto remove = [&](unsigned i, std::int64_t v) {
-    return v < environment.Lower(i) || v > environment.Upper(i) ? 0
-                                                                : RemoveValue(environment, i, static_cast<VokLong>(v));
+    const bool isInside = v >= environment.Lower(i) && v <= environment.Upper(i);
+    const int removed = isInside ? RemoveValue(environment, i, static_cast<VokLong>(v)) : 0;
+    // An interval keeps a value inside.
+    if (environment.IsListed(i) || v < environment.Lower(i) || v > environment.Upper(i)) {
+      environment.NoteEntailed();
+    }
+    return removed;
   };
   if (environment.IsSingle(kX)) {
     changed = remove(kY, FromFirst(environment.Lower(kX)));
@@ -137,6 +141,11 @@ int VokTarnOffsetRelationConstraint::KeepAtMostSecond(const VokTarnObjectEnviron
   const std::int64_t limit = FromSecond(far(isNegated == IsMirrored())) + one;
   int changed = isNegated ? KeepFrom(environment, kX, limit) : KeepUpTo(environment, kX, limit);
   if (environment.IsFailed()) {
+    return changed;
+  }
+  const std::int64_t nearest = FromSecond(far(isNegated != IsMirrored())) + one;
+  if (isNegated ? environment.Lower(kX) >= nearest : environment.Upper(kX) <= nearest) {
+    environment.NoteEntailed();
     return changed;
   }
   const std::int64_t end = FromFirst(std::int64_t{isNegated ? environment.Upper(kX) : environment.Lower(kX)} - one);

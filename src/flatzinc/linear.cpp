@@ -361,7 +361,7 @@ Literals Reduce(const Posting& posting, std::span<const Literal> literals) {
   }
   for (std::vector<VokTarnValueId>& values : result.fValues) {
     std::ranges::sort(values);
-    values.erase(std::ranges::unique(values).begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
   }
   std::vector<VokTarnValueId> both;
   std::ranges::set_intersection(result.fValues[0], result.fValues[1], std::back_inserter(both));

@@ -137,7 +137,7 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
   }
   fPriorities.push_back(static_cast<unsigned char>(constraint->GetPriority()));
   fConstraints.push_back(std::move(constraint));
-  fWaiting.push_back(0);
+  fStates.push_back(State::Idle);
   fConstraints.back()->Activate(this);
   return index;
 }
@@ -150,9 +150,9 @@ const std::string& VokTarnNetwork::GetName(VokTarnValueId id) const noexcept {
 void VokTarnNetwork::Schedule(VokULong constraint) {
   if (constraint == fRunning) {
     fIsRunningWoken = true;
-  } else if (fWaiting[constraint] == 0) {
+  } else if (fStates[constraint] == State::Idle) {
     fAgenda[fPriorities[constraint]].fConstraints.push_back(constraint);
-    fWaiting[constraint] = 1;
+    fStates[constraint] = State::Waiting;
   }
 }
 
@@ -168,7 +168,7 @@ VokULong VokTarnNetwork::TakeWaiting() noexcept {
                                  queue.fConstraints.begin() + static_cast<std::ptrdiff_t>(queue.fFirst));
         queue.fFirst = 0;
       }
-      fWaiting[constraint] = 0;
+      fStates[constraint] = State::Idle;
       return constraint;
     }
   }
@@ -199,10 +199,14 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
     fRunning = index;
     fIsRunningWoken = false;
     fIsAtFixpoint = false;
+    fIsEntailed = false;
     constraint.Filter(VokTarnObjectEnvironment(*this, constraint.GetArguments()), 0);
     fRunning = sNone;
     if (fFailed) {
       fFailedConstraint = &constraint;
+    } else if (fIsEntailed) {
+      fStates[index] = State::Entailed;
+      fEntailed.push_back(index);
     } else if (fIsRunningWoken && !fIsAtFixpoint) {
       Schedule(index);
     }
@@ -321,7 +325,7 @@ void VokTarnNetwork::LogChange(VokTarnValueId id) {
 void VokTarnNetwork::ClearAgenda() noexcept {
   for (Queue& queue : fAgenda) {
     for (; queue.fFirst != queue.fConstraints.size(); ++queue.fFirst) {
-      fWaiting[queue.fConstraints[queue.fFirst]] = 0;
+      fStates[queue.fConstraints[queue.fFirst]] = State::Idle;
     }
     queue.fConstraints.clear();
     queue.fFirst = 0;
@@ -329,7 +333,7 @@ void VokTarnNetwork::ClearAgenda() noexcept {
 }
 
 void VokTarnNetwork::PushLevel() {
-  fLevels.push_back({fTrail.size(), ++fStampCounter});
+  fLevels.push_back({fTrail.size(), fEntailed.size(), ++fStampCounter});
 }
 
 void VokTarnNetwork::PopLevel() {
@@ -342,6 +346,10 @@ void VokTarnNetwork::PopLevel() {
     slot.fSummary = saved.fSummary;
     slot.fStamp = saved.fStamp;
     fTrail.pop_back();
+  }
+  while (fEntailed.size() > fLevels.back().fEntailedSize) {
+    fStates[fEntailed.back()] = State::Idle;
+    fEntailed.pop_back();
   }
   fLevels.pop_back();
   ClearAgenda();

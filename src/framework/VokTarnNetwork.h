@@ -127,8 +127,11 @@ class VOKTARN_EXPORT VokTarnNetwork {
     std::size_t fFirst = 0;
   };
   static constexpr VokULong sNone = 0xFFFFFFFFU;
+  // An entailed constraint sleeps until the search goes back to before it became so.
+  enum class State : unsigned char { Idle, Waiting, Entailed };
   struct Level {
     std::size_t fTrailSize;
+    std::size_t fEntailedSize;
     VokULong fStamp;
   };
 
@@ -146,9 +149,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::unordered_map<VokTarnValueId, std::string> fNames;
   std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
   std::vector<unsigned char> fPriorities;  // by constraint
-  std::vector<unsigned char> fWaiting;
+  std::vector<State> fStates;              // the same
   std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
   std::vector<Saved> fTrail;
+  std::vector<VokULong> fEntailed;  // in the order in which they became so
   std::vector<Level> fLevels;
   std::vector<Pool> fPools;
   std::function<bool()> fInterrupt;
@@ -160,6 +164,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong fRunning = sNone;  // the constraint that is being filtered
   bool fIsRunningWoken = false;
   bool fIsAtFixpoint = false;
+  bool fIsEntailed = false;
   bool fFailed = false;
   bool fMemoryShort = false;
 };

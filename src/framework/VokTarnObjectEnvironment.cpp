@@ -27,3 +27,7 @@ int VokTarnObjectEnvironment::Fail() const {
 void VokTarnObjectEnvironment::NoteFixpoint() const noexcept {
   fNetwork.fIsAtFixpoint = true;
 }
+
+void VokTarnObjectEnvironment::NoteEntailed() const noexcept {
+  fNetwork.fIsEntailed = true;
+}

@@ -58,6 +58,9 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   bool IsFailed() const noexcept { return fIsFailed; }
   // Filtering the constraint once more would change nothing: its own changes need not wake it.
   void NoteFixpoint() const noexcept;
+  // The constraint holds whatever values the arguments take of those that are left: it is not filtered again until the
+  // search goes back.
+  void NoteEntailed() const noexcept;
 
  private:
   const VokTarnSlot& Slot(unsigned i) const noexcept { return fSlots[fArguments[i]]; }

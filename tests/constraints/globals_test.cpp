@@ -390,7 +390,7 @@ void Globals::Check(const Posed& posed) {
 }
 
 TEST_F(Globals, LoseNoSupportAndKeepTheirPromises) {
-  for (int trial = 0; trial < 60000 * SoakFactor() && !HasFailure(); ++trial) {
+  for (int trial = 0; trial < 60000 * support::SoakFactor() && !HasFailure(); ++trial) {
     Check(MakePosed(static_cast<unsigned>(trial) % 15));
   }
 }
