@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <initializer_list>
 #include <limits>
 
 namespace tarn {
@@ -73,16 +72,16 @@ void DefineLimits(CLI::App& command, Limits& limits) {
 }
 
 // An option whose value is one of some words.
-template <class Option, class Choice>
+template <class Choice, class Option>
 void DefineChoice(CLI::App& command, const std::string& name, Option& choice, const std::string& help,
-                  std::initializer_list<std::pair<const char*, Choice>> words) {
+                  const std::vector<std::pair<std::string, Choice>>& words) {
   std::string list;
   for (const auto& [word, value] : words) {
-    list += std::string(list.empty() ? "" : "|") + word;
+    list += (list.empty() ? "" : "|") + word;
   }
-  const auto read = [words = std::vector<std::pair<const char*, Choice>>(words), list](std::string& text) {
+  const auto read = [words, list](std::string& text) {
     for (const auto& [word, value] : words) {
-      if (text == word) {
+      if (word == text) {
         text = std::to_string(static_cast<int>(value));
         return std::string();
       }
@@ -96,8 +95,8 @@ void DefineChoice(CLI::App& command, const std::string& name, Option& choice, co
 template <class Options>
 void DefineRestartAndLimits(CLI::App& command, Options& options) {
   using Restart = VokTarnSearch::Restart;
-  DefineChoice(command, "--restart", options.fRestart, "When to begin the search again",
-               {{"luby", Restart::Luby}, {"none", Restart::None}});
+  DefineChoice<Restart>(command, "--restart", options.fRestart, "When to begin the search again",
+                        {{"luby", Restart::Luby}, {"none", Restart::None}});
   command.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
   command.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
 }
@@ -105,13 +104,14 @@ void DefineRestartAndLimits(CLI::App& command, Options& options) {
 void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   using Variable = VokTarnSearch::VariableChoice;
   using Value = VokTarnSearch::ValueChoice;
-  DefineChoice(solve, "--var", options.fVariable, "Which open variable to split next",
-               {{"first-fail", Variable::FirstFail},
-                {"input-order", Variable::InputOrder},
-                {"most-constrained", Variable::MostConstrained},
-                {"weighted", Variable::Weighted}});
-  DefineChoice(solve, "--val", options.fValue, "Which part of its domain to search first",
-               {{"min", Value::Min}, {"max", Value::Max}, {"split", Value::Split}, {"split-max", Value::SplitMax}});
+  DefineChoice<Variable>(solve, "--var", options.fVariable, "Which open variable to split next",
+                         {{"first-fail", Variable::FirstFail},
+                          {"input-order", Variable::InputOrder},
+                          {"most-constrained", Variable::MostConstrained},
+                          {"weighted", Variable::Weighted}});
+  DefineChoice<Value>(
+      solve, "--val", options.fValue, "Which part of its domain to search first",
+      {{"min", Value::Min}, {"max", Value::Max}, {"split", Value::Split}, {"split-max", Value::SplitMax}});
   solve.add_option("--seed", options.fSeed, "Other than 0: order equally ranked variables at random")->type_name("N");
   DefineRestartAndLimits(solve, options);
 }
