@@ -45,13 +45,17 @@ install(DIRECTORY docs/ DESTINATION ${voktarn_doc_dir} FILES_MATCHING PATTERN "*
 install(DIRECTORY examples DESTINATION ${voktarn_doc_dir})
 
 # ---- For MiniZinc: its library of what is passed on to the program, and the description of the program. The build tree
-# has the same in the same places.
+# has the same in the same places, and a description for other places, which the script `tarn` makes known to MiniZinc.
 set(voktarn_minizinc_dir ${CMAKE_INSTALL_DATAROOTDIR}/minizinc)
 file(RELATIVE_PATH voktarn_fzn_program ${CMAKE_INSTALL_FULL_DATAROOTDIR}/minizinc/solvers
   ${CMAKE_INSTALL_FULL_BINDIR}/fzn-tarn)
+set(voktarn_fzn_library ../tarn)
 configure_file(share/minizinc/tarn.msc.in ${CMAKE_BINARY_DIR}/tarn.msc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/tarn.msc DESTINATION ${voktarn_minizinc_dir}/solvers)
 install(DIRECTORY share/minizinc/tarn DESTINATION ${voktarn_minizinc_dir})
 set(voktarn_fzn_program ../../../bin/fzn-tarn)
 configure_file(share/minizinc/tarn.msc.in ${CMAKE_BINARY_DIR}/share/minizinc/solvers/tarn.msc @ONLY)
+set(voktarn_fzn_program ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/fzn-tarn)
+set(voktarn_fzn_library ${CMAKE_SOURCE_DIR}/share/minizinc/tarn)
+configure_file(share/minizinc/tarn.msc.in ${CMAKE_BINARY_DIR}/share/minizinc/tarn.msc @ONLY)
 file(CREATE_LINK ${CMAKE_SOURCE_DIR}/share/minizinc/tarn ${CMAKE_BINARY_DIR}/share/minizinc/tarn SYMBOLIC)

@@ -53,7 +53,7 @@ AnnotatedBrancher::AnnotatedBrancher(const Model& model, const VokTarnNetwork& n
 void AnnotatedBrancher::AddAnnotation(const Model& model, const Argument& annotation, const Values& values,
                                       unsigned depth) {
   if (annotation.fKind != Argument::Kind::Call || depth > kDeepest) {
-    if (const std::string text = GetText(model, annotation); !text.empty()) {
+    if (const std::string text = GetText(model, annotation); !text.empty() && text != "restart_none") {
       fUnknown.push_back(text);
     }
     return;
@@ -69,6 +69,8 @@ void AnnotatedBrancher::AddAnnotation(const Model& model, const Argument& annota
     AddSearch(model, call, values);
   } else if ((name == "warm_start" || name == "warm_start_int" || name == "warm_start_bool") && arguments.size() >= 2) {
     AddWarmStart(model, call, values);
+  } else if (name.starts_with("restart_")) {
+    fRestarts = true;
   } else {
     fUnknown.emplace_back(name);
   }

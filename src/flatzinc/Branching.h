@@ -34,6 +34,8 @@ class AnnotatedBrancher : public VokTarnBrancher {
   void Forget() noexcept { fPositions.clear(); }
 
   const std::vector<std::string>& GetUnknown() const noexcept { return fUnknown; }
+  // Whether an annotation asks for restarts, of whatever sequence.
+  bool Restarts() const noexcept { return fRestarts; }
   // All values that the problem's variables stand for, those that the annotations name first, each once.
   const std::vector<VokTarnValueId>& GetAll() const noexcept { return fAll; }
 
@@ -93,6 +95,7 @@ class AnnotatedBrancher : public VokTarnBrancher {
   std::vector<std::uint32_t> fWeights;  // by value: failures of its constraints, and its degree
   std::vector<VokTarnValueId> fAll;
   std::vector<std::string> fUnknown;
+  bool fRestarts = false;
   VokTarnRandom fRandom;
 };
 

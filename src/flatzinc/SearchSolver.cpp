@@ -47,11 +47,12 @@ void SearchSolver::Begin() {
   fBrancher.Forget();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
-  options.fNodeLimit = fOptions.fNodeLimit;
-  options.fFailLimit = fOptions.fFailLimit;
+  options.fNodeLimit = fOptions.fNodeLimit - std::min(fOptions.fNodeLimit, fBefore.fNodes);
+  options.fFailLimit = fOptions.fFailLimit - std::min(fOptions.fFailLimit, fBefore.fFailures);
+  options.fRestart = fOptions.fRestart.value_or(
+      fOptions.fIsFree || fBrancher.Restarts() ? VokTarnSearch::Restart::Luby : VokTarnSearch::Restart::None);
   if (fOptions.fIsFree) {
     options.fVariable = VokTarnSearch::VariableChoice::Weighted;
-    options.fRestart = VokTarnSearch::Restart::Luby;
     options.fLearns = true;
   }
   fSearch.emplace(fBuilder.GetNetwork(), fOptions.fIsFree ? fBrancher.GetAll() : std::vector<VokTarnValueId>(),

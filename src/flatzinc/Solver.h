@@ -21,9 +21,12 @@ class Solver {
   struct Options {
     // The search annotations are left aside: variables by failures, values that they had before, restarts.
     bool fIsFree = false;
+    // Nothing: as the search annotations say, or as a free search does.
+    std::optional<VokTarnSearch::Restart> fRestart;
     std::uint64_t fSeed = 0;
     // More than one: so many processes search disjoint parts of the search space.
     unsigned fProcesses = 1;
+    // Of each process.
     std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
   };

@@ -33,6 +33,10 @@ prefix="$temporary/other place/prefix"
 tarn=$prefix/bin/tarn
 expect 'S = 9' "$tarn" solve "$source/examples/send-more-money.tarn"
 expect 'module VokFenNumbers' "$tarn" modules
+if command -v minizinc >/dev/null; then
+  printf 'include "circuit.mzn"; array[1..3] of var 1..3: x; constraint circuit(x); solve satisfy;' >tour.mzn
+  expect '----------' minizinc --solver "$prefix/share/minizinc/solvers/tarn.msc" tour.mzn
+fi
 if grep -rlF -e "$source" -e "$temporary/first" "$prefix" >found; then
   fail "names a directory of the build: $(cat found)"
 fi

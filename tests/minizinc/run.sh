@@ -1,11 +1,13 @@
 #!/bin/sh
 # Every model of this directory through MiniZinc and the program: `% passes on:` names the constraints that the library
-# hands over as they are, `% solutions:` how many solutions there are. Usage: run.sh DIRECTORY, that of tarn.msc.
+# hands over as they are, `% solutions:` how many solutions there are. Then what MiniZinc makes of flags, answers and stops.
+# Usage: run.sh DIRECTORY, that of tarn.msc.
 # Ends with 77 where MiniZinc is not installed.
 set -u
 command -v minizinc > /dev/null || exit 77
 models=$(dirname "$0")
 solver=$1/tarn.msc
+export MZN_SOLVER_PATH=$1
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failed=0
@@ -15,7 +17,7 @@ fail() {
   failed=1
 }
 
-MZN_SOLVER_PATH=$1 minizinc --solvers 2>&1 | grep -q '^ *Tarn ' || fail "minizinc --solvers does not list Tarn"
+minizinc --solvers 2>&1 | grep -q '^ *Tarn ' || fail "minizinc --solvers does not list Tarn"
 for model in "$models"/*.mzn; do
   name=$(basename "$model" .mzn)
   minizinc -c --solver "$solver" "$model" --fzn "$work/$name.fzn" --ozn "$work/$name.ozn" ||
@@ -27,7 +29,60 @@ for model in "$models"/*.mzn; do
   found=$(minizinc --solver "$solver" -a "$model" | grep -c '^----------$')
   [ "$found" = "$expected" ] || fail "$name: $found solutions in place of $expected"
 done
-printf 'var 0.0..3.0: x;\nconstraint x * x > 2.0;\nsolve satisfy;\n' > "$work/float.mzn"
-minizinc -c --solver "$solver" "$work/float.mzn" 2>&1 | grep -q 'does not support float' ||
-  fail "float variables are not refused"
+# shows PATTERN MODEL FLAG...: what `minizinc --solver tarn` prints, with the errors, its lines joined by blanks.
+shows() {
+  pattern=$1
+  echo "$2" > "$work/model.mzn"
+  shift 2
+  # shellcheck disable=SC2254
+  printed=$(${stop:-} minizinc --solver tarn "$@" "$work/${file:-model.mzn}" 2>&1 | tr '\n' ' ')
+  case $printed in
+    $pattern) ;;
+    *) fail "$(cat "$work/model.mzn")
+  $*: $printed
+  in place of: $pattern" ;;
+  esac
+}
+
+# Flags.
+one='1 ---------- '
+two='2 ---------- '
+three='3 ---------- '
+end='========== '
+up='var 1..3: x; output [show(x)]; solve :: int_search([x], input_order, indomain_min) '
+for row in "satisfy|$one|" "satisfy|$one$two$three$end|-a" "satisfy|$one$two|-n 2" "satisfy|$one$two$three$end|-n 4" \
+  "satisfy|$one|-r 5 --time-limit 60000" "satisfy|=====UNKNOWN===== |--node-limit 0" "satisfy|$one|--restart luby" \
+  "maximize x|$three$end|" "maximize x|$one$two$three$end|-a" "maximize x|$one$two$three$end|--intermediate" \
+  "maximize x|*$three$end|-i -f" "maximize x|$three$end|-p 2" \
+  "maximize x|*stat: objective=3 *stat: objectiveBound=3 *stat: gap=0 *stat: nodes=*mzn-stat-end *|-s" \
+  "maximize x|*tarn: 1 variables and 0 constraints *|-v" \
+  "maximize x|*\"solution\"*\"status\": \"OPTIMAL_SOLUTION\"*|--json-stream"; do
+  flags=${row##*|}
+  answer=${row%|*}
+  # shellcheck disable=SC2086
+  shows "${answer#*|}" "$up${row%%|*};" $flags
+done
+shows '*---------- *---------- *---------- ========== ' "${up}satisfy;" -a -p 2
+minizinc -c --solver tarn "$work/model.mzn" --fzn "$work/model.fzn"
+file=model.fzn shows 'x = 1; ---------- ' "${up}satisfy;"
+
+# Kinds of models, and of answers.
+shows '=====UNSATISFIABLE===== ' 'include "globals.mzn"; array[1..3] of var 1..2: x; constraint all_different(x); solve satisfy;'
+shows 'c = green; ---------- ========== ' 'enum C = {red, green}; var C: c; constraint c != red; solve satisfy;' -n 2
+shows '{1,2,4} ---------- ========== ' \
+  'var set of 1..4: s; constraint card(s) = 3 /\ 2 in s /\ not (3 in s); output [show(s)]; solve satisfy;' -a
+shows '*does not support float variables*' 'var 0.0..3.0: x; constraint x * x > 2.0; solve satisfy;'
+shows '*float variables are not supported*ERROR*' 'var 0.0..3.0: x; solve satisfy;'
+odd='annotation odd; var 1..3: x; output [show(x)]; solve :: restart_luby(9) :: odd satisfy;'
+shows "$one" "$odd"
+shows "*annotation 'odd' is not known*" "$odd" -v
+
+# A stop shows the best solution. That 13 pigeons do not fit into 12 holes takes years to find out pair by pair.
+pigeons='array[1..13] of var 1..12: x; var 0..1: z; output [show(z)];
+  constraint z = bool2int(exists (i, j in 1..13 where i < j) (x[i] = x[j]));
+  solve :: int_search(x, input_order, indomain_min) minimize z;'
+best="$one*stat: objective=1 *stat: objectiveBound=0 *stat: gap=1 *mzn-stat-end *"
+shows "$best" "$pigeons" -s --time-limit 4000
+shows "$one*" "$pigeons" -p 2 --time-limit 4000
+stop='timeout -s INT 4' shows "$best" "$pigeons" -s
 exit $failed

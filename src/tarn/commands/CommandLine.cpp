@@ -72,8 +72,8 @@ void DefineLimits(CLI::App& command, Limits& limits) {
 }
 
 // An option whose value is one of some words.
-template <class Choice>
-void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, const std::string& help,
+template <class Choice, class Option>
+void DefineChoice(CLI::App& command, const std::string& name, Option& choice, const std::string& help,
                   const std::vector<std::pair<std::string, Choice>>& words) {
   std::string list;
   for (const auto& [word, value] : words) {
@@ -91,10 +91,19 @@ void DefineChoice(CLI::App& command, const std::string& name, Choice& choice, co
   command.add_option(name, choice, help)->type_name(list)->transform(CLI::Validator(read, ""));
 }
 
+// Of the options of a search or of a FlatZinc problem, those that both have.
+template <class Options>
+void DefineRestartAndLimits(CLI::App& command, Options& options) {
+  using Restart = VokTarnSearch::Restart;
+  DefineChoice<Restart>(command, "--restart", options.fRestart, "When to begin the search again",
+                        {{"luby", Restart::Luby}, {"none", Restart::None}});
+  command.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
+  command.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
+}
+
 void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   using Variable = VokTarnSearch::VariableChoice;
   using Value = VokTarnSearch::ValueChoice;
-  using Restart = VokTarnSearch::Restart;
   DefineChoice<Variable>(solve, "--var", options.fVariable, "Which open variable to split next",
                          {{"first-fail", Variable::FirstFail},
                           {"input-order", Variable::InputOrder},
@@ -103,11 +112,8 @@ void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
   DefineChoice<Value>(
       solve, "--val", options.fValue, "Which part of its domain to search first",
       {{"min", Value::Min}, {"max", Value::Max}, {"split", Value::Split}, {"split-max", Value::SplitMax}});
-  DefineChoice<Restart>(solve, "--restart", options.fRestart, "When to begin the search again",
-                        {{"luby", Restart::Luby}, {"none", Restart::None}});
   solve.add_option("--seed", options.fSeed, "Other than 0: order equally ranked variables at random")->type_name("N");
-  solve.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
-  solve.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
+  DefineRestartAndLimits(solve, options);
 }
 
 void DefineSolveOptions(CLI::App& solve, SolveOptions& options) {
@@ -196,8 +202,9 @@ void DefineFlatZinc(CLI::App& app, CommandLine& line) {
   fzn->add_flag("-v,--verbose", options.fVerbose, "Say on the standard error what is done");
   fzn->add_option("-t,--time-limit", options.fMilliseconds, "Stop after this time; 0: never")->type_name("MS");
   fzn->add_flag("-f,--free-search", options.fFree, "Search in another way than the problem says");
-  fzn->add_option("-p,--parallel", options.fThreads, "Accepted; there is one thread")->type_name("N");
+  fzn->add_option("-p,--parallel", options.fProcesses, "Search with N processes")->type_name("N");
   fzn->add_option("-r,--random-seed,--seed", options.fSeed, "For what is random in the search")->type_name("N");
+  DefineRestartAndLimits(*fzn, options);
   fzn->footer("Exit codes: 0 answered, a stop included, 1 not a problem or not supported, 2 bad usage.");
   fzn->callback([&line] { line.fCommand = CommandLine::Command::FlatZinc; });
 }
@@ -255,7 +262,8 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
   } catch (const CLI::ParseError& error) {
     exitCode = app.exit(error, out, err) == 0 ? Solved : BadInput;
     if (exitCode != Solved && arguments.size() > 1 && std::string_view(arguments[1]) == "fzn") {
-      err << "Usage: tarn fzn [-a] [-i] [-n N] [-s] [-v] [-t MS] [-f] [-p N] [-r SEED] FILE\n";
+      err << "Usage: tarn fzn [-a] [-i] [-n N] [-s] [-v] [-t MS] [-f] [-p N] [-r SEED] [--restart luby|none]"
+             " [--node-limit N] [--fail-limit N] FILE\n";
     }
     return std::nullopt;
   }

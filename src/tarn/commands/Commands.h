@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -46,8 +47,11 @@ struct FlatZincOptions {
   bool fVerbose = false;
   bool fFree = false;               // the search need not be as the problem says
   std::uint64_t fMilliseconds = 0;  // 0: no limit
-  std::uint64_t fThreads = 1;
+  std::uint64_t fProcesses = 1;
   std::int64_t fSeed = 0;
+  std::optional<VokTarnSearch::Restart> fRestart;  // nothing: as the problem says
+  std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
+  std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
 };
 
 // Whether every variable has one value and no statement contradicts them; says on `err` what is wrong.

@@ -71,7 +71,10 @@ fzn::Solver::Options MakeSolverOptions(const FlatZincOptions& options) {
   fzn::Solver::Options made;
   made.fIsFree = options.fFree;
   made.fSeed = static_cast<std::uint64_t>(options.fSeed);
-  made.fProcesses = static_cast<unsigned>(std::clamp<std::uint64_t>(options.fThreads, 1, 256));
+  made.fProcesses = static_cast<unsigned>(std::clamp<std::uint64_t>(options.fProcesses, 1, 256));
+  made.fRestart = options.fRestart;
+  made.fNodeLimit = options.fNodeLimit;
+  made.fFailLimit = options.fFailLimit;
   return made;
 }
 
@@ -86,6 +89,9 @@ FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, con
   std::vector<std::string> unknown;
   fSolver = fzn::MakeSolver(
       builder, MakeSolverOptions(options), [] { return IsInterrupted(); }, unknown);
+  if (!options.fVerbose) {
+    unknown.clear();
+  }
   for (const std::string& name : unknown) {
     err << "tarn: warning: the search annotation " << Quote(MakePrintable(name)) << " is not known\n";
   }
@@ -164,13 +170,18 @@ void FlatZincRun::PrintStatistics() const {
     fOut << "%%%mzn-stat: " << name << '=' << value << '\n';
   };
   const auto truths = std::ranges::count_if(fModel.fVariables, &fzn::Variable::fIsTruth);
-  if (HasObjective() && fFound > 0) {
-    print("objective", GetObjective());
-  }
-  if (HasObjective() && fFound > 0 && fIsComplete) {
-    print("objectiveBound", GetObjective());
-  } else if (const std::optional<std::int64_t> bound = fSolver->GetBound()) {
-    print("objectiveBound", *bound);
+  if (HasObjective()) {
+    const bool isFound = fFound > 0;
+    const std::optional<std::int64_t> bound = isFound && fIsComplete ? GetObjective() : fSolver->GetBound();
+    if (isFound) {
+      print("objective", GetObjective());
+    }
+    if (bound) {
+      print("objectiveBound", *bound);
+    }
+    if (isFound && bound) {
+      print("gap", std::max(GetObjective(), *bound) - std::min(GetObjective(), *bound));
+    }
   }
   print("nodes", statistics.fNodes);
   print("failures", statistics.fFailures);
