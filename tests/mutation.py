@@ -96,7 +96,7 @@ def refresh(source, copy):
 
 def prepare():
     TREE.mkdir(parents=True, exist_ok=True)
-    for name in ("src", "tests", "cmake", "docs", "examples"):
+    for name in ("src", "tests", "cmake", "docs", "examples", "share", "fuzz"):
         shutil.copytree(ROOT / name, TREE / name, copy_function=refresh, dirs_exist_ok=True)
         for copy in (TREE / name).rglob("*"):
             if copy.is_file() and not (ROOT / copy.relative_to(TREE)).exists():
