@@ -17,7 +17,7 @@ int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::s
 namespace {
 
 // The least value of argument i within the range; one above the range when there is none.
-std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range) {
+std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
   const std::int64_t lower = std::max<std::int64_t>(range.fLower, environment.Lower(i));
   const std::int64_t upper = std::min<std::int64_t>(range.fUpper, environment.Upper(i));
   if (lower > upper) {
@@ -31,24 +31,24 @@ std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, 
   return next <= upper ? next : range.fUpper + 1;
 }
 
-std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range) {
+std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
   const auto v = static_cast<VokLong>(std::min<std::int64_t>(range.fUpper, environment.Upper(i)));
   return MayBe(environment, i, v) ? v : environment.Integer(i).GetPrevExactValue(v);
 }
 
 }  // namespace
 
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range) {
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
   return FindFirst(environment, i, range) <= range.fUpper;
 }
 
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges) {
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges) {
   return std::any_of(ranges.begin(), ranges.end(),
-                     [&](const NumberRange& range) { return HasValueIn(environment, i, range); });
+                     [&](const VokTarnNumberRange& range) { return HasValueIn(environment, i, range); });
 }
 
-int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges) {
-  const auto isTouched = [&](const NumberRange& range) { return HasValueIn(environment, i, range); };
+int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges) {
+  const auto isTouched = [&](const VokTarnNumberRange& range) { return HasValueIn(environment, i, range); };
   const auto first = std::find_if(ranges.begin(), ranges.end(), isTouched);
   if (first == ranges.end()) {
     return environment.MakeNil(i);

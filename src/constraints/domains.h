@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "constraints/VokTarnNumberRange.h"
 #include "constraints/narrowing.h"
 
 // Whether every number between the bounds of argument i is possible.
@@ -90,18 +91,12 @@ int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int6
   return changed;
 }
 
-// Numbers from fLower to fUpper.
-struct NumberRange {
-  std::int64_t fLower;
-  std::int64_t fUpper;
-};
-
 // Whether argument i has a value in the range, in some range of a list.
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const NumberRange& range);
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges);
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range);
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges);
 // Argument i keeps those of its values that are in the ranges, which ascend; a type that does not list its values keeps
 // the others between them.
-int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const NumberRange> ranges);
+int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges);
 
 // Whether all arguments are different values of the network.
 bool AreDistinct(std::span<const VokTarnValueId> arguments);

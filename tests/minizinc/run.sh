@@ -55,7 +55,7 @@ for row in "satisfy|$one|" "satisfy|$one$two$three$end|-a" "satisfy|$one$two|-n 
   "maximize x|$three$end|" "maximize x|$one$two$three$end|-a" "maximize x|$one$two$three$end|--intermediate" \
   "maximize x|*$three$end|-i -f" "maximize x|$three$end|-p 2" \
   "maximize x|*stat: objective=3 *stat: objectiveBound=3 *stat: gap=0 *stat: nodes=*mzn-stat-end *|-s" \
-  "maximize x|*tarn: 1 variables and 0 constraints *|-v" \
+  "maximize x|*tarn: 1 variables, 0 constraints; *|-v" \
   "maximize x|*\"solution\"*\"status\": \"OPTIMAL_SOLUTION\"*|--json-stream"; do
   flags=${row##*|}
   answer=${row%|*}
@@ -81,8 +81,7 @@ shows "*annotation 'odd' is not known*" "$odd" -v
 pigeons='array[1..13] of var 1..12: x; var 0..1: z; output [show(z)];
   constraint z = bool2int(exists (i, j in 1..13 where i < j) (x[i] = x[j]));
   solve :: int_search(x, input_order, indomain_min) minimize z;'
-best="$one*stat: objective=1 *stat: objectiveBound=0 *stat: gap=1 *mzn-stat-end *"
-shows "$best" "$pigeons" -s --time-limit 4000
-shows "$one*" "$pigeons" -p 2 --time-limit 4000
+best="*$one*stat: objective=1 *stat: objectiveBound=0 *stat: gap=1 *mzn-stat-end *"
+shows "$best" "$pigeons" -s -p 2 --time-limit 4000
 stop='timeout -s INT 4' shows "$best" "$pigeons" -s
 exit $failed

@@ -93,7 +93,7 @@ FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, con
     unknown.clear();
   }
   for (const std::string& name : unknown) {
-    err << "tarn: warning: the search annotation " << Quote(MakePrintable(name)) << " is not known\n";
+    err << "tarn: warning: the search annotation " + Quote(MakePrintable(name)) + " is not known\n";
   }
 }
 
@@ -223,9 +223,12 @@ int Solve(const Modules& modules, const Source& source, const FlatZincOptions& o
     return sFailed;
   }
   if (options.fVerbose) {
-    err << "tarn: " << model.fVariables.size() << " variables and " << model.fConstraints.size()
-        << " constraints are a network of " << network.GetValueCount() << " values and " << network.GetConstraintCount()
-        << " constraints after " << GetRunTime().count() << " s\n";
+    // In one piece: MiniZinc mixes what comes through the two streams.
+    std::ostringstream line;
+    line << "tarn: " << model.fVariables.size() << " variables, " << model.fConstraints.size()
+         << " constraints; as a network " << network.GetValueCount() << " values, " << network.GetConstraintCount()
+         << " constraints, after " << GetRunTime().count() << " s\n";
+    err << line.str();
   }
   FlatZincRun run(checker, builder, options, out, err);
   const int exitCode = run.Run();
