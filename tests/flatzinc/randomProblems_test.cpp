@@ -173,7 +173,7 @@ std::optional<std::multiset<Values>> Solve(const fzn::Model& model, const suppor
 
 void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count) {
   const support::LoadedModules modules;
-  for (unsigned seed = 1; seed <= count * static_cast<unsigned>(SoakFactor()); ++seed) {
+  for (unsigned seed = 1; seed <= count * static_cast<unsigned>(support::SoakFactor()); ++seed) {
     const RandomProblem problem(seed, rows, true);
     SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + problem.GetText());
     fzn::ErrorList errors("problem");
@@ -202,7 +202,7 @@ TEST(RandomProblems, BuiltinsHaveAsManySolutionsAsWithGecode) {
     GTEST_SKIP() << "fzn-gecode is not installed";
   }
   const support::LoadedModules modules;
-  for (unsigned seed = 1; seed <= 50 * static_cast<unsigned>(SoakFactor()); ++seed) {
+  for (unsigned seed = 1; seed <= 50 * static_cast<unsigned>(support::SoakFactor()); ++seed) {
     const RandomProblem problem(seed, sBuiltins, false);
     SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + problem.GetText());
     const TemporaryFile file(problem.GetText());
