@@ -1,5 +1,6 @@
-// FlatZinc: parse, check, build, and a few steps of search, after the annotations or free. What is found must satisfy the
-// problem as it is written; where the problem is so small that all assignments can be tried, the search finds them all.
+// FlatZinc: parse, check, build, and a few steps of search, after the annotations or free. What is found must satisfy
+// the problem as it is written; where the problem is so small that all assignments can be tried, the search finds them
+// all.
 #include <algorithm>
 
 #include "flatzinc/Builder.h"
