@@ -65,7 +65,9 @@ ParallelSolver::ParallelSolver(Builder& builder, const Options& options, std::fu
       fOptions(options),
       fInterrupt(std::move(interrupt)),
       fObjective(SearchSolver::FindObjective(builder)),
-      fSearch(builder, options, unknown) {}
+      fSearch(builder, options, unknown) {
+  fSearch.End();
+}
 
 ParallelSolver::~ParallelSolver() {
   for (const Worker& worker : fWorkers) {
@@ -120,33 +122,41 @@ Solver::Status ParallelSolver::Next() {
   return Status::Solution;
 }
 
-// Splits the shallowest part in two until there are enough of them, or none can be split.
+// Splits all parts in two, level by level, until there are enough of them or none can be split. They stay in the order
+// in which one search would come to them: what it finds early bounds the rest.
 void ParallelSolver::Split() {
   VokTarnNetwork& network = fBuilder.GetNetwork();
   if (fObjective) {
     const VokTarnValueId id = fObjective->fValue;
     fBound = fObjective->fSense == VokTarnSearch::Sense::Minimize ? network.GetLower(id) : network.GetUpper(id);
   }
-  std::deque<Part> open = {{}};
-  while (!open.empty() && open.size() + fParts.size() < kPartsPerProcess * fOptions.fProcesses && !fInterrupt()) {
-    const Part part = std::move(open.front());
-    open.pop_front();
-    network.PushLevel();
-    if (Apply(part)) {
-      fSearch.GetBrancher().Forget();
-      VokTarnBranch branch{};
-      if (fSearch.GetBrancher().Choose(network, 0, branch)) {
-        for (const VokTarnBranch& half : {branch, branch.GetRest()}) {
-          open.push_back(part);
-          open.back().push_back(half);
-        }
-      } else {
-        fParts.push_back(part);
-      }
+  const std::size_t wanted = kPartsPerProcess * fOptions.fProcesses;
+  fParts = {{}};
+  for (std::size_t before = 0; before < fParts.size() && fParts.size() < wanted && !fInterrupt();) {
+    before = fParts.size();
+    std::vector<Part> halves;
+    for (const Part& part : fParts) {
+      AddHalves(part, halves);
     }
-    network.PopLevel();
+    fParts = std::move(halves);
   }
-  fParts.insert(fParts.end(), open.begin(), open.end());
+}
+
+// Two parts in place of one; the part itself when nothing is open in it, none when it has no solution.
+void ParallelSolver::AddHalves(const Part& part, std::vector<Part>& halves) {
+  VokTarnNetwork& network = fBuilder.GetNetwork();
+  network.PushLevel();
+  if (Apply(part)) {
+    halves.push_back(part);
+    fSearch.GetBrancher().Forget();
+    VokTarnBranch branch{};
+    if (fSearch.GetBrancher().Choose(network, 0, branch)) {
+      halves.push_back(part);
+      halves[halves.size() - 2].push_back(branch);
+      halves.back().push_back(branch.GetRest());
+    }
+  }
+  network.PopLevel();
 }
 
 // False when the part has no solution, as far as propagation sees.

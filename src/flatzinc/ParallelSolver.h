@@ -40,6 +40,7 @@ class ParallelSolver : public Solver {
   };
 
   void Split();
+  void AddHalves(const Part& part, std::vector<Part>& halves);
   void Start();
   [[noreturn]] void Work(unsigned index, int pipe);
   void SearchPart(int pipe);
