@@ -1,6 +1,7 @@
 #include "flatzinc/Builder.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 
@@ -124,7 +125,8 @@ void Builder::UnifyVariables() {
         const std::span<const Term> factors = posting.GetTerms(0);
         const Term number = posting.GetTerm(2);
         if (factors.size() == 2 && !number.fIsVariable && number.fNumber == 0 && !factors[0].fIsVariable &&
-            !factors[1].fIsVariable && factors[0].fNumber != 0 && factors[1].fNumber == -factors[0].fNumber) {
+            !factors[1].fIsVariable && factors[0].fNumber != std::numeric_limits<std::int64_t>::min() &&
+            factors[0].fNumber != 0 && factors[1].fNumber == -factors[0].fNumber) {
           Unify(posting.GetTerms(1)[0], posting.GetTerms(1)[1]);
           fIsPosted[i] = true;
         }

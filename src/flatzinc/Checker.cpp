@@ -56,7 +56,8 @@ class Given {
 
 }  // namespace
 
-// A kind of constraint: a letter per argument (i a number, a an array of them, s a set), and its meaning.
+// A kind of constraint: a letter per argument (i an integer, b a truth value, a and B arrays of them, s a set), and its
+// meaning.
 struct CheckerRow {
   std::string_view fName;
   std::string_view fArguments;
@@ -427,31 +428,31 @@ bool RelatesLoads(const Given& c, Relation relation) {
 // ---- The table
 
 constexpr CheckerRow sRows[] = {
-    {"array_bool_and", "ai", [](const Given& c) { return AreAll(c) == (c.Get(1) != 0); }},
-    {"array_bool_and_imp", "ai", [](const Given& c) { return c.Get(1) == 0 || AreAll(c); }},
-    {"array_bool_element", "iai", IsElement},
-    {"array_bool_or", "ai", [](const Given& c) { return IsAny(c) == (c.Get(1) != 0); }},
-    {"array_bool_or_imp", "ai", [](const Given& c) { return c.Get(1) == 0 || IsAny(c); }},
-    {"array_bool_xor", "a", IsOdd},
+    {"array_bool_and", "Bb", [](const Given& c) { return AreAll(c) == (c.Get(1) != 0); }},
+    {"array_bool_and_imp", "Bb", [](const Given& c) { return c.Get(1) == 0 || AreAll(c); }},
+    {"array_bool_element", "iBb", IsElement},
+    {"array_bool_or", "Bb", [](const Given& c) { return IsAny(c) == (c.Get(1) != 0); }},
+    {"array_bool_or_imp", "Bb", [](const Given& c) { return c.Get(1) == 0 || IsAny(c); }},
+    {"array_bool_xor", "B", IsOdd},
     {"array_int_element", "iai", IsElement},
     {"array_int_maximum", "ia", [](const Given& c) { return IsExtreme(c, std::greater()); }},
     {"array_int_minimum", "ia", [](const Given& c) { return IsExtreme(c, std::less()); }},
-    {"array_var_bool_element", "iai", IsElement},
+    {"array_var_bool_element", "iBb", IsElement},
     {"array_var_int_element", "iai", IsElement},
-    {"bool2int", "ii", [](const Given& c) { return c.Get(0) == c.Get(1); }},
-    {"bool_and", "iii", [](const Given& c) { return (c.Get(0) & c.Get(1)) == c.Get(2); }},
-    {"bool_and_imp", "iii", [](const Given& c) { return c.Get(2) <= (c.Get(0) & c.Get(1)); }},
-    {"bool_clause", "aa", IsClause},
-    {"bool_eq", "ii", [](const Given& c) { return c.Get(0) == c.Get(1); }},
-    {"bool_le", "ii", [](const Given& c) { return c.Get(0) <= c.Get(1); }},
-    {"bool_lin_eq", "aai", [](const Given& c) { return RelatesSum(c, std::equal_to()); }},
-    {"bool_lin_le", "aai", [](const Given& c) { return RelatesSum(c, std::less_equal()); }},
-    {"bool_lt", "ii", [](const Given& c) { return c.Get(0) < c.Get(1); }},
-    {"bool_not", "ii", [](const Given& c) { return c.Get(0) != c.Get(1); }},
-    {"bool_or", "iii", [](const Given& c) { return (c.Get(0) | c.Get(1)) == c.Get(2); }},
-    {"bool_or_imp", "iii", [](const Given& c) { return c.Get(2) <= (c.Get(0) | c.Get(1)); }},
-    {"bool_xor", "ii", [](const Given& c) { return c.Get(0) != c.Get(1); }},
-    {"bool_xor", "iii", [](const Given& c) { return (c.Get(0) ^ c.Get(1)) == c.Get(2); }},
+    {"bool2int", "bi", [](const Given& c) { return c.Get(0) == c.Get(1); }},
+    {"bool_and", "bbb", [](const Given& c) { return (c.Get(0) & c.Get(1)) == c.Get(2); }},
+    {"bool_and_imp", "bbb", [](const Given& c) { return c.Get(2) <= (c.Get(0) & c.Get(1)); }},
+    {"bool_clause", "BB", IsClause},
+    {"bool_eq", "bb", [](const Given& c) { return c.Get(0) == c.Get(1); }},
+    {"bool_le", "bb", [](const Given& c) { return c.Get(0) <= c.Get(1); }},
+    {"bool_lin_eq", "aBi", [](const Given& c) { return RelatesSum(c, std::equal_to()); }},
+    {"bool_lin_le", "aBi", [](const Given& c) { return RelatesSum(c, std::less_equal()); }},
+    {"bool_lt", "bb", [](const Given& c) { return c.Get(0) < c.Get(1); }},
+    {"bool_not", "bb", [](const Given& c) { return c.Get(0) != c.Get(1); }},
+    {"bool_or", "bbb", [](const Given& c) { return (c.Get(0) | c.Get(1)) == c.Get(2); }},
+    {"bool_or_imp", "bbb", [](const Given& c) { return c.Get(2) <= (c.Get(0) | c.Get(1)); }},
+    {"bool_xor", "bb", [](const Given& c) { return c.Get(0) != c.Get(1); }},
+    {"bool_xor", "bbb", [](const Given& c) { return (c.Get(0) ^ c.Get(1)) == c.Get(2); }},
     {"fzn_all_different_int", "a", AreAllDifferent},
     {"fzn_all_equal_int", "a", AreAllEqual},
     {"fzn_among", "ias", IsAmong},
@@ -463,9 +464,9 @@ constexpr CheckerRow sRows[] = {
     {"fzn_disjunctive", "aa", [](const Given& c) { return AreDisjunctive(c, false); }},
     {"fzn_disjunctive_strict", "aa", [](const Given& c) { return AreDisjunctive(c, true); }},
     {"fzn_increasing_int", "a", AreIncreasing},
-    {"fzn_lex_less_bool", "aa", [](const Given& c) { return IsBefore(c, 0, 1); }},
+    {"fzn_lex_less_bool", "BB", [](const Given& c) { return IsBefore(c, 0, 1); }},
     {"fzn_lex_less_int", "aa", [](const Given& c) { return IsBefore(c, 0, 1); }},
-    {"fzn_lex_lesseq_bool", "aa", [](const Given& c) { return !IsBefore(c, 1, 0); }},
+    {"fzn_lex_lesseq_bool", "BB", [](const Given& c) { return !IsBefore(c, 1, 0); }},
     {"fzn_lex_lesseq_int", "aa", [](const Given& c) { return !IsBefore(c, 1, 0); }},
     {"fzn_member_int", "ai", [](const Given& c) { return HasMember(c, 0, c.Get(1)); }},
     {"fzn_nvalue", "ia", [](const Given& c) { return CountDistinct(c, 1) == c.Get(0); }},
@@ -521,9 +522,9 @@ bool IsOfKind(const Argument& argument, char letter) {
     case Kind::Truth:
     case Kind::Integer:
     case Kind::Variable:
-      return letter == 'i';
+      return letter == (argument.fIsTruth ? 'b' : 'i');
     case Kind::Array:
-      return letter == 'a';
+      return argument.fCount == 0 ? letter == 'a' || letter == 'B' : letter == (argument.fIsTruth ? 'B' : 'a');
     case Kind::OneSet:
       return letter == 's';
     default:
@@ -532,7 +533,18 @@ bool IsOfKind(const Argument& argument, char letter) {
 }
 
 const char* DescribeKind(char letter) {
-  return letter == 'i' ? "a single value" : letter == 'a' ? "an array" : "a set";
+  switch (letter) {
+    case 'i':
+      return "an integer";
+    case 'b':
+      return "a truth value";
+    case 'a':
+      return "an array of integers";
+    case 'B':
+      return "an array of truth values";
+    default:
+      return "a set";
+  }
 }
 
 }  // namespace
@@ -567,7 +579,7 @@ std::optional<Checker::Check> Checker::FindCheck(std::string_view name, std::siz
 void Checker::CheckArguments(const Constraint& constraint, const Check& check, ErrorList& errors) const {
   const std::span<const Argument> arguments = fModel.GetArguments(constraint);
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const char letter = i < check.fRow->fArguments.size() ? check.fRow->fArguments[i] : 'i';
+    const char letter = i < check.fRow->fArguments.size() ? check.fRow->fArguments[i] : 'b';
     if (!IsOfKind(arguments[i], letter)) {
       errors.Add(constraint.fLine, "expected " + std::string(DescribeKind(letter)) + " as argument " +
                                        std::to_string(i + 1) + " of " + std::string(fModel.GetName(constraint)));

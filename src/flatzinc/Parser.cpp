@@ -388,6 +388,9 @@ void Parser::ParseArrayDeclaration() {
   }
   Declare(name, array);
   if (annotations.fIsOutputArray) {
+    if (array->fKind != Kind::Array) {
+      fLexer.Fail("expected an array of integers or truth values to be printed");
+    }
     std::string sets;
     for (const Set& set : annotations.fIndexSets) {
       sets += (sets.empty() ? "" : ", ") + ToText(set);

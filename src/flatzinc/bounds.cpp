@@ -172,7 +172,8 @@ void Inference::Narrow(const Term& term, const Hull& hull) {
 void Inference::InferLinear(const Constraint& c, bool isEquation) {
   const std::span<const Term> coefficients = GetTerms(c, 0);
   const std::span<const Term> variables = GetTerms(c, 1);
-  if (coefficients.size() != variables.size()) {
+  // A variable with one value may stand for a coefficient: that is left to the constraint.
+  if (coefficients.size() != variables.size() || std::ranges::any_of(coefficients, &Term::fIsVariable)) {
     return;
   }
   std::vector<std::pair<Int128, Term>> terms = {{-1, GetTerm(c, 2)}};

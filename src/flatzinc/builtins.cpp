@@ -288,8 +288,6 @@ constexpr PostingRow kRows[] = {
     {"bool_eq", 2, PostCompare<Relation::Equal, 0>},
     {"bool_eq_reif", 3, PostCompare<Relation::Equal, 0>},
     {"bool_eq_imp", 3, PostCompare<Relation::Equal, 0>},
-    {"bool_ne", 2, PostNot},
-    {"bool_ne_reif", 3, PostXor},
     {"bool_not", 2, PostNot},
     {"bool_xor", 2, PostXor},
     {"bool_xor", 3, PostXor},

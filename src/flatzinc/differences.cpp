@@ -24,20 +24,22 @@ std::optional<Difference> ReadDifference(const Posting& posting) {
     second = posting.GetTerm(1);
   } else if (name == "int_lin_ne" && posting.Size() == 3 && posting.GetTerms(1).size() == 2) {
     const std::vector<std::int64_t> factors = posting.GetConstants(0);
-    if (factors.size() != 2 || std::abs(factors[0]) != 1 || factors[0] != -factors[1]) {
+    const bool isDifference =
+        factors.size() == 2 && ((factors[0] == 1 && factors[1] == -1) || (factors[0] == -1 && factors[1] == 1));
+    const std::int64_t number = posting.GetConstant(2);
+    if (!isDifference || number > kMostGap || number < -kMostGap) {
       return std::nullopt;
     }
     first = posting.GetTerms(1)[0];
     second = posting.GetTerms(1)[1];
-    gap = posting.GetConstant(2) * factors[0];
+    gap = number * factors[0];
   } else {
     return std::nullopt;
   }
   // Apart by so much anyway: nothing that a clique is to be made of.
   const bool isTrivial = posting.GetLower(first) - gap > posting.GetUpper(second) ||
                          posting.GetUpper(first) - gap < posting.GetLower(second);
-  if (isTrivial || posting.IsFixed(first) || posting.IsFixed(second) || posting.AreSame(first, second) ||
-      std::abs(gap) > kMostGap) {
+  if (isTrivial || posting.IsFixed(first) || posting.IsFixed(second) || posting.AreSame(first, second)) {
     return std::nullopt;
   }
   return Difference{posting.GetValue(first), posting.GetValue(second), static_cast<VokLong>(gap)};

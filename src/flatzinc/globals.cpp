@@ -144,15 +144,18 @@ void PostGlobalCardinalityLowUp(const Posting& posting) {
 }
 
 void PostRegular(const Posting& posting) {
+  const std::int64_t states = posting.GetConstant(1);
+  if (states < 0 || static_cast<std::uint64_t>(states) > posting.GetTerms(3).size()) {
+    throw PostingError("argument 4 should have a row for each state");
+  }
   std::vector<VokLong> finals;
   for (const Range& range : posting.GetSet(5)) {
-    for (std::int64_t q = range.fLower; q <= std::min(range.fUpper, posting.GetConstant(1)); ++q) {
+    for (std::int64_t q = std::max<std::int64_t>(range.fLower, 1); q <= std::min(range.fUpper, states); ++q) {
       finals.push_back(ToConstant(q));
     }
   }
-  std::vector<VokLong> constants =
-      ToConstants(std::vector<std::int64_t>{posting.GetConstant(1), posting.GetConstant(2), posting.GetConstant(4),
-                                            static_cast<std::int64_t>(finals.size())});
+  std::vector<VokLong> constants = ToConstants(std::vector<std::int64_t>{
+      states, posting.GetConstant(2), posting.GetConstant(4), static_cast<std::int64_t>(finals.size())});
   constants.insert(constants.end(), finals.begin(), finals.end());
   AppendConstants(posting, 3, constants);
   posting.Post("VokTarnRegularConstraint", Join(posting, {0}), constants);

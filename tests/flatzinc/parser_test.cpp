@@ -153,7 +153,7 @@ TEST(Parser, SaysWhereAndWhatWasExpected) {
        "f:2: set variables are not supported\nf:3: set variables are not supported\n"
        "f:3: constraint float_le/2 is not supported\nf:4: float objectives are not supported\n"
        "f:4: constraint no/1 is not supported\nf:4: constraint no/2 is not supported\n"
-       "f:4: expected a single value as argument 1 of int_le\n"},
+       "f:4: expected an integer as argument 1 of int_le\n"},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(Read(row.fText), row.fExpected) << row.fText;
