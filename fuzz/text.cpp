@@ -2,6 +2,7 @@
 // type, the rest is the text.
 #include "domain/VokFenEnumInteger.h"
 #include "fuzz.h"
+#include "numbers/SubIntBase.h"
 #include "numbers/VokFenSingleBoolean.h"
 
 namespace {
@@ -15,6 +16,12 @@ void Run(const std::string& text) {
   value.InputValue(is);
   if (is.fail()) {
     return;
+  }
+  // Numbers beyond the ends of the integer range are printed as the ends.
+  if constexpr (requires { value.GetUpperBound(); }) {
+    if (value.GetLowerBound() < SubIntBase::sMin || value.GetUpperBound() > SubIntBase::sMax) {
+      return;
+    }
   }
   const std::string printed = fuzz::Print(value);
   std::istringstream again(printed);
