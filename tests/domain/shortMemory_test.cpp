@@ -80,4 +80,13 @@ TEST(EnumShortMemory, LeavesTheRightSetOrNilNeverAPart) {
   }
 }
 
+TEST(EnumShortMemory, ACopiedVectorSaysThatItIsNone) {
+  VokSVectorImp_SubIntBase vector(9, 1U, 0);
+  vector.Add(Element(7));
+  sAllocationsLeft = 0;
+  const VokSVectorImp_SubIntBase copy(vector);
+  sAllocationsLeft = std::numeric_limits<unsigned>::max();
+  EXPECT_EQ(copy.IsValid() + static_cast<int>(copy.Size()), 0);
+}
+
 }  // namespace
