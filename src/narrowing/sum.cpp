@@ -274,8 +274,8 @@ unsigned KeepByStrides(const Sums& sums, VokULong stride, Values values, VokLong
   return count;
 }
 
-// Requires: at most kMaxCandidates values, at least one; no more than the limit of distinct sums from an end on, which is
-// the two sizes less one; `kept` has room for kSlack more.
+// Requires: at most kMaxCandidates values, at least one; no more than the limit of distinct sums from an end on, which
+// is the two sizes less one; `kept` has room for kSlack more.
 unsigned KeepSums(const Sums& sums, Values values, VokLong* kept) {
   const std::size_t na = sums.fA.size();
   const std::size_t nb = sums.fB.size();

@@ -108,6 +108,15 @@ TEST(NarrowingStates, TypedRoutinesSettleEmptySets) {
   }
 }
 
+TEST(NarrowingStates, ATypeDerivedFromSingleIsOne) {
+  struct Derived : VokFenSingleInteger {
+    using VokFenSingleInteger::VokFenSingleInteger;
+  };
+  VokFenEnumInteger z = enumSets::SetOf({3, 4});
+  EXPECT_EQ(z.CalcNegativeValue(Derived(-3)), 1);
+  EXPECT_EQ(enumSets::Show(z), "3");
+}
+
 // How far apart the ends of the sums are decides how they are formed: one word, two, or blocks of bits.
 TEST(NarrowingStates, SumsOfEveryWidth) {
   for (VokLong width = 7; width <= 1100; ++width) {
