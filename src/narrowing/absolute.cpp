@@ -42,7 +42,8 @@ int VokFenEnumInteger::CalcAbsoluteValue(const VokFenEnumInteger& a) {
   if (flag == 1 && (parts.fBelow.empty() || parts.fFromZero.empty())) {
     return 0;
   }
-  // A flag that is neither 0 nor 1, which a record can hold, makes the empty part no Nil: a full set joined to it is Any.
+  // A flag that is neither 0 nor 1, which a record can hold, makes the empty part no Nil: a full set joined to it is
+  // Any.
   if (flag != 0 && parts.fBelow.empty() && arguments.GetCount() >= sMAX_CARD) {
     return 0;
   }
