@@ -6,7 +6,7 @@
 namespace fzn {
 
 // One search in this process.
-class SearchSolver : public Solver {
+class SearchSolver final : public Solver {
  public:
   SearchSolver(Builder& builder, const Options& options, std::vector<std::string>& unknown);
 

@@ -34,8 +34,8 @@ shows() {
   pattern=$1
   echo "$2" > "$work/model.mzn"
   shift 2
-  # shellcheck disable=SC2254
   printed=$(${stop:-} minizinc --solver tarn "$@" "$work/${file:-model.mzn}" 2>&1 | tr '\n' ' ')
+  # shellcheck disable=SC2254
   case $printed in
     $pattern) ;;
     *) fail "$(cat "$work/model.mzn")
@@ -80,8 +80,8 @@ shows "*annotation 'odd' is not known*" "$odd" -v
 # A stop shows the best solution. That 13 pigeons do not fit into 12 holes takes years to find out pair by pair.
 pigeons='array[1..13] of var 1..12: x; var 0..1: z; output [show(z)];
   constraint z = bool2int(exists (i, j in 1..13 where i < j) (x[i] = x[j]));
-  solve :: int_search(x, input_order, indomain_min) minimize z;'
-best="*$one*stat: objective=1 *stat: objectiveBound=0 *stat: gap=1 *mzn-stat-end *"
+  solve :: int_search(x, input_order, indomain_min) :: restart_luby(9) minimize z;'
+best="*$one*stat: objective=1 *stat: objectiveBound=0 *stat: gap=1 *stat: restarts=[1-9]*mzn-stat-end *"
 shows "$best" "$pigeons" -s -p 2 --time-limit 4000
 stop='timeout -s INT 4' shows "$best" "$pigeons" -s
 exit $failed
