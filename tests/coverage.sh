@@ -28,7 +28,7 @@ reach() {
   [ "$verdict" = ok ] || gcovr -r . -a build/coverage/all.json -f "$4" | grep -v '100%'
 }
 reach module 100 95 'src/(module|domain|io|narrowing)/'
-for folder in numbers constraints framework tarn; do
+for folder in numbers constraints framework tarn flatzinc; do
   reach "$folder" 90 80 "src/$folder/"
 done
 exit $failed
