@@ -41,22 +41,28 @@ TEST(ShortMemory, EndsTheProgramWithAnErrorNeverWithAFalseAnswer) {
   const TemporaryFile conflict("x, y, z : enum int [1, 3]; all different (x, y, z); x < y; y < z; z < x + 2;");
   const TemporaryFile saved;
   const std::string session = "x, y : enum int [1, 9];\nx < y;\nsolve 2\nwhy x <> 9\nundo\nx = y + 8;\nshow\n";
+  const std::string problem =
+      "var 1..4: x; var 1..4: y; var 2..3000: z :: output_var; constraint int_ne(x,y); constraint int_plus(x,y,z);"
+      "constraint int_ne(y,z); constraint int_ne(x,z);";
   const struct {
     std::vector<std::string> fArguments;
     std::string fInput;
-  } cases[] = {{{"solve", model.GetPath(), "--restart", "luby"}, {}},
-               {{"solve", all.GetPath(), "-a", "-q"}, {}},
-               {{"solve", conflict.GetPath()}, {}},
-               {{"narrow", model.GetPath()}, {}},
-               {{"save", model.GetPath(), "-o", saved.GetPath()}, {}},
-               {{"solve", saved.GetPath()}, {}},
-               {{"modules"}, {}},
-               {{"why", model.GetPath(), "z <> 2"}, {}},
-               {{"why", all.GetPath(), "x <> 3"}, {}},
-               {{"conflict", conflict.GetPath()}, {}},
-               {{"graph", all.GetPath()}, {}},
-               {{"tree", "-a", all.GetPath()}, {}},
-               {{"repl"}, session}};
+  } cases[] = {
+      {{"solve", model.GetPath(), "--restart", "luby"}, {}},
+      {{"solve", all.GetPath(), "-a", "-q"}, {}},
+      {{"solve", conflict.GetPath()}, {}},
+      {{"narrow", model.GetPath()}, {}},
+      {{"save", model.GetPath(), "-o", saved.GetPath()}, {}},
+      {{"solve", saved.GetPath()}, {}},
+      {{"modules"}, {}},
+      {{"why", model.GetPath(), "z <> 2"}, {}},
+      {{"why", all.GetPath(), "x <> 3"}, {}},
+      {{"conflict", conflict.GetPath()}, {}},
+      {{"graph", all.GetPath()}, {}},
+      {{"tree", "-a", all.GetPath()}, {}},
+      {{"fzn", "-i", "-"}, problem + "solve :: int_search([x,y],input_order,indomain_max,complete) minimize z;"},
+      {{"fzn", "-a", "-"}, problem + "constraint int_lin_le([1,1,1],[x,y,z],4); solve satisfy;"},
+      {{"repl"}, session}};
   // Every allocation in a long run, those of the beginning and ever fewer later ones otherwise.
   const bool isThorough = support::SoakFactor() > 1;
   for (const auto& c : cases) {

@@ -3,6 +3,7 @@
 // loader's own way, so that is left alone. The number of allocations is written to the file FAILING_MALLOC_COUNT.
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -83,6 +84,13 @@ EXPORTED int posix_memalign(void** block, std::size_t alignment, std::size_t siz
   }
   *block = __libc_memalign(alignment, size);
   return *block == nullptr ? ENOMEM : 0;
+}
+
+// A program may end without running what is to run at the end.
+EXPORTED [[noreturn]] void _exit(int code) {
+  Report();
+  syscall(SYS_exit_group, code);
+  __builtin_unreachable();
 }
 
 EXPORTED int __libc_start_main(Main main, int argc, char** argv, void (*init)(), void (*fini)(), void (*ldFini)(),

@@ -11,6 +11,7 @@
 #include "flatzinc/Parser.h"
 #include "flatzinc/Solver.h"
 #include "flatzinc/solutionText.h"
+#include "framework/VokTarnMemoryWatch.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/Modules.h"
 #include "tarn/Source.h"
@@ -64,6 +65,7 @@ class FlatZincRun {
   const double fInitSeconds = GetRunTime().count();
   std::string fUnprinted;  // the best solution, while it is not printed
   bool fIsComplete = false;
+  bool fIsMemoryShort = false;
   std::uint64_t fFound = 0;
 };
 
@@ -113,6 +115,7 @@ Status FlatZincRun::Next() {
     status = fSolver->Next();
   } catch (const std::bad_alloc&) {
     fErr << "tarn: error: out of memory\n";
+    fIsMemoryShort = true;
   }
   EnterPhase(Phase::Printing);
   return status;
@@ -129,6 +132,9 @@ int FlatZincRun::Run() {
   }
   fIsComplete = status == Status::Exhausted;
   fOut << fUnprinted;
+  if (fIsMemoryShort) {
+    return Undecided;
+  }
   if (fFound == 0) {
     fOut << (fIsComplete ? sUnsatisfiable : sUnknown);
   } else if (fIsComplete) {
@@ -199,8 +205,11 @@ void FlatZincRun::PrintStatistics() const {
   fOut << "%%%mzn-stat-end\n";
 }
 
-// Tells the mistakes, if there are any.
-bool Fails(const fzn::ErrorList& errors, std::ostream& err) {
+// Tells the mistakes, if there are any. Throws std::bad_alloc where want of memory may be the cause.
+bool Fails(const fzn::ErrorList& errors, const VokTarnMemoryWatch& memory, std::ostream& err) {
+  if (memory.HasSeenFailure()) {
+    throw std::bad_alloc();
+  }
   std::istringstream lines(errors.GetText());
   for (std::string line; std::getline(lines, line);) {
     err << MakePrintable(line) << '\n';
@@ -210,16 +219,17 @@ bool Fails(const fzn::ErrorList& errors, std::ostream& err) {
 
 int Solve(const Modules& modules, const Source& source, const FlatZincOptions& options, std::ostream& out,
           std::ostream& err) {
+  const VokTarnMemoryWatch memory;
   fzn::ErrorList errors(source.GetName());
   const fzn::Model model = fzn::Parse(source.GetText(), errors);
   const fzn::Checker checker(model, errors);
-  if (Fails(errors, err)) {
+  if (Fails(errors, memory, err)) {
     return sFailed;
   }
   VokTarnNetwork network;
   fzn::Builder builder(modules.GetManager(), network, model, errors);
   if (!builder.Build()) {
-    Fails(errors, err);
+    Fails(errors, memory, err);
     return sFailed;
   }
   if (options.fVerbose) {
