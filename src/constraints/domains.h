@@ -9,20 +9,6 @@
 #include "constraints/VokTarnNumberRange.h"
 #include "constraints/narrowing.h"
 
-// Whether every number between the bounds of argument i is possible.
-inline bool IsWhole(const VokTarnObjectEnvironment& environment, unsigned i) {
-  return environment.Cardinality(i) == std::int64_t{environment.Upper(i)} - environment.Lower(i) + 1;
-}
-
-inline bool MayBe(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
-  if (v < environment.Lower(i) || v > environment.Upper(i) || IsWhole(environment, i)) {
-    return v >= environment.Lower(i) && v <= environment.Upper(i);
-  }
-  const std::span<const VokLong> members = environment.Members(i);
-  return members.empty() ? environment.Integer(i).IsPossible(static_cast<VokLong>(v))
-                         : std::binary_search(members.begin(), members.end(), static_cast<VokLong>(v));
-}
-
 inline bool IsKnown(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
   return environment.IsSingle(i) && environment.Lower(i) == v;
 }
@@ -41,7 +27,7 @@ void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, std::
     }
     return;
   }
-  const bool isWhole = IsWhole(environment, i);
+  const bool isWhole = HasNoHoles(environment, i);
   for (std::int64_t v = lower; v <= upper; ++v) {
     if (isWhole || environment.Integer(i).IsPossible(static_cast<VokLong>(v))) {
       visit(static_cast<VokLong>(v));

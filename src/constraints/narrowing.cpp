@@ -159,9 +159,12 @@ bool MayHave(const VokTarnObjectEnvironment& environment, unsigned i, std::int64
   if (v < environment.Lower(i) || v > environment.Upper(i)) {
     return false;
   }
+  if (HasNoHoles(environment, i)) {
+    return true;
+  }
   const std::span<const VokLong> members = environment.Members(i);
-  return members.empty() || HasNoHoles(environment, i) ||
-         std::binary_search(members.begin(), members.end(), static_cast<VokLong>(v));
+  return members.empty() ? environment.Integer(i).IsPossible(static_cast<VokLong>(v))
+                         : std::binary_search(members.begin(), members.end(), static_cast<VokLong>(v));
 }
 
 bool MayBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j) {

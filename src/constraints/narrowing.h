@@ -35,8 +35,7 @@ int KeepUnequal(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
 // Arguments i and j keep what i + gap <= j allows; gap is 0 or 1.
 int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j, int gap);
 
-// Whether argument i, not undefined, has every value between its bounds; whether it can be v, as far as its bounds and
-// its list tell.
+// Whether argument i, not undefined, has every value between its bounds; whether it can be v.
 inline bool HasNoHoles(const VokTarnObjectEnvironment& environment, unsigned i) {
   return environment.Cardinality(i) == std::int64_t{environment.Upper(i)} - environment.Lower(i) + 1;
 }

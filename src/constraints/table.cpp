@@ -124,7 +124,7 @@ bool VokTarnTableConstraint::FindRows(const VokTarnObjectEnvironment& environmen
   for (unsigned i = 0; i < environment.Size(); ++i) {
     const VokLong lower = environment.Lower(i);
     const VokLong upper = environment.Upper(i);
-    const bool isWhole = IsWhole(environment, i);
+    const bool isWhole = HasNoHoles(environment, i);
     const std::span<const VokLong> members = environment.Members(i);
     auto member = members.begin();
     for (std::size_t v = fColumns[i]; v < fColumns[i + 1]; ++v) {

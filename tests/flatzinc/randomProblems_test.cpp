@@ -214,7 +214,7 @@ void CompareWaysOfSearch(unsigned seed, const std::string& text, const std::mult
   const std::string search = std::string("solve :: int_search([x0],") + variables[seed % std::size(variables)] + "," +
                              values[seed % std::size(values)] + ",complete) ";
   // Processes take their time to start.
-  const bool isParallel = seed % 20 == 0;
+  const bool isParallel = seed % 50 == 0;
   for (const auto& [isFree, processes] : {std::pair(false, 1U), {true, 1U}, {false, 3U}, {true, 2U}}) {
     if (processes > 1 && !isParallel) {
       continue;
