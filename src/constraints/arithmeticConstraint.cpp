@@ -109,7 +109,7 @@ int VokTarnArithmeticConstraint::KeepSupported(const VokTarnObjectEnvironment& e
   const unsigned result = environment.Size() - 1;
   const auto see = [&](VokLong x, VokLong y) {
     const std::optional<std::int64_t> z = Apply(GetFunction(), x, y);
-    if (z && MayHave(environment, result, *z)) {
+    if (z && MayBe(environment, result, *z)) {
       kept[kX].push_back(x);
       kept[kY].push_back(y);
       kept[2].push_back(static_cast<VokLong>(*z));

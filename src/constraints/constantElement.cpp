@@ -36,7 +36,7 @@ void VokTarnConstantElementConstraint::ReadConstants() const {
 
 // Whether the constant at the place, one of 1 .. n, is a possible result.
 bool VokTarnConstantElementConstraint::IsPlace(const VokTarnObjectEnvironment& environment, std::int64_t place) const {
-  return MayHave(environment, kResult, GetConstants()[static_cast<std::size_t>(place - 1)]);
+  return MayBe(environment, kResult, GetConstants()[static_cast<std::size_t>(place - 1)]);
 }
 
 int VokTarnConstantElementConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {

@@ -114,7 +114,7 @@ int RemoveValuesOfNoMember(const VokTarnObjectEnvironment& environment, const st
     const unsigned i = Place(*place);
     const bool isClear = environment.IsListed(i) || HasNoHoles(environment, i);
     std::erase_if(missing, [&](VokLong v) {
-      return MayHave(environment, i, v) && (isClear || environment.Integer(i).IsPossible(v));
+      return MayBe(environment, i, v) && (isClear || environment.Integer(i).IsPossible(v));
     });
   }
   int changed = 0;

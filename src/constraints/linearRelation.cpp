@@ -119,7 +119,7 @@ Decision VokTarnLinearRelationConstraint::Pass<Wide>::Decide(VokTarnRelation rel
   }
   unsigned open = 0;
   Wide value = 0;
-  if (IsLast(open) && !(Solve(open, value) && MayHave(fEnvironment, open, static_cast<std::int64_t>(value)))) {
+  if (IsLast(open) && !(Solve(open, value) && MayBe(fEnvironment, open, static_cast<std::int64_t>(value)))) {
     return differs;
   }
   return Decision::Unknown;

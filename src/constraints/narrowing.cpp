@@ -155,7 +155,7 @@ int KeepListed(const VokTarnObjectEnvironment& environment, unsigned i, std::spa
   return environment.Note(i, 1);
 }
 
-bool MayHave(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
+bool MayBe(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
   if (v < environment.Lower(i) || v > environment.Upper(i)) {
     return false;
   }
@@ -172,10 +172,10 @@ bool MayBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
     return false;
   }
   if (environment.IsSingle(i)) {
-    return MayHave(environment, j, environment.Lower(i));
+    return MayBe(environment, j, environment.Lower(i));
   }
   if (environment.IsSingle(j)) {
-    return MayHave(environment, i, environment.Lower(j));
+    return MayBe(environment, i, environment.Lower(j));
   }
   const std::span<const VokLong> a = environment.Members(i);
   const std::span<const VokLong> b = environment.Members(j);

@@ -39,7 +39,7 @@ int KeepOrdered(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
 inline bool HasNoHoles(const VokTarnObjectEnvironment& environment, unsigned i) {
   return environment.Cardinality(i) == std::int64_t{environment.Upper(i)} - environment.Lower(i) + 1;
 }
-bool MayHave(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v);
+bool MayBe(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v);
 // Whether arguments i and j may be equal, as far as their bounds and lists tell.
 bool MayBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigned j);
 

@@ -87,10 +87,10 @@ int VokTarnOffsetRelationConstraint::Propagate(const VokTarnObjectEnvironment& e
 
 bool VokTarnOffsetRelationConstraint::CanBeEqual(const VokTarnObjectEnvironment& environment) const {
   if (environment.IsSingle(kX)) {
-    return MayHave(environment, kY, FromFirst(environment.Lower(kX)));
+    return MayBe(environment, kY, FromFirst(environment.Lower(kX)));
   }
   if (environment.IsSingle(kY)) {
-    return MayHave(environment, kX, FromSecond(environment.Lower(kY)));
+    return MayBe(environment, kX, FromSecond(environment.Lower(kY)));
   }
   const auto [lower, upper] = std::minmax({FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY))});
   if (environment.Upper(kX) < lower || environment.Lower(kX) > upper) {
@@ -100,8 +100,8 @@ bool VokTarnOffsetRelationConstraint::CanBeEqual(const VokTarnObjectEnvironment&
     return true;
   }
   const std::span<const VokLong> xs = environment.Members(kX);
-  const auto isPartner = [&](VokLong x) { return MayHave(environment, kY, FromFirst(x)); };
-  const auto isOpposite = [&](VokLong y) { return MayHave(environment, kX, FromSecond(y)); };
+  const auto isPartner = [&](VokLong x) { return MayBe(environment, kY, FromFirst(x)); };
+  const auto isOpposite = [&](VokLong y) { return MayBe(environment, kX, FromSecond(y)); };
   return !xs.empty() ? std::ranges::any_of(xs, isPartner)
                      : environment.Members(kY).empty() || std::ranges::any_of(environment.Members(kY), isOpposite);
 }

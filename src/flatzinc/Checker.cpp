@@ -335,8 +335,13 @@ bool AreInverse(const Given& c) {
 
 // ---- Resources
 
+// Lengths and demands are no such then.
+bool HasNegative(const Given& c, unsigned argument) {
+  return std::ranges::any_of(c.GetAll(argument), [](std::int64_t number) { return number < 0; });
+}
+
 bool IsCumulative(const Given& c) {
-  if (!HaveOneSize(c, {0, 1, 2}) || (c.GetSize(0) > 0 && c.Get(3) < 0)) {
+  if (!HaveOneSize(c, {0, 1, 2}) || (c.GetSize(0) > 0 && c.Get(3) < 0) || HasNegative(c, 1) || HasNegative(c, 2)) {
     return false;
   }
   // The most is in use where some task begins.
@@ -359,13 +364,10 @@ bool IsClear(const Given& c, unsigned start, unsigned length, std::size_t i, std
 }
 
 bool AreDisjunctive(const Given& c, bool isStrict) {
-  if (!HaveOneSize(c, {0, 1})) {
+  if (!HaveOneSize(c, {0, 1}) || HasNegative(c, 1)) {
     return false;
   }
   for (std::size_t i = 0; i < c.GetSize(0); ++i) {
-    if (c.Get(1, i) < 0) {
-      return false;
-    }
     for (std::size_t j = 0; j < i; ++j) {
       const bool isEmpty = c.Get(1, i) == 0 || c.Get(1, j) == 0;
       if ((isStrict || !isEmpty) && !IsClear(c, 0, 1, i, j)) {
