@@ -12,8 +12,6 @@
 
 namespace {
 
-using std::string_literals::operator""s;
-
 // "found" or "none", or the message. Ends soon, and a solution satisfies the problem.
 std::string Answer(const support::LoadedModules& modules, const std::string& text,
                    const fzn::Solver::Options& options) {
@@ -37,7 +35,7 @@ std::string Answer(const support::LoadedModules& modules, const std::string& tex
   } catch (const fzn::InputError& error) {
     return error.what();
   } catch (const fzn::PostingError& error) {
-    return "f:0: "s + error.what();
+    return std::string("f:0: ") + error.what();
   }
 }
 
@@ -51,7 +49,7 @@ TEST(Hostile, EveryTextHasOneAnswer) {
   } rows[] = {
       {"", "f:1: expected a declaration, a constraint or the solve item, not the end of the file"},
       {"\xEF\xBB\xBFsolve satisfy;", "f:1: expected a name, a number, a string or a symbol"},
-      {"var 1..2: x;\0solve satisfy;"s, "f:1: expected a name, a number, a string or a symbol"},
+      {std::string("var 1..2: x;\0solve satisfy;", 27), "f:1: expected a name, a number, a string or a symbol"},
       {"var 1..2: x;\r\nsolve\r\nsatisfy;\r\n", "found"},
       {"var 1..2: " + std::string(1000000, 'n') + ":: output_var;" + end, "found nnn"},
       {std::string(1000000, '(') + end, "f:1: expected"},
