@@ -9,6 +9,8 @@ namespace {
 
 // Annotations deeper than this are not search annotations of a sane model.
 constexpr unsigned kDeepest = 100;
+// Variables that no annotation names are compared up to this number.
+constexpr std::size_t kMostCompared = 1000;
 
 const VokTarnInteger& AsInteger(const VokTarnNetwork& network, VokTarnValueId id) {
   return static_cast<const VokTarnInteger&>(network.GetValue(id));
@@ -166,7 +168,7 @@ void AnnotatedBrancher::AddOthers(const Model& model, const Values& values) {
     std::for_each(group.fValues.begin(), group.fValues.end(), add);
   }
   for (int turn = 0; turn < 3; ++turn) {
-    Group group{{}, VariableChoice::Weighted, ValueChoice::Min, {}};
+    Group group{{}, VariableChoice::Weighted, ValueChoice::Min, {}, kMostCompared};
     for (std::size_t i = 0; i < model.fVariables.size(); ++i) {
       const Variable& variable = model.fVariables[i];
       const int own = variable.fIsDefined ? 2 : variable.fIsIntroduced ? 1 : 0;
@@ -217,7 +219,8 @@ std::size_t AnnotatedBrancher::ChoosePlace(const VokTarnNetwork& network, const 
   if (group.fVariable == VariableChoice::InputOrder) {
     return best;
   }
-  for (std::size_t i = from + 1; i < group.fValues.size(); ++i) {
+  const std::size_t end = from + std::min(group.fMostCompared, group.fValues.size() - from);
+  for (std::size_t i = from + 1; i < end; ++i) {
     if (network.GetCardinality(group.fValues[i]) > 1 &&
         IsBetter(network, group.fVariable, group.fValues[i], group.fValues[best])) {
       best = i;

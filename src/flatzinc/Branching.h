@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ namespace fzn {
 // Order      Search annotations that stand side by side, which have no order, are taken from last to first: that is
 //            how the model's author wrote them.
 // Cost       O(variables of the group) for each choice, in input order O(those that became single since the choice
-//            above).
+//            above). Of the others a bounded number is compared, so that large problems are not quadratic.
 class AnnotatedBrancher : public VokTarnBrancher {
  public:
   // The value of the network that stands for a variable of the model.
@@ -72,6 +73,8 @@ class AnnotatedBrancher : public VokTarnBrancher {
     VariableChoice fVariable;
     ValueChoice fValue;
     std::vector<VokLong> fGiven;  // with ValueChoice::Given, one for each value
+    // So many values from the first open one on are compared.
+    std::size_t fMostCompared = std::numeric_limits<std::size_t>::max();
   };
   // Groups before fGroup, and values of it before fPlace, are single.
   struct Position {
