@@ -68,6 +68,25 @@ void ReadRecord(std::istream& bytes, VokFenEnumInteger& set) {
   }
 }
 
+// `operate` on a copy of the set and {1, .., 99}.
+void ExpectRightOrNil(const std::string& name, const VokFenEnumInteger& before,
+                      const std::function<void(VokFenEnumInteger&, VokFenEnumInteger&)>& operate) {
+  std::string right;
+  unsigned long mostFailures = 0;
+  ForEachShortage(name, [&](unsigned long n, bool lasts) {
+    VokFenEnumInteger set = before;
+    VokFenEnumInteger other = RangeSet(1, 99);
+    Shortage shortage(n, lasts);
+    operate(set, other);
+    const bool hasFailed = shortage.End();
+    mostFailures += hasFailed ? 1 : 0;
+    right = right.empty() ? Show(set) : right;
+    EXPECT_EQ(Show(set), hasFailed && set.GetCount() == 0 ? Show(set) : right) << name << ", allocation " << n;
+    return hasFailed;
+  });
+  EXPECT_GT(mostFailures, 0U) << name << " takes no memory";
+}
+
 TEST(Shortage, LeavesTheRightSetOrNil) {
   std::vector<VokLong> list{100};
   std::string braces = "{0";
@@ -79,6 +98,9 @@ TEST(Shortage, LeavesTheRightSetOrNil) {
   const VokFenEnumInteger written = RangeSet(-5, 105);
   Vokopstream(bytes).WriteObject(&written);
   std::istringstream range("[0, 99]"), members(braces + "}");
+  // More members than an operation collects without asking for memory.
+  const VokFenEnumInteger large = RangeSet(0, 3000);
+  const VokFenEnumInteger last = RangeSet(kMax - 2999, 3000);
   const std::function<void(VokFenEnumInteger&, VokFenEnumInteger&)> operations[] = {
       [](auto& set, auto&) {
         for (VokLong v = 1; v < 100 && set.IsNil() == 0; ++v) {
@@ -96,21 +118,24 @@ TEST(Shortage, LeavesTheRightSetOrNil) {
       [&](auto& set, auto&) { bytes.clear(), bytes.seekg(0), ReadRecord(bytes, set); },
   };
   for (const auto& operate : operations) {
-    const std::string name = "operation " + std::to_string(&operate - operations);
-    std::string right;
-    unsigned long mostFailures = 0;
-    ForEachShortage(name, [&](unsigned long n, bool lasts) {
-      VokFenEnumInteger set = SetOf({0}), other = RangeSet(1, 99);
-      Shortage shortage(n, lasts);
-      operate(set, other);
-      const bool hasFailed = shortage.End();
-      mostFailures += hasFailed ? 1 : 0;
-      right = right.empty() ? Show(set) : right;
-      EXPECT_EQ(Show(set), hasFailed && set.GetCount() == 0 ? Show(set) : right) << name << ", allocation " << n;
-      return hasFailed;
-    });
-    EXPECT_GT(mostFailures, 0U) << name << " takes no memory";
+    ExpectRightOrNil("operation " + std::to_string(&operate - operations), SetOf({0}), operate);
   }
+  ExpectRightOrNil("a large union", large, [](auto& set, auto& other) { set.Unite(other); });
+  ExpectRightOrNil("a large intersection", large, [](auto& set, auto& other) { set.Intersect(other); });
+  ExpectRightOrNil("large successors", Any(), [&](auto& set, auto&) { set.CalcNextValue(last); });
+  ExpectRightOrNil("accepted members", Any(), [](auto& set, auto& other) {
+    set.Intersect(
+        other, [](const SubIntBase&, void*) { return 1; }, nullptr);
+  });
+}
+
+TEST(Shortage, ACopiedVectorSaysThatItIsNone) {
+  VokSVectorImp_SubIntBase vector(9, 1U, 0);
+  vector.Add(Element(7));
+  Shortage shortage(1, true);
+  const VokSVectorImp_SubIntBase copy(vector);
+  shortage.End();
+  EXPECT_EQ(copy.IsValid() + static_cast<int>(copy.Size()), 0);
 }
 
 }  // namespace
