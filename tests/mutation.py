@@ -27,7 +27,7 @@ TREE = ROOT / "build/mutation/tree"
 BUILD = ROOT / "build/mutation/build"
 FOLDERS = ["src/module", "src/domain", "src/io", "src/narrowing"]
 LIBRARY = "bin/libVokFenEnumIntegers.so"
-PROGRAMS = ["module", "io", "domain", "narrowing", "constraints"]
+PROGRAMS = ["module", "io", "domain", "memory", "narrowing", "constraints"]
 # The long random comparison comes last: it is for what the rest lets pass.
 LONG = "NarrowingDifferential.*"
 STAGES = [(p, "-" + LONG) for p in PROGRAMS] + [("narrowing", LONG)]
