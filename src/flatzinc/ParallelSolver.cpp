@@ -19,6 +19,8 @@ namespace {
 constexpr std::size_t kPartsPerProcess = 30;
 constexpr unsigned kMostProcesses = 256;
 constexpr int kPollMilliseconds = 10;
+// How often a process tells how far it is.
+constexpr unsigned kPollsPerReport = 1024;
 
 // What goes through a pipe: this, and then as many numbers.
 struct Header {
@@ -210,7 +212,10 @@ void ParallelSolver::Start() {
 
 void ParallelSolver::Work(unsigned index, int pipe) {
   // The best objective is told as one to be minimized.
-  fBuilder.GetNetwork().SetInterrupt([this] {
+  fBuilder.GetNetwork().SetInterrupt([this, index, polls = 0U]() mutable {
+    if (++polls % kPollsPerReport == 0) {
+      fShared->fStatistics[index] = fSearch.GetStatistics();
+    }
     const std::int64_t best = fShared->fBest.load(std::memory_order_relaxed);
     if (best != std::numeric_limits<std::int64_t>::max()) {
       fSearch.NoteKnown(static_cast<VokLong>(fObjective->fSense == VokTarnSearch::Sense::Minimize ? best : -best));
