@@ -136,6 +136,7 @@ TEST(Shortage, ACopiedVectorSaysThatItIsNone) {
   const VokSVectorImp_SubIntBase copy(vector);
   shortage.End();
   EXPECT_EQ(copy.IsValid() + static_cast<int>(copy.Size()), 0);
+  EXPECT_EQ(VokSVectorImp_SubIntBase(vector).IsValid(), 1);
 }
 
 }  // namespace
