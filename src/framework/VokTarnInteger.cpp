@@ -296,15 +296,13 @@ int NarrowToConstant(VokTarnInteger& x, VokLong v) {
   return x.IsPossible(v) ? x.SetExactValue(v) : MakeNil(x);
 }
 
-constexpr VokLong kGreatest = 2147483645;  // the end of the integer range; its negative is the other end
-
 }  // namespace
 
 int VokTarnInteger::CalcMinValue() {
-  return NarrowToConstant(*this, -kGreatest);
+  return NarrowToConstant(*this, -sGreatest);
 }
 int VokTarnInteger::CalcMaxValue() {
-  return NarrowToConstant(*this, kGreatest);
+  return NarrowToConstant(*this, sGreatest);
 }
 int VokTarnInteger::CalcZeroValue() {
   return NarrowToConstant(*this, 0);

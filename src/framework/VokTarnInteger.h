@@ -15,7 +15,8 @@
 class VOKTARN_EXPORT VokTarnInteger : public VokTarnNumber {
  public:
   static const char* const sIdent;
-  static VokTarnObjectDescriptor* sDescriptor;  // published by VokFenAbstractTypes; null before that
+  static VokTarnObjectDescriptor* sDescriptor;      // published by VokFenAbstractTypes; null before that
+  static constexpr VokLong sGreatest = 2147483645;  // the end of the integer range; its negative is the other end
 
   using VokTarnNumber::VokTarnNumber;
 

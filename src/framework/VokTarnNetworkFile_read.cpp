@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <unordered_map>
 
+#include "framework/VokTarnInteger.h"
 #include "framework/VokTarnNetworkFile.h"
 #include "framework/VokTarnOperatorTable.h"
 #include "framework/Vokipstream.h"
@@ -173,16 +174,9 @@ class Reader {
       VokTarnAny& value = fNetwork->Touch(id);
       VokStreamable* target = &value;
       fStream.ReadObject(target);
-      Expect(!fStream.IsFailed() && HasState(value), "a record of type " + Quote(typeName) + " for " + label);
+      Expect(!fStream.IsFailed() && VokHasState(value), "a record of type " + Quote(typeName) + " for " + label);
       fNetwork->NoteChange(id);
     }
-  }
-
-  // A record can bring a value into a state that no operation gives it.
-  static bool HasState(const VokTarnAny& value) {
-    const bool isNil = value.IsNil() != 0;
-    const bool isUndefined = value.IsUndefined() != 0;
-    return (value.GetCardinality() == 0) == isNil && !(isNil && isUndefined);
   }
 
   void ReadConstraints() {
@@ -290,6 +284,19 @@ class Reader {
 };
 
 }  // namespace
+
+bool VokHasState(const VokTarnAny& value) {
+  const bool isNil = value.IsNil() != 0;
+  const bool isUndefined = value.IsUndefined() != 0;
+  if ((value.GetCardinality() == 0) != isNil || (isNil && isUndefined)) {
+    return false;
+  }
+  if (isNil || isUndefined || value.IsDerivedFrom(VokTarnInteger::sIdent) == 0) {
+    return true;
+  }
+  const auto& integer = static_cast<const VokTarnInteger&>(value);
+  return integer.GetLowerBound() >= -VokTarnInteger::sGreatest && integer.GetUpperBound() <= VokTarnInteger::sGreatest;
+}
 
 std::unique_ptr<VokTarnNetwork> VokTarnNetworkFile::Read(std::istream& is, VokTarnModuleManager& manager,
                                                          Contents& contents, std::string& error) {

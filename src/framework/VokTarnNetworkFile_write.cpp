@@ -60,7 +60,7 @@ bool KeepsItsDomain(VokTarnNetwork& network, VokTarnValueId id) {
   VokStreamable* target = copy.get();
   Vokipstream is(bytes);
   is.ReadObject(target);
-  return !os.IsFailed() && !is.IsFailed() && copy->GetCardinality() == value.GetCardinality();
+  return !os.IsFailed() && !is.IsFailed() && copy->GetCardinality() == value.GetCardinality() && VokHasState(*copy);
 }
 
 void WriteValues(Vokopstream& os, VokTarnNetwork& network) {

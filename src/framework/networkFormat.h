@@ -17,9 +17,15 @@
 
 #include "framework/VokLong.h"
 
+class VokTarnAny;
+
 // Begins with a byte that no text begins with; the line ends in it do not survive a transfer as text.
 inline constexpr std::string_view vokNetworkMagic = "\x8FVTN\r\n\x1A\n";
 inline constexpr VokULong vokNetworkVersion = 1;
 inline constexpr VokULong vokNoObjective = 0;
 inline constexpr VokULong vokMinimize = 1;
 inline constexpr VokULong vokMaximize = 2;
+
+// Whether operations give values such a state. A record can hold others: a set that is neither empty nor has members, a
+// number outside the range of integers.
+bool VokHasState(const VokTarnAny& value);

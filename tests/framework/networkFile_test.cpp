@@ -310,6 +310,7 @@ TEST(NetworkFile, ForgedPayloadsAreRefused) {
       {"null as a value", {{"x object", {0U}}, {"x record", {}}}, "record of type 'enum int' for the value #0"},
       {"value twice", {{"y object", {2U, 0U}}, {"y record", {}}}, "record of type 'enum int' for the value #1"},
       {"neither Nil nor Any", {{"x record", {7U, 0U}}}, "record of type 'enum int' for the value #0"},
+      {"beyond the integers", {{"y record", {0U, 1U, 0x80000001U}}}, "record of type 'enum int' for the value #1"},
       {"number of members", {{"x record", {0U, huge, 1U}}}, "record of type 'enum int' for the value #0"},
       {"number of constraints", {{"constraints", {huge}}}, "expected the constraint #1"},
       {"null as a constraint",
