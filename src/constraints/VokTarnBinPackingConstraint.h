@@ -8,8 +8,8 @@
 // many there are, and the weights, which are not negative.
 //
 // Strength  A load lies between the weight of the items that are in the bin and of those that may be, and makes up for
-// what
-//           the others leave of all weight; an item leaves the bins that it would overfill and goes where it is needed.
+//           what the others leave of all weight; an item leaves the bins that it would overfill and goes where it is
+//           needed.
 // Cost      O(m + e) for e possible values.
 // Source    The basic rules of P. Shaw, "A constraint for bin packing", CP 2004; neither its subset sums nor its bound.
 class VOKTARN_EXPORT VokTarnBinPackingConstraint final : public VokTarnConstraintOf<VokTarnBinPackingConstraint> {

@@ -7,13 +7,12 @@
 // 0 the circuit may leave places out, each its own successor (none at all: every place is).
 //
 // Strength  A known chain does not return to its start too early; places that the circuit cannot leave out reach each
-// other
-//           along possible successors; those that are not reached are left out. That no two places have one successor
-//           is checked at the end only: pose `all different` beside it.
+//           other along possible successors; those that are not reached are left out. That no two places have one
+//           successor is checked at the end only: pose `all different` beside it.
 // Cost      O(n + e) for e possible values.
-// Source    Y. Caseau, F. Laburthe, "Solving small TSPs with constraints", ICLP 1997, for the chains; strong connection
-// as in
-//           L. G. Kaya, J. N. Hooker, "A filter for the circuit constraint", CP 2006, by two searches from one place.
+// Source    Y. Caseau, F. Laburthe, "Solving small TSPs with constraints", ICLP 1997, for the chains; strong
+//           connection as in L. G. Kaya, J. N. Hooker, "A filter for the circuit constraint", CP 2006, by two searches
+//           from one place.
 class VOKTARN_EXPORT VokTarnCircuitConstraint final : public VokTarnConstraintOf<VokTarnCircuitConstraint> {
  public:
   static const char* const sIdent;

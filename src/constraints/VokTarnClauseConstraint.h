@@ -7,11 +7,9 @@
 // Constants  How many of the first arguments are to be 1.
 // Strength   Domain consistent while no argument stands twice.
 // Cost       Two arguments are watched: O(1) for most changes of these, O(n) for others; none for the arguments that
-// are
-//            not watched.
+//            are not watched.
 // Source     Watched literals: M. Moskewicz, C. Madigan, Y. Zhao, L. Zhang, S. Malik, "Chaff: engineering an efficient
-// SAT
-//            solver", DAC 2001.
+//            SAT solver", DAC 2001.
 class VOKTARN_EXPORT VokTarnClauseConstraint final : public VokTarnConstraintOf<VokTarnClauseConstraint> {
  public:
   static const char* const sIdent;

@@ -6,16 +6,14 @@
 // and demands ri. The arguments are (b, s1, .., sn, d1, .., dn, r1, .., rn), integers of any types. Durations and
 // demands are not negative, nor is b, or the constraint does not hold.
 //
-// Strength  Time-table: starts, demands and durations keep clear of times that surely running tasks have filled, b lies
-// above
-//           their demand; beyond that some sets of tasks that need more energy than there is up to their latest end
-//           fail. With its bounds an interval loses nothing inside.
+// Strength  Time-table: starts, demands and durations keep clear of times that surely running tasks have filled, b
+//           lies above their demand; beyond that some sets of tasks that need more energy than there is up to their
+//           latest end fail. With its bounds an interval loses nothing inside.
 // Cost      O(n log n + n p) for p changes of the profile.
 // Source    N. Beldiceanu, M. Carlsson, "A new multi-resource cumulatives constraint with negative heights", CP 2002,
-// for
-//           the profile; A. Wolf, G. Schrader, "O(n log n) overload checking for the cumulative constraint and its
-//           application", INAP 2005, in the form of P. Vilím, "Edge finding filtering algorithm for discrete cumulative
-//           resources in O(kn log n)", CP 2009, for the energy.
+//           for the profile; A. Wolf, G. Schrader, "O(n log n) overload checking for the cumulative constraint and its
+//           application", INAP 2005, in the form of P. Vilím, "Edge finding filtering algorithm for discrete
+//           cumulative resources in O(kn log n)", CP 2009, for the energy.
 class VOKTARN_EXPORT VokTarnCumulativeConstraint final : public VokTarnConstraintOf<VokTarnCumulativeConstraint> {
  public:
   static const char* const sIdent;

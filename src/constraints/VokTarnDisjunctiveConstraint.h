@@ -7,8 +7,7 @@
 // inside another either, 0 where it may be anywhere.
 //
 // Strength  Overload checking, detectable precedences and not-last (and its mirror) over the least durations, and two
-// tasks
-//           at a time for tasks without duration. No edge finding.
+//           tasks at a time for tasks without duration. No edge finding.
 // Cost      O(n log n), and O(n) for each task whose duration is open or may be 0.
 // Source    P. Vilím, "O(n log n) filtering algorithms for unary resource constraint", CPAIOR 2004: the trees of tasks.
 class VOKTARN_EXPORT VokTarnDisjunctiveConstraint final : public VokTarnConstraintOf<VokTarnDisjunctiveConstraint> {

@@ -7,8 +7,7 @@
 // for the least.
 //
 // Strength  Bounds of the x, domain of z: a place stays when its best value beats the worst of the earlier ones and
-// reaches
-//           those of the later ones.
+//           reaches those of the later ones.
 // Cost      O(n).
 class VOKTARN_EXPORT VokTarnExtremePlaceConstraint final : public VokTarnConstraintOf<VokTarnExtremePlaceConstraint> {
  public:

@@ -12,9 +12,8 @@
 //           leave of the x; when it reaches one of the two, the other x lose vi or become vi. No flow is looked for.
 // Cost      O(m + e) look-ups for e possible values of all x together.
 // Source    The counting part of J.-C. Régin, "Generalized arc consistency for global cardinality constraint", AAAI
-// 1996,
-//           with the sums of C.-G. Quimper, A. López-Ortiz, P. van Beek, A. Golynski, "Improved algorithms for the
-//           global cardinality constraint", CP 2004.
+//           1996, with the sums of C.-G. Quimper, A. López-Ortiz, P. van Beek, A. Golynski, "Improved algorithms for
+//           the global cardinality constraint", CP 2004.
 class VOKTARN_EXPORT VokTarnGlobalCardinalityConstraint final
     : public VokTarnConstraintOf<VokTarnGlobalCardinalityConstraint> {
  public:

@@ -6,8 +6,7 @@
 // (first f, first g, n): the numbers of the places f1 and g1. Holds for no values where n is not m.
 //
 // Strength  A value of f stays when the other side may answer it, and the other way round; pose `all different` over f
-// for
-//           more.
+//           for more.
 // Cost      O(e + n^2 / 64) for e possible values.
 class VOKTARN_EXPORT VokTarnInverseConstraint final : public VokTarnConstraintOf<VokTarnInverseConstraint> {
  public:

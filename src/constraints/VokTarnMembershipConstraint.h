@@ -7,8 +7,7 @@
 // integers of any types.
 //
 // Constants  The mode (VokTarnRelation.h), then the set as ranges that ascend, with gaps between them: the least and
-// the
-//            greatest number of each.
+//            the greatest number of each.
 // Strength   Domain consistent where the type of x lists its values, else bounds; an interval keeps the holes.
 // Cost       O(log r + n) for r ranges and n listed values, O(log r) where bounds decide.
 class VOKTARN_EXPORT VokTarnMembershipConstraint final : public VokTarnConstraintOf<VokTarnMembershipConstraint> {

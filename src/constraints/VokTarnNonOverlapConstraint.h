@@ -8,9 +8,8 @@
 // takes no room.
 //
 // Strength  Two rectangles at a time: one that can only be at one side of the other stays there; where they overlap in
-// one
-//           direction for sure, the bounds leave the range in which they overlap in the other too. Nothing is told by
-//           three or more rectangles, nor by their area.
+//           one direction for sure, the bounds leave the range in which they overlap in the other too. Nothing is told
+//           by three or more rectangles, nor by their area.
 // Cost      O(n^2).
 class VOKTARN_EXPORT VokTarnNonOverlapConstraint final : public VokTarnConstraintOf<VokTarnNonOverlapConstraint> {
  public:

@@ -10,8 +10,7 @@
 // stands for none.
 //
 // Strength  Domain consistent for distinct arguments: a value stays when some path from the initial to a final state
-// has
-//           it. An interval keeps what lies between its bounds.
+//           has it. An interval keeps what lies between its bounds.
 // Cost      O(n Q d) for each filtering, d the values of an argument; only states that the initial one reaches count.
 // Source    G. Pesant, "A regular language membership constraint for finite sequences of variables", CP 2004: a pass
 //           forward for the states that are reached and one backward for those from which a final state is. We keep no

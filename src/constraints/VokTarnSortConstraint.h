@@ -9,7 +9,7 @@
 //           the x, and the y ascend; each x keeps within the bounds of those y that overlap it.
 // Cost      O(n^2).
 // Source    The first steps of N. Bleuzen-Guernalec, A. Colmerauer, "Narrowing a 2n-block of sortings in O(n log n)",
-// CP 1997.
+//           CP 1997.
 class VOKTARN_EXPORT VokTarnSortConstraint final : public VokTarnConstraintOf<VokTarnSortConstraint> {
  public:
   static const char* const sIdent;

@@ -7,8 +7,7 @@
 // draws a conclusion asks first.
 //
 // How     The first watch installs a std::new_handler, which counts the failure (VokTarnBase::NoteAllocationFailure)
-// and
-//         throws std::bad_alloc; throwing and nothrow forms of operator new alike call it. The last watch takes it
+//         and throws std::bad_alloc; throwing and nothrow forms of operator new alike call it. The last watch takes it
 //         away. A handler that was there before is called in its stead: when it returns, the allocation is tried again
 //         and nothing has failed; when it throws, that is the failure.
 // Beside  A program that has a new handler sets it while no watch lives (every network holds one). A handler that it

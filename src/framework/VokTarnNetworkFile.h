@@ -18,8 +18,7 @@
 //           changed byte and every missing one is noticed. A forged file gives at worst a network of its own making:
 //           its constraints stand over the types that the published operators give them, and nothing else runs.
 // Errors    A failure is described in `error`: what was expected, and where. Throws std::bad_alloc, also when memory
-// was
-//           short only for a moment, and what the stream is set to throw.
+//           was short only for a moment, and what the stream is set to throw.
 class VOKTARN_EXPORT VokTarnNetworkFile {
  public:
   // What a search needs besides the network.
