@@ -31,7 +31,8 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
       fObjective(objective),
       fOptions(options),
       fRandom(options.fSeed),
-      fFailuresToRestart(kRunLength * fRestartSequence.Next()) {
+      fFailuresToRestart(kRunLength * fRestartSequence.Next()),
+      fNoGoods(network) {
   fVariables.reserve(variables.size());
   for (const VokTarnValueId id : variables) {
     fVariables.push_back({id, 1});
@@ -87,7 +88,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
         fStatistics.fFailures >= fOptions.fFailLimit) {
       return Status::Stopped;
     }
-    const VokTarnNetwork::Outcome outcome = TightenBound() ? fNetwork.Propagate() : VokTarnNetwork::Outcome::Failed;
+    const VokTarnNetwork::Outcome outcome = TightenBound() ? Propagate() : VokTarnNetwork::Outcome::Failed;
     if (outcome == VokTarnNetwork::Outcome::Interrupted) {
       return Status::Stopped;
     }
@@ -137,6 +138,15 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     fExhausted = !Backtrack();
   }
   return fUndecided != vokNoValue ? Status::Undecided : Status::Exhausted;
+}
+
+// Propagates the constraints, and the no-goods whenever these have come to rest.
+VokTarnNetwork::Outcome VokTarnSearch::Propagate() {
+  VokTarnNetwork::Outcome outcome = fNetwork.Propagate();
+  while (outcome == VokTarnNetwork::Outcome::Fixpoint && fOptions.fLearns && fNoGoods.Narrow(fChanged)) {
+    outcome = fNetwork.Propagate();
+  }
+  return outcome;
 }
 
 // Less is better.
@@ -216,8 +226,17 @@ bool VokTarnSearch::IsRestartDue() const noexcept {
 
 // Leaves every choice. What was refuted at the root stays refuted.
 void VokTarnSearch::BeginAgain() {
+  std::vector<VokTarnBranch> path;
+  for (const Choice& choice : fChoices) {
+    path.push_back(choice.fBranch);
+  }
   while (!fChoices.empty()) {
     LeaveLevel();
+  }
+  if (fOptions.fLearns && fUndecided == vokNoValue) {
+    fNoGoods.Learn(path);
+  } else {
+    fNoGoods.Drop();
   }
   ++fStatistics.fRestarts;
   if (fObserver != nullptr) {
@@ -368,6 +387,9 @@ bool VokTarnSearch::Backtrack() {
   fChoices.pop_back();
   fNetwork.PopLevel();
   if (choice.fRest == nullptr) {
+    if (fOptions.fLearns) {
+      fNoGoods.NoteRefuted(GetDepth(), choice.fBranch);
+    }
     VokTarnNarrow(fNetwork, choice.fBranch.GetRest());
   } else {
     fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);

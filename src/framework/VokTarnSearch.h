@@ -7,6 +7,7 @@
 
 #include "framework/VokTarnBrancher.h"
 #include "framework/VokTarnNetwork.h"
+#include "framework/VokTarnNoGoods.h"
 #include "framework/VokTarnRestartSequences.h"
 
 // Sees the steps of a search as they are made, for example to draw its tree.
@@ -87,7 +88,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     // them, in place of a split (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
     // satisfiability solvers", 2007). The variable of the last choice that failed is chosen again before others
     // (C. Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in constraint programming", 2009).
-    // For integers only.
+    // What was refuted before a restart is not searched again (VokTarnNoGoods). For integers only.
     bool fLearns = false;
   };
   struct Statistics {
@@ -162,6 +163,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   };
 
   Status Run();
+  VokTarnNetwork::Outcome Propagate();
   bool Backtrack();
   void Split(VokTarnValueId variable, bool auxiliary);
   void Take(const VokTarnBranch& branch);
@@ -203,6 +205,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   VokTarnBrancher* fBrancher = nullptr;
   std::vector<std::optional<VokLong>> fPhases;  // by place among the variables, when the search learns
   VokTarnValueId fLastConflict = vokNoValue;
+  VokTarnNoGoods fNoGoods;
   std::optional<VokLong> fBest;
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;
