@@ -2,6 +2,7 @@
 // the problem as it is written; where the problem is so small that all assignments can be tried, the search finds them
 // all.
 #include <algorithm>
+#include <limits>
 
 #include "flatzinc/Builder.h"
 #include "flatzinc/Checker.h"
@@ -24,6 +25,9 @@ std::optional<std::size_t> CountSolutions(const fzn::Model& model, const fzn::Ch
   for (const fzn::Variable& variable : model.fVariables) {
     std::vector<Numbers> longer;
     for (const fzn::Range& range : variable.fDomain) {
+      if (range.fUpper == std::numeric_limits<std::int64_t>::max()) {
+        return std::nullopt;  // the loop would not end
+      }
       for (std::int64_t number = range.fLower; number <= range.fUpper; ++number) {
         for (const Numbers& assignment : assignments) {
           longer.push_back(assignment);
