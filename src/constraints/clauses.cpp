@@ -126,13 +126,14 @@ unsigned VokTarnDisjunctionConstraint::MoveWatch(unsigned argument, const VokTar
   if (argument == GetResult() || environment.Lower(argument) == GetAim(argument)) {
     return sWake;
   }
+  const auto isLost = [&](unsigned i) { return environment.IsSingle(i) && environment.Lower(i) != GetAim(i); };
   if (argument != fLookedAt[0] && argument != fLookedAt[1]) {
-    return argument;
+    // While both stand, one more that is lost tells nothing. At the start, and where one was all, they need not.
+    return isLost(fLookedAt[0]) || isLost(fLookedAt[1]) ? sWake : argument;
   }
   // Looked at from now on: a member that is open or holds.
   for (unsigned i = 0; i < GetResult(); ++i) {
-    const bool isLost = environment.IsSingle(i) && environment.Lower(i) != GetAim(i);
-    if (i != fLookedAt[0] && i != fLookedAt[1] && !isLost) {
+    if (i != fLookedAt[0] && i != fLookedAt[1] && !isLost(i)) {
       fLookedAt[fLookedAt[0] == argument ? 0 : 1] = i;
       return argument;
     }
@@ -189,8 +190,6 @@ int VokTarnDisjunctionConstraint::Propagate(const VokTarnObjectEnvironment& envi
     std::ranges::copy(open, fLookedAt);
   } else if (environment.IsSingle(result)) {
     changed |= KeepValue(environment, open[0], GetAim(open[0]));
-  } else if (fLookedAt[0] != open[0] && fLookedAt[1] != open[0]) {
-    fLookedAt[0] = open[0];
   }
   return changed;
 }

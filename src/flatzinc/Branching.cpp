@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <span>
+#include <utility>
 
 namespace fzn {
 namespace {
@@ -24,6 +25,12 @@ bool HoldsHoles(const VokTarnNetwork& network, VokTarnValueId id) {
 VokLong FindMiddle(const VokTarnNetwork& network, VokTarnValueId id) {
   const std::int64_t sum = std::int64_t{network.GetLower(id)} + network.GetUpper(id);
   return static_cast<VokLong>(sum >= 0 ? sum / 2 : (sum - 1) / 2);
+}
+
+// One value, first or last; inside an interval, which cannot lose it alone, the values up to it.
+VokTarnBranch TakeValue(const VokTarnNetwork& network, VokTarnValueId id, VokLong v, VokTarnBranch::Part part) {
+  const bool isEnd = v == network.GetLower(id) || v == network.GetUpper(id);
+  return {id, isEnd || HoldsHoles(network, id) ? part : VokTarnBranch::Part::AtMost, v};
 }
 
 std::string GetText(const Model& model, const Argument& argument) {
@@ -152,27 +159,30 @@ void AnnotatedBrancher::AddWarmStart(const Model& model, const Call& call, const
   fGroups.push_back(std::move(group));
 }
 
-// Variables that no annotation names: first those of the author, then those that the compiler has made, at the end
+// Variables that no annotation decides: first those of the author, then those that the compiler has made, at the end
 // those that others determine.
 void AnnotatedBrancher::AddOthers(const Model& model, const Values& values) {
-  std::vector<char> isKnown(fWeights.size());
-  const auto add = [this, &isKnown](VokTarnValueId id) {
-    const bool isNew = isKnown[id] == 0;
-    if (isNew) {
-      isKnown[id] = 1;
+  const auto isNew = [](std::vector<char>& isKnown, VokTarnValueId id) { return std::exchange(isKnown[id], 1) == 0; };
+  std::vector<char> isListed(fWeights.size());
+  std::vector<char> isDecided(fWeights.size());
+  const auto list = [&](VokTarnValueId id) {
+    if (isNew(isListed, id)) {
       fAll.push_back(id);
     }
-    return isNew;
   };
   for (const Group& group : fGroups) {
-    std::for_each(group.fValues.begin(), group.fValues.end(), add);
+    std::ranges::for_each(group.fValues, list);
+    if (group.fValue != ValueChoice::Given) {
+      std::ranges::for_each(group.fValues, [&](VokTarnValueId id) { isDecided[id] = 1; });
+    }
   }
   for (int turn = 0; turn < 3; ++turn) {
     Group group{{}, VariableChoice::Weighted, ValueChoice::Min, {}, kMostCompared};
     for (std::size_t i = 0; i < model.fVariables.size(); ++i) {
       const Variable& variable = model.fVariables[i];
       const int own = variable.fIsDefined ? 2 : variable.fIsIntroduced ? 1 : 0;
-      if (own == turn && add(values(i))) {
+      if (own == turn && isNew(isDecided, values(i))) {
+        list(values(i));
         group.fValues.push_back(values(i));
       }
     }
@@ -197,11 +207,8 @@ bool AnnotatedBrancher::Choose(const VokTarnNetwork& network, unsigned depth, Vo
     if (group.fValue == ValueChoice::Given) {
       for (std::size_t i = position.fPlace; i < group.fValues.size(); ++i) {
         const VokTarnValueId id = group.fValues[i];
-        const VokLong given = group.fGiven[i];
-        const bool isEnd = given == network.GetLower(id) || given == network.GetUpper(id);
-        if (network.GetCardinality(id) > 1 && AsInteger(network, id).IsPossible(given) &&
-            (isEnd || HoldsHoles(network, id))) {
-          branch = {id, VokTarnBranch::Part::Exactly, given};
+        if (network.GetCardinality(id) > 1 && AsInteger(network, id).IsPossible(group.fGiven[i])) {
+          branch = TakeValue(network, id, group.fGiven[i], VokTarnBranch::Part::Exactly);
           return true;
         }
       }
@@ -274,11 +281,7 @@ VokTarnBranch AnnotatedBrancher::ChooseValue(const VokTarnNetwork& network, VokT
   const VokLong lower = network.GetLower(id);
   const VokLong upper = network.GetUpper(id);
   const auto size = static_cast<std::uint64_t>(network.GetCardinality(id));
-  // One value, first or last; inside an interval the values up to it.
-  const auto take = [&](VokLong v, Part part) -> VokTarnBranch {
-    const bool isEnd = v == lower || v == upper;
-    return {id, isEnd || HoldsHoles(network, id) ? part : Part::AtMost, v};
-  };
+  const auto take = [&](VokLong v, Part part) { return TakeValue(network, id, v, part); };
   switch (choice) {
     case ValueChoice::Min:
     case ValueChoice::Given:

@@ -13,6 +13,7 @@
 namespace fzn {
 
 // Branches as the search annotations of a problem say: group after group of variables, and at the end over all others.
+// A group of a warm start looks after given values alone, so its variables are among those others, too.
 //
 // Variables  Ties go to the variable that stands first. `impact` ranks as `first_fail`.
 // Values     A choice inside the domain of a type that holds every value between its bounds is a split there.

@@ -167,15 +167,16 @@ void Builder::AddValues() {
       continue;
     }
     const Variable& variable = fModel.fVariables[i];
-    const Set& domain = fDomains[i];
+    Set domain = fDomains[i];
     if (!Fits(domain)) {
-      const bool isOpen = domain.front().fLower == MakeUnbounded().front().fLower ||
-                          domain.back().fUpper == MakeUnbounded().front().fUpper;
-      fErrors.Add(variable.fLine, isOpen ? "variable " + variable.fName + " has no bounds and none follow"
-                                         : "variable " + variable.fName +
-                                               " has bounds that do not fit: " + std::to_string(domain.front().fLower) +
-                                               ".." + std::to_string(domain.back().fUpper));
-      continue;
+      domain = Intersect(domain, MakeRange(kLeast, kGreatest));
+      if (domain.empty()) {
+        fErrors.Add(variable.fLine, "variable " + variable.fName +
+                                        " has bounds that do not fit: " + std::to_string(fDomains[i].front().fLower) +
+                                        ".." + std::to_string(fDomains[i].back().fUpper));
+        continue;
+      }
+      fCut.push_back(i);
     }
     fValues[i] = AddValue(domain, variable.fName);
   }
@@ -236,6 +237,32 @@ VokTarnValueId Builder::GetValue(const Term& term) {
   const VokTarnValueId id = AddValue(domain, {});
   fConstants.emplace(term.fNumber, id);
   return id;
+}
+
+std::vector<std::size_t> Builder::FindCut() const {
+  if (fCut.empty()) {
+    return {};
+  }
+  // Whether the network still has a constraint over it tells nothing: the ends that were cut may have decided it.
+  std::vector<bool> isNamed(fModel.fVariables.size());
+  const auto note = [&](const Term& term) {
+    if (term.fIsVariable) {
+      isNamed[FindRoot(static_cast<std::size_t>(term.fNumber))] = true;
+    }
+  };
+  note(fModel.fSolve.fObjective);
+  for (const Constraint& constraint : fModel.fConstraints) {
+    for (const Argument& argument : fModel.GetArguments(constraint)) {
+      if (argument.fKind == Argument::Kind::Variable) {
+        note({true, argument.fNumber});
+      } else if (argument.fKind == Argument::Kind::Array) {
+        std::ranges::for_each(fModel.GetTerms(argument), note);
+      }
+    }
+  }
+  std::vector<std::size_t> cut;
+  std::ranges::copy_if(fCut, std::back_inserter(cut), [&](std::size_t i) { return isNamed[i]; });
+  return cut;
 }
 
 // ---- Constraints

@@ -68,12 +68,20 @@ namespace {
 
 // ---- Arithmetic
 
+// Products of 64-bit numbers may have 127 bits, so their halves are added apart. What 128 bits do not hold is cut off,
+// far beyond whatever a sum is compared with.
 Wide SumProducts(const Given& c) {
-  Wide sum = 0;
+  constexpr unsigned kHalf = 64;
+  Wide high = 0;
+  Wide low = 0;
   for (std::size_t i = 0; i < c.GetSize(0); ++i) {
-    sum += static_cast<Wide>(c.Get(0, i)) * c.Get(1, i);
+    const Wide product = static_cast<Wide>(c.Get(0, i)) * c.Get(1, i);
+    high += product >> kHalf;
+    low += static_cast<std::uint64_t>(product);
   }
-  return sum;
+  high += low >> kHalf;
+  constexpr Wide kMost = static_cast<Wide>(1) << (kHalf - 2);
+  return std::clamp(high, -kMost, kMost) * (static_cast<Wide>(1) << kHalf) + static_cast<std::uint64_t>(low);
 }
 
 // Arrays that go together.
@@ -233,6 +241,22 @@ bool IsSorted(const Given& c) {
 
 bool AreIncreasing(const Given& c) {
   return std::ranges::is_sorted(c.GetAll(0));
+}
+
+bool AreDecreasing(const Given& c) {
+  return std::ranges::is_sorted(c.GetAll(0), std::greater());
+}
+
+bool IsDistribution(const Given& c) {
+  if (!HaveOneSize(c, {0, 1})) {
+    return false;
+  }
+  for (std::size_t i = 0; i < c.GetSize(0); ++i) {
+    if (CountMembers(c, 2, c.Get(1, i)) != c.Get(0, i)) {
+      return false;
+    }
+  }
+  return true;
 }
 
 bool IsBefore(const Given& c, unsigned left, unsigned right) {
@@ -458,13 +482,20 @@ constexpr CheckerRow sRows[] = {
     {"fzn_all_different_int", "a", AreAllDifferent},
     {"fzn_all_equal_int", "a", AreAllEqual},
     {"fzn_among", "ias", IsAmong},
+    {"fzn_at_least_int", "iai", [](const Given& c) { return CountMembers(c, 1, c.Get(2)) >= c.Get(0); }},
+    {"fzn_at_most_int", "iai", [](const Given& c) { return CountMembers(c, 1, c.Get(2)) <= c.Get(0); }},
     {"fzn_bin_packing", "iaa", IsPacking},
     {"fzn_count_eq", "aii", [](const Given& c) { return CountMembers(c, 0, c.Get(1)) == c.Get(2); }},
     {"fzn_cumulative", "aaai", IsCumulative},
+    {"fzn_decreasing_bool", "B", AreDecreasing},
+    {"fzn_decreasing_int", "a", AreDecreasing},
     {"fzn_diffn", "aaaa", [](const Given& c) { return AreApart(c, false); }},
     {"fzn_diffn_nonstrict", "aaaa", [](const Given& c) { return AreApart(c, true); }},
     {"fzn_disjunctive", "aa", [](const Given& c) { return AreDisjunctive(c, false); }},
     {"fzn_disjunctive_strict", "aa", [](const Given& c) { return AreDisjunctive(c, true); }},
+    {"fzn_distribute", "aaa", IsDistribution},
+    {"fzn_exactly_int", "iai", [](const Given& c) { return CountMembers(c, 1, c.Get(2)) == c.Get(0); }},
+    {"fzn_increasing_bool", "B", AreIncreasing},
     {"fzn_increasing_int", "a", AreIncreasing},
     {"fzn_lex_less_bool", "BB", [](const Given& c) { return IsBefore(c, 0, 1); }},
     {"fzn_lex_less_int", "aa", [](const Given& c) { return IsBefore(c, 0, 1); }},

@@ -56,9 +56,18 @@ void Send(int pipe, Header::Kind kind, std::span<const std::int64_t> numbers) {
 
 // Written by all processes.
 struct ParallelSolver::Shared {
+  // What a process has done since it was started.
+  struct Work {
+    std::atomic<std::uint64_t> fNodes;
+    std::atomic<std::uint64_t> fFailures;
+    std::atomic<std::uint64_t> fRestarts;
+    std::atomic<std::uint64_t> fPropagations;
+    std::atomic<std::uint64_t> fDepth;
+  };
+
   std::atomic<std::uint64_t> fNextPart;
   std::atomic<std::int64_t> fBest;
-  std::array<Statistics, kMostProcesses> fStatistics;
+  std::array<Work, kMostProcesses> fWork;
 };
 
 ParallelSolver::ParallelSolver(Builder& builder, const Options& options, std::function<bool()> interrupt,
@@ -210,11 +219,23 @@ void ParallelSolver::Start() {
   }
 }
 
+// Tells how far the process is; what had been done `before` it was started is told by the one that started it.
+void ParallelSolver::Report(unsigned index, const Statistics& before) {
+  Shared::Work& work = fShared->fWork[index];
+  const Statistics now = fSearch.GetStatistics();
+  work.fNodes = now.fNodes - before.fNodes;
+  work.fFailures = now.fFailures - before.fFailures;
+  work.fRestarts = now.fRestarts - before.fRestarts;
+  work.fPropagations = now.fPropagations - before.fPropagations;
+  work.fDepth = now.fDepth;
+}
+
 void ParallelSolver::Work(unsigned index, int pipe) {
+  const Statistics before = fSearch.GetStatistics();
   // The best objective is told as one to be minimized.
-  fBuilder.GetNetwork().SetInterrupt([this, index, polls = 0U]() mutable {
+  fBuilder.GetNetwork().SetInterrupt([this, index, before, polls = 0U]() mutable {
     if (++polls % kPollsPerReport == 0) {
-      fShared->fStatistics[index] = fSearch.GetStatistics();
+      Report(index, before);
     }
     const std::int64_t best = fShared->fBest.load(std::memory_order_relaxed);
     if (best != std::numeric_limits<std::int64_t>::max()) {
@@ -230,7 +251,7 @@ void ParallelSolver::Work(unsigned index, int pipe) {
         SearchPart(pipe);
       }
       fBuilder.GetNetwork().PopLevel();
-      fShared->fStatistics[index] = fSearch.GetStatistics();
+      Report(index, before);
     }
   } catch (...) {
     fIsUndecided = true;
@@ -313,12 +334,12 @@ bool ParallelSolver::TakeMessage(Worker& worker) {
 Solver::Statistics ParallelSolver::GetStatistics() const {
   Statistics sum = fSearch.GetStatistics();
   if (fShared != nullptr) {
-    for (const Statistics& own : fShared->fStatistics) {
-      sum.fNodes += own.fNodes;
-      sum.fFailures += own.fFailures;
-      sum.fRestarts += own.fRestarts;
-      sum.fPropagations += own.fPropagations;
-      sum.fDepth = std::max(sum.fDepth, own.fDepth);
+    for (const Shared::Work& work : fShared->fWork) {
+      sum.fNodes += work.fNodes;
+      sum.fFailures += work.fFailures;
+      sum.fRestarts += work.fRestarts;
+      sum.fPropagations += work.fPropagations;
+      sum.fDepth = std::max<std::uint64_t>(sum.fDepth, work.fDepth);
     }
   }
   return sum;

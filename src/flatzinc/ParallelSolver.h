@@ -43,6 +43,7 @@ class ParallelSolver : public Solver {
   void AddHalves(const Part& part, std::vector<Part>& halves);
   void Start();
   [[noreturn]] void Work(unsigned index, int pipe);
+  void Report(unsigned index, const Statistics& before);
   void SearchPart(int pipe);
   bool Apply(const Part& part);
   void Receive(Worker& worker);

@@ -27,6 +27,7 @@ struct Type {
   bool fIsVariable = false;
   std::optional<Set> fDomain;
   const char* fComplaint = "";  // about a variable of a type that is not supported
+  bool fIsSetVariable = false;  // one of those types
 };
 
 struct DeclarationAnnotations {
@@ -266,6 +267,7 @@ Type Parser::ParseVariableType() {
     type = MakeUnsupported("float variables are not supported");
   } else if (fToken.IsName("set")) {
     type = MakeUnsupported("set variables are not supported");
+    type.fIsSetVariable = true;
   } else if (fToken.Is("{")) {
     Advance();
     type.fDomain = ParseBraces();
@@ -362,9 +364,13 @@ void Parser::ParseArrayDeclaration() {
   const std::int64_t last = TakeInteger();
   Expect("]");
   ExpectName("of");
-  const Type type = ParseType();
+  Type type = ParseType();
   Expect(":");
   const std::string_view name = TakeName("a name");
+  if (type.fIsSetVariable && last == 0) {
+    type = {};  // none of its members is a variable
+    type.fBase = Type::Base::SetOfIntegers;
+  }
   if (type.fBase == Type::Base::Unsupported) {
     return DeclareUnsupported(name, type, line);
   }
@@ -388,9 +394,6 @@ void Parser::ParseArrayDeclaration() {
   }
   Declare(name, array);
   if (annotations.fIsOutputArray) {
-    if (array->fKind != Kind::Array) {
-      fLexer.Fail("expected an array of integers or truth values to be printed");
-    }
     std::string sets;
     for (const Set& set : annotations.fIndexSets) {
       sets += (sets.empty() ? "" : ", ") + ToText(set);

@@ -55,8 +55,7 @@ void SearchSolver::Begin() {
     options.fVariable = VokTarnSearch::VariableChoice::Weighted;
     options.fLearns = true;
   }
-  fSearch.emplace(fBuilder.GetNetwork(), fOptions.fIsFree ? fBrancher.GetAll() : std::vector<VokTarnValueId>(),
-                  FindObjective(fBuilder), options);
+  fSearch.emplace(fBuilder.GetNetwork(), fBrancher.GetAll(), FindObjective(fBuilder), options);
   if (!fOptions.fIsFree) {
     fSearch->SetBrancher(&fBrancher);
   }

@@ -20,7 +20,8 @@ inline bool Fits(const Set& domain) {
 }
 
 // Narrows the domains that do not fit by what the constraints over them say of their bounds, until nothing follows any
-// more. `find` gives the place of a variable's domain among the domains.
+// more. Every value that a solution has stays, however large. `find` gives the place of a variable's domain among the
+// domains.
 //
 // Cost  Linear in the size of the constraints over such variables for each round; two rounds are enough for a chain of
 //       definitions, and there is a limit.

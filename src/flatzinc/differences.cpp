@@ -36,10 +36,14 @@ std::optional<Difference> ReadDifference(const Posting& posting) {
   } else {
     return std::nullopt;
   }
-  // Apart by so much anyway: nothing that a clique is to be made of.
+  // Constants may have 64 bits.
+  if (posting.IsFixed(first) || posting.IsFixed(second) || posting.AreSame(first, second)) {
+    return std::nullopt;
+  }
+  // So far apart in any case: nothing that a clique is to be made of.
   const bool isTrivial = posting.GetLower(first) - gap > posting.GetUpper(second) ||
                          posting.GetUpper(first) - gap < posting.GetLower(second);
-  if (isTrivial || posting.IsFixed(first) || posting.IsFixed(second) || posting.AreSame(first, second)) {
+  if (isTrivial) {
     return std::nullopt;
   }
   return Difference{posting.GetValue(first), posting.GetValue(second), static_cast<VokLong>(gap)};

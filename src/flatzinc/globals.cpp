@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "flatzinc/Posting.h"
+#include "framework/VokTarnRelation.h"
 
 namespace fzn {
 
@@ -10,7 +11,7 @@ namespace {
 using Values = std::vector<VokTarnValueId>;
 
 // Bins beyond this number are not counted one by one.
-constexpr std::int64_t kMostBins = 4096;
+constexpr std::uint64_t kMostBins = 4096;
 
 // The terms of these arguments, one after the other.
 Values Join(const Posting& posting, std::initializer_list<unsigned> arguments) {
@@ -57,10 +58,12 @@ void PostAllEqual(const Posting& posting) {
   }
 }
 
-void PostIncreasing(const Posting& posting) {
+// Increasing, or decreasing.
+template <bool isUp>
+void PostMonotonic(const Posting& posting) {
   const Values x = Join(posting, {0});
   for (std::size_t i = 1; i < x.size(); ++i) {
-    posting.Post("VokTarnLessOrEqualTernaryConstraint", Values{x[i], x[i - 1]});
+    posting.Post("VokTarnLessOrEqualTernaryConstraint", isUp ? Values{x[i], x[i - 1]} : Values{x[i - 1], x[i]});
   }
 }
 
@@ -91,12 +94,53 @@ void PostCountEqReif(const Posting& posting) {
                Values{posting.GetValue(posting.GetTerm(3)), posting.GetValue(posting.GetTerm(2)), count});
 }
 
+// At least, at most, exactly as many of the array 1 as the constant 0 says are the constant 2.
+template <bool isAtLeast, bool isAtMost>
+void PostCountBetween(const Posting& posting) {
+  const std::int64_t number = posting.GetConstant(0);
+  const std::int64_t least = isAtLeast ? std::max<std::int64_t>(number, 0) : 0;
+  const std::int64_t most = isAtMost ? std::min<std::int64_t>(number, CountOf(posting, 1)) : CountOf(posting, 1);
+  if (least > most || (isAtMost && number < 0)) {
+    posting.Fail();
+    return;
+  }
+  Values values = {posting.AddValue(least, most), posting.GetValue(posting.GetTerm(2))};
+  const Values x = Join(posting, {1});
+  values.insert(values.end(), x.begin(), x.end());
+  posting.Post("VokTarnCountConstraint", values);
+}
+
+// Each of the array 0 is the number of those in the array 2 that are what the array 1 says.
+void PostDistribute(const Posting& posting) {
+  RequireSameSize(posting, {0, 1});
+  const Values counts = Join(posting, {0});
+  const Values numbers = Join(posting, {1});
+  const Values x = Join(posting, {2});
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    Values values = {counts[i], numbers[i]};
+    values.insert(values.end(), x.begin(), x.end());
+    posting.Post("VokTarnCountConstraint", values);
+  }
+}
+
 void PostMember(const Posting& posting) {
   if (posting.GetTerms(0).empty()) {
     posting.Fail();
     return;
   }
   PostCount(posting, posting.AddValue(1, CountOf(posting, 0)));
+}
+
+void PostMemberReif(const Posting& posting) {
+  const VokLong size = CountOf(posting, 0);
+  if (size == 0) {
+    posting.Fix(posting.GetTerm(2), 0);
+    return;
+  }
+  const VokTarnValueId count = posting.AddValue(0, size);
+  PostCount(posting, count);
+  posting.Post("VokTarnMembershipConstraint", Values{count, posting.GetValue(posting.GetTerm(2))},
+               std::vector<VokLong>{static_cast<VokLong>(VokTarnMode::Reified), 1, size});
 }
 
 void PostAmong(const Posting& posting) {
@@ -243,7 +287,7 @@ void PostBinPacking(const Posting& posting) {
     last = std::max(last, posting.GetUpper(item));
   }
   const std::int64_t capacity = posting.GetConstant(0);
-  if (last - first >= kMostBins) {
+  if (static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(first) >= kMostBins) {
     Values values = Join(posting, {1});
     values.insert(values.begin(), posting.GetValue(Term{false, capacity}));
     values.insert(values.end(), items.size(), posting.GetValue(Term{false, 1}));
@@ -274,20 +318,28 @@ constexpr PostingRow kRows[] = {
     {"fzn_all_different_int", 1, PostAllDifferent},
     {"fzn_all_equal_int", 1, PostAllEqual},
     {"fzn_among", 3, PostAmong},
+    {"fzn_at_least_int", 3, PostCountBetween<true, false>},
+    {"fzn_at_most_int", 3, PostCountBetween<false, true>},
     {"fzn_bin_packing", 3, PostBinPacking},
     {"fzn_count_eq", 3, PostCountEq},
     {"fzn_count_eq_reif", 4, PostCountEqReif},
     {"fzn_cumulative", 4, PostCumulative},
+    {"fzn_decreasing_bool", 1, PostMonotonic<false>},
+    {"fzn_decreasing_int", 1, PostMonotonic<false>},
     {"fzn_diffn", 4, PostNonOverlap<1>},
     {"fzn_diffn_nonstrict", 4, PostNonOverlap<0>},
     {"fzn_disjunctive", 2, PostDisjunctive<0>},
     {"fzn_disjunctive_strict", 2, PostDisjunctive<1>},
-    {"fzn_increasing_int", 1, PostIncreasing},
+    {"fzn_distribute", 3, PostDistribute},
+    {"fzn_exactly_int", 3, PostCountBetween<true, true>},
+    {"fzn_increasing_bool", 1, PostMonotonic<true>},
+    {"fzn_increasing_int", 1, PostMonotonic<true>},
     {"fzn_lex_less_bool", 2, PostLexicographicOrder<1>},
     {"fzn_lex_less_int", 2, PostLexicographicOrder<1>},
     {"fzn_lex_lesseq_bool", 2, PostLexicographicOrder<0>},
     {"fzn_lex_lesseq_int", 2, PostLexicographicOrder<0>},
     {"fzn_member_int", 2, PostMember},
+    {"fzn_member_int_reif", 3, PostMemberReif},
     {"fzn_nvalue", 2, PostNumberOfValues},
     {"fzn_sort", 2, PostSort},
     {"fzn_value_precede_int", 3, PostValuePrecedence},

@@ -22,6 +22,14 @@ std::int64_t Narrow(Int128 v) {
   return static_cast<std::int64_t>(v);
 }
 
+// Constants times coefficients have up to 127 bits: what is left of them is to leave room for the variables.
+void RequireRoom(Int128 v) {
+  constexpr Int128 kRoom = Int128{1} << 120;
+  if (v > kRoom || v < -kRoom) {
+    throw PostingError("the constants of the sum have more than 120 bits");
+  }
+}
+
 Int128 DivideDown(Int128 a, Int128 b) {
   return a / b - (a % b < 0 ? 1 : 0);
 }
@@ -71,6 +79,7 @@ void Linear::Collect(std::span<const LinearTerm> terms) {
   for (const auto& [factor, term] : terms) {
     if (fPosting.IsFixed(term)) {
       fNumber -= Int128{factor} * fPosting.GetLower(term);
+      RequireRoom(fNumber);
     } else {
       fItems.push_back({fPosting.GetValue(term), factor, term});
     }
@@ -176,7 +185,7 @@ void Linear::PostSingle(const Statement& statement) const {
     set = item.fFactor > 0 ? MakeRange(lower, v) : MakeRange(v, upper);
   } else {
     set = MakeRange(lower, v - 1);
-    if (v + 1 <= upper) {
+    if (v < upper) {
       set.push_back({v + 1, upper});
     }
   }
@@ -317,9 +326,9 @@ void PostMembership(const Posting& posting, const Term& term, const Set& set, co
       if (next < range.fLower) {
         outside.push_back({next, range.fLower - 1});
       }
-      next = range.fUpper + 1;
+      next = range.fUpper < upper ? range.fUpper + 1 : upper;
     }
-    if (next <= upper) {
+    if (inside.empty() || inside.back().fUpper < upper) {
       outside.push_back({next, upper});
     }
     posting.Restrict(term, outside);

@@ -1,5 +1,7 @@
 #include "flatzinc/solutionText.h"
 
+#include "flatzinc/sets.h"
+
 namespace fzn {
 namespace {
 
@@ -17,14 +19,20 @@ std::string FormatSolution(const Model& model, std::span<const std::int64_t> val
   for (const Output& output : model.fOutputs) {
     const Argument& value = output.fValue;
     text += output.fName + " = ";
-    if (value.fKind != Argument::Kind::Array) {
+    const bool isOfSets = value.fKind == Argument::Kind::Sets;
+    if (value.fKind != Argument::Kind::Array && !isOfSets) {
       AppendNumber(text, get(value.fKind == Argument::Kind::Variable, value.fNumber), value.fIsTruth);
     } else {
       text += "array" + std::to_string(output.fDimensions) + "d(" + output.fIndexSets + ", [";
       const char* comma = "";
-      for (const Term& term : model.GetTerms(value)) {
+      for (std::uint32_t i = 0; i < value.fCount; ++i) {
         text += comma;
-        AppendNumber(text, get(term.fIsVariable, term.fNumber), value.fIsTruth);
+        const auto place = static_cast<std::size_t>(value.fNumber) + i;
+        if (isOfSets) {
+          text += ToText(model.fSets[place]);
+        } else {
+          AppendNumber(text, get(model.fTerms[place].fIsVariable, model.fTerms[place].fNumber), value.fIsTruth);
+        }
         comma = ",";
       }
       text += "])";

@@ -354,4 +354,5 @@ void VokTarnNetwork::PopLevel() {
   fLevels.pop_back();
   ClearAgenda();
   fFailed = false;
+  fFailedConstraint = nullptr;
 }

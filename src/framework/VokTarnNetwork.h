@@ -72,7 +72,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Throws std::bad_alloc rather than to report an outcome when IsMemoryShort().
   Outcome Propagate();
   bool IsFailed() const noexcept { return fFailed; }
-  // The constraint that was being filtered when the last propagation failed; null when it did not fail so.
+  // The constraint that was being filtered when the network failed; null when it has not failed, or not so.
   const VokTarnConstraint* GetFailedConstraint() const noexcept { return fFailedConstraint; }
   // Asked before each step of propagation, so it should be quick; true ends it with Interrupted, the rest of the agenda
   // kept.

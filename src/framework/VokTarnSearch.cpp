@@ -56,6 +56,11 @@ VokTarnSearch::~VokTarnSearch() {
   }
 }
 
+void VokTarnSearch::SetBrancher(VokTarnBrancher* brancher) noexcept {
+  fBrancher = brancher;
+  fNetwork.SetChangeLog(brancher == nullptr && !fVariables.empty() ? &fChanged : nullptr);
+}
+
 VokTarnSearch::Status VokTarnSearch::Next() {
   const Status status = Run();
   if (fNetwork.IsMemoryShort()) {
@@ -111,7 +116,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
       if (fOptions.fLearns) {
         Take(RecallPhase(variable));
       } else {
-        Split(variable, false);
+        Split(variable);
       }
       continue;
     }
@@ -128,7 +133,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
       return Status::Solution;
     }
     if (CanSplit(fNetwork.GetValue(open))) {
-      Split(open, true);
+      Split(open);
       continue;
     }
     fUndecided = open;
@@ -180,11 +185,11 @@ void VokTarnSearch::NoteFailure() {
     fLastConflict = fChoices.back().fVariable;
   }
   const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
-  if (fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
+  if (fBrancher != nullptr || fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
     return;
   }
   for (const VokTarnValueId id : failed->GetArguments()) {
-    if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
+    if (IsVariable(id)) {
       std::uint32_t& weight = fVariables[fPlaces[id]].fWeight;
       weight += weight < std::numeric_limits<std::uint32_t>::max() ? 1U : 0U;
       fChanged.push_back(id);
@@ -233,6 +238,8 @@ void VokTarnSearch::BeginAgain() {
   while (!fChoices.empty()) {
     LeaveLevel();
   }
+  // What going back has restored is seen below; what the no-goods narrow now is for their next turn to see.
+  fNetwork.ClearChangeLog();
   if (fOptions.fLearns && fUndecided == vokNoValue) {
     fNoGoods.Learn(path);
   } else {
@@ -244,7 +251,6 @@ void VokTarnSearch::BeginAgain() {
   }
   fFailuresToRestart = fStatistics.fFailures + kRunLength * fRestartSequence.Next();
   Shuffle();
-  fNetwork.ClearChangeLog();
   EnterAll();
 }
 
@@ -258,7 +264,7 @@ void VokTarnSearch::NoteBound() {
 // The values that variables have now are those to try first later.
 void VokTarnSearch::NotePhases() {
   for (const VokTarnValueId id : fChanged) {
-    if (id < fPlaces.size() && fPlaces[id] != kNoPlace && fNetwork.GetCardinality(id) == 1) {
+    if (IsVariable(id) && fNetwork.GetCardinality(id) == 1) {
       fPhases[fPlaces[id]] = AsInteger(fNetwork.GetValue(id)).GetLowerBound();
     }
   }
@@ -279,18 +285,21 @@ VokTarnBranch VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
 }
 
 VokTarnValueId VokTarnSearch::ChooseVariable() {
+  if (fBrancher != nullptr) {
+    return vokNoValue;  // its own order has ended: FindUndecided sees to what is left
+  }
   if (fOptions.fLearns) {
     NotePhases();
   }
   for (const VokTarnValueId id : fChanged) {
-    if (id < fPlaces.size() && fPlaces[id] != kNoPlace) {
+    if (IsVariable(id)) {
       Enter(fPlaces[id]);
     }
   }
   fNetwork.ClearChangeLog();
   if (fOptions.fLearns && fLastConflict != vokNoValue) {
     const VokTarnValueId last = fLastConflict;
-    if (last < fPlaces.size() && fPlaces[last] != kNoPlace && fNetwork.GetCardinality(last) > 1) {
+    if (IsVariable(last) && fNetwork.GetCardinality(last) > 1) {
       return last;
     }
     fLastConflict = vokNoValue;
@@ -314,8 +323,8 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
   return vokNoValue;
 }
 
-// A value that is not single: a variable that cannot be split, else an intermediate value, one that can be
-// split before one that cannot.
+// A value that is not single: a variable before an intermediate value, and of those one that can be split before one
+// that cannot.
 VokTarnValueId VokTarnSearch::FindUndecided() const {
   for (const Variable& variable : fVariables) {
     if (fNetwork.GetValue(variable.fId).GetCardinality() != 1) {
@@ -335,12 +344,16 @@ VokTarnValueId VokTarnSearch::FindUndecided() const {
   return open;
 }
 
+bool VokTarnSearch::IsVariable(VokTarnValueId id) const {
+  return id < fPlaces.size() && fPlaces[id] != kNoPlace;
+}
+
 // The bound of an objective is undefined until the first solution; what it bounds needs no check by then.
 bool VokTarnSearch::IsBound(VokTarnValueId id) const {
   return fObjective && fObjective->fBound == id;
 }
 
-void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
+void VokTarnSearch::Split(VokTarnValueId variable) {
   const VokTarnObjectDescriptor* type = fNetwork.GetType(variable);
   VokTarnNetwork::Spare rest = fNetwork.TakeSpare(type);
   const VokTarnNetwork::Spare part = fNetwork.TakeSpare(type);
@@ -348,7 +361,7 @@ void VokTarnSearch::Split(VokTarnValueId variable, bool auxiliary) {
   constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
   rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
-  Open({variable, std::move(rest), {}, auxiliary});
+  Open({variable, std::move(rest), {}, !IsVariable(variable)});
   fNetwork.Copy(fNetwork.Touch(variable), *part);
   fNetwork.NoteChange(variable);
   if (fObserver != nullptr) {
@@ -404,7 +417,7 @@ bool VokTarnSearch::Backtrack() {
 
 // One completion of the variables' values is enough: the choices among intermediate values are dropped.
 void VokTarnSearch::SkipAuxiliaryChoices() {
-  while (!fChoices.empty() && fChoices.back().fAuxiliary) {
+  while (!fChoices.empty() && fChoices.back().fIsAuxiliary) {
     LeaveLevel();
   }
 }

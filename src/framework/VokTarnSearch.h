@@ -35,7 +35,8 @@ class VOKTARN_EXPORT VokTarnSearchObserver {
 // Each step chooses an undecided variable and splits its domain with Bisect, as the options say: first one part, then
 // the rest. Every assignment of the variables is found once, in a deterministic order; intermediate values that
 // propagation leaves open are searched for one completion. A variable that is still undefined when nothing else can be
-// split leaves its branch undecided: no solution is claimed or denied there.
+// split leaves its branch undecided: no solution is claimed or denied there. A brancher only says what comes first:
+// the search splits by itself whatever variable it leaves open.
 //
 // Errors  Throws std::bad_alloc rather than to answer when memory has been short, see VokTarnNetwork.
 //
@@ -114,8 +115,9 @@ class VOKTARN_EXPORT VokTarnSearch {
   // From now on `observer` (null: none) sees each step; borrowed.
   void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
 
-  // From now on `brancher` (null: none) is asked first; the search's own choice is for what it leaves. Borrowed.
-  void SetBrancher(VokTarnBrancher* brancher) noexcept { fBrancher = brancher; }
+  // `brancher` is asked first, before the search has begun and from then on; the variables that it leaves open are split
+  // in their order. Borrowed.
+  void SetBrancher(VokTarnBrancher* brancher) noexcept;
   // A solution with this objective is known from elsewhere: those to come must be better. At any time.
   void NoteKnown(VokLong objective) noexcept;
 
@@ -135,7 +137,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     VokTarnValueId fVariable;
     VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched; null:
     VokTarnBranch fBranch;        // the first part, what remains is its rest
-    bool fAuxiliary;              // an intermediate value: one completion is enough
+    bool fIsAuxiliary;            // an intermediate value: one completion is enough
   };
 
   struct Variable {
@@ -165,7 +167,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   Status Run();
   VokTarnNetwork::Outcome Propagate();
   bool Backtrack();
-  void Split(VokTarnValueId variable, bool auxiliary);
+  void Split(VokTarnValueId variable);
   void Take(const VokTarnBranch& branch);
   void Open(Choice choice);
   VokTarnBranch RecallPhase(VokTarnValueId variable) const;
@@ -180,6 +182,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   void NoteBound();
   void NoteFailure();
   VokTarnValueId FindUndecided() const;
+  bool IsVariable(VokTarnValueId id) const;
   bool IsBound(VokTarnValueId id) const;
   bool TightenBound();
   bool TightenObjective(VokLong wanted);

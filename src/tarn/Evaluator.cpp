@@ -168,6 +168,18 @@ Result Literal(std::string_view text) noexcept {
   return read.ec == std::errc() && read.ptr == text.data() + text.size() ? Known(number) : sUnknown;
 }
 
+// Functions of lists, by whether something stands beside the list.
+bool IsKnownFunction(const Node& node) noexcept {
+  return node.fHasBeside ? node.fText == "count" || node.fText == "element" : node.fText == "sum";
+}
+
+bool HasUnknownList(const Formula& formula) noexcept {
+  return (formula.fKind == Formula::Kind::List && formula.fOperators[0].fText != "all different") ||
+         (formula.fKind == Formula::Kind::Table && formula.fOperators[0].fText != "table") ||
+         std::ranges::any_of(formula.fNodes,
+                             [](const Node& node) { return node.fKind == Node::Kind::Call && !IsKnownFunction(node); });
+}
+
 Result Sum(std::span<const std::int64_t> members) noexcept {
   Result sum = Known(0);
   for (const std::int64_t member : members) {
@@ -180,22 +192,16 @@ Result Sum(std::span<const std::int64_t> members) noexcept {
 }
 
 Result Call(const Node& node, std::span<const std::int64_t> members) noexcept {
-  if (node.fText == "sum" && !node.fHasBeside) {
-    return Sum(members);
-  }
   if (!node.fHasBeside) {
-    return sUnknown;
+    return Sum(members);
   }
   const std::int64_t beside = members[0];
   const std::span<const std::int64_t> list = members.subspan(1);
   if (node.fText == "count") {
     return Known(std::ranges::count(list, beside));
   }
-  if (node.fText == "element") {
-    const auto size = static_cast<std::int64_t>(list.size());
-    return beside < 1 || beside > size ? sNone : Known(list[static_cast<std::size_t>(beside - 1)]);
-  }
-  return sUnknown;
+  const auto size = static_cast<std::int64_t>(list.size());
+  return beside < 1 || beside > size ? sNone : Known(list[static_cast<std::size_t>(beside - 1)]);
 }
 
 Result Call(const Node& node, const Formula& formula, std::span<const Result> results) {
@@ -241,9 +247,6 @@ Result Evaluate(const Node& node, const Formula& formula, std::span<const Result
 }
 
 bool HasRow(const Formula& formula, std::span<const std::int64_t> values) {
-  if (formula.fOperators[0].fText != "table") {
-    return true;
-  }
   for (auto row = formula.fConstants.begin(); row != formula.fConstants.end();
        row += static_cast<std::ptrdiff_t>(values.size())) {
     if (std::ranges::equal(values, std::span(row, values.size()))) {
@@ -253,7 +256,7 @@ bool HasRow(const Formula& formula, std::span<const std::int64_t> values) {
   return false;
 }
 
-// Whether the statement over these root values holds; a form that is not known holds.
+// Whether the statement over these root values holds; a relation that is not known holds.
 bool Holds(const Formula& formula, std::vector<std::int64_t> roots) {
   switch (formula.fKind) {
     case Formula::Kind::Relations:
@@ -266,9 +269,6 @@ bool Holds(const Formula& formula, std::vector<std::int64_t> roots) {
     case Formula::Kind::Truth:
       return roots[0] != 0;
     case Formula::Kind::List:
-      if (formula.fOperators[0].fText != "all different") {
-        return true;
-      }
       std::ranges::sort(roots);
       return std::ranges::adjacent_find(roots) == roots.end();
     case Formula::Kind::Table:
@@ -301,6 +301,15 @@ bool MayHold(const Formula& formula, std::span<const std::optional<std::int64_t>
 }
 
 }  // namespace
+
+std::optional<std::size_t> Evaluator::FindUnchecked() const {
+  const std::vector<Statement>& statements = fModel.GetStatements();
+  const auto found = std::ranges::find_if(statements, [](const Statement& statement) {
+    const Formula* formula = std::get_if<Formula>(&statement.fBody);
+    return formula != nullptr && HasUnknownList(*formula);
+  });
+  return found == statements.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - statements.begin()));
+}
 
 std::optional<std::size_t> Evaluator::FindContradiction(std::span<const std::optional<std::int64_t>> values) const {
   const std::vector<Statement>& statements = fModel.GetStatements();

@@ -31,6 +31,29 @@ std::string MakePigeons() {
          "],input_order,indomain_min,complete) minimize z;\n";
 }
 
+// Beyond the network's integers there may be more: the verdict stays open, and what is found is a solution.
+TEST(FlatZinc, WhereAVariableWasCutNoVerdictFollows) {
+  const struct {
+    std::string fText;
+    std::string fOut;
+    bool fIsCut;
+  } rows[] = {
+      {"var int: x:: output_var; solve minimize x;", "x = -2147483644;\n----------\n", true},
+      {"var int: x; var int: y; constraint int_plus(x,2000000000,y); constraint int_times(x,x,y);"
+       "constraint int_le(1000000,x); solve satisfy;",
+       "=====UNKNOWN=====\n", true},
+      {"var int: x; var int: y; constraint int_plus(x,1,y); constraint int_le(y,3); constraint int_lt(5,x);"
+       "solve satisfy;",
+       "=====UNSATISFIABLE=====\n", false},
+      {"var int: x; var 1..2: y:: output_var; solve maximize y;", "y = 2;\n----------\n==========\n", false},
+  };
+  for (const auto& row : rows) {
+    const ProgramResult result = RunProgram(VOKTARN_BIN_DIR "/fzn-tarn", {"-"}, {row.fText});
+    EXPECT_EQ(result.fOut, row.fOut) << row.fText;
+    EXPECT_EQ(result.fErr.find("-2147483644 to 2147483644 only") != std::string::npos, row.fIsCut) << result.fErr;
+  }
+}
+
 TEST(FlatZinc, FlagsChooseWhatIsPrinted) {
   const std::string one = "x = 1;\n----------\n";
   const std::string two = "x = 2;\n----------\n";

@@ -341,17 +341,23 @@ void Builtins::Check(const Posed& posed) {
       continue;
     }
     network.PushLevel();
-    const std::size_t i = open[static_cast<std::size_t>(Random(0, static_cast<int>(open.size()) - 1))];
-    const Value v = domains[i][static_cast<std::size_t>(Random(0, static_cast<int>(domains[i].size()) - 1))];
-    auto& x = static_cast<VokTarnInteger&>(network.Touch(ids[i]));
-    if (x.IsPossible(static_cast<VokLong>(v))) {
-      x.SetExactValue(static_cast<VokLong>(v));
-    } else {
-      x.SetNilValue();
-    }
-    network.NoteChange(ids[i]);
     levels.push_back(levels.back());
-    std::erase_if(levels.back(), [&](const Values& s) { return s[i] != v; });
+    // Several changes may come before the constraint's turn.
+    for (int changes = Random(0, 3) == 0 ? 3 : 1; changes > 0 && !network.IsFailed(); --changes) {
+      const std::size_t i = open[static_cast<std::size_t>(Random(0, static_cast<int>(open.size()) - 1))];
+      const Value v = domains[i][static_cast<std::size_t>(Random(0, static_cast<int>(domains[i].size()) - 1))];
+      auto& x = static_cast<VokTarnInteger&>(network.Touch(ids[i]));
+      if (x.GetCardinality() == 1 && x.GetLowerBound() == v) {
+        continue;
+      }
+      if (x.IsPossible(static_cast<VokLong>(v))) {
+        x.SetExactValue(static_cast<VokLong>(v));
+      } else {
+        x.SetNilValue();
+      }
+      network.NoteChange(ids[i]);
+      std::erase_if(levels.back(), [&](const Values& s) { return s[i] != v; });
+    }
   }
 }
 

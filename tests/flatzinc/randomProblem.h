@@ -1,4 +1,5 @@
-// Random problems as FlatZinc texts, small enough to be solved by plain enumeration.
+// Random problems as FlatZinc texts, small enough to be solved by plain enumeration. A problem keeps its parts apart,
+// so that one that fails can be made smaller.
 #pragma once
 
 #include <algorithm>
@@ -19,30 +20,135 @@ struct RandomRow {
   const char* fArguments;
 };
 
-class RandomProblem {
+struct RandomVariable {
+  std::string fName;
+  std::string fType;                      // as declared
+  std::vector<std::string> fBounds;       // constraints that keep it among its candidates, where its type does not
+  std::vector<std::int64_t> fCandidates;  // no solution gives it another value
+};
+
+struct RandomAnnotation {
+  std::string fText;                     // empty: a seq_search
+  std::vector<RandomAnnotation> fParts;  // of it
+
+  std::string GetText() const {
+    if (!fText.empty()) {
+      return fText;
+    }
+    std::string text = "seq_search([";
+    for (const RandomAnnotation& part : fParts) {
+      text += &part == fParts.data() ? "" : ",";
+      text += part.GetText();
+    }
+    return text + "])";
+  }
+};
+
+struct RandomProblem {
+  std::vector<RandomVariable> fVariables;
+  std::vector<std::string> fConstraints;
+  std::vector<RandomAnnotation> fAnnotations;
+  std::string fGoal = "satisfy";  // or "minimize x0"
+
+  std::string GetText() const {
+    std::string text;
+    for (const RandomVariable& variable : fVariables) {
+      text += "var " + variable.fType + ": " + variable.fName + ":: output_var;\n";
+    }
+    for (const RandomVariable& variable : fVariables) {
+      for (const std::string& bound : variable.fBounds) {
+        text += "constraint " + bound + ";\n";
+      }
+    }
+    for (const std::string& constraint : fConstraints) {
+      text += "constraint " + constraint + ";\n";
+    }
+    text += "solve ";
+    for (const RandomAnnotation& annotation : fAnnotations) {
+      text += ":: " + annotation.GetText() + " ";
+    }
+    return text + fGoal + ";\n";
+  }
+};
+
+// Makes the problem smaller, a part after the other, as long as `fails` says that it still fails.
+template <class Fails>
+RandomProblem Shrink(RandomProblem problem, Fails fails) {
+  const auto attempt = [&](const RandomProblem& smaller) {
+    const bool isTaken = fails(smaller);
+    if (isTaken) {
+      problem = smaller;
+    }
+    return isTaken;
+  };
+  // Each way to leave one thing out; the places are those of the problem as it is by then.
+  const auto dropEach = [&](auto getList) {
+    bool isChanged = false;
+    for (std::size_t i = 0; i < getList(problem).size();) {
+      RandomProblem smaller = problem;
+      auto& list = getList(smaller);
+      list.erase(list.begin() + static_cast<std::ptrdiff_t>(i));
+      const bool isTaken = attempt(smaller);
+      isChanged = isChanged || isTaken;
+      i += isTaken ? 0 : 1;
+    }
+    return isChanged;
+  };
+  for (bool isChanged = true; isChanged;) {
+    isChanged = dropEach([](RandomProblem & p) -> auto& { return p.fConstraints; });
+    isChanged = dropEach([](RandomProblem & p) -> auto& { return p.fAnnotations; }) || isChanged;
+    isChanged = dropEach([](RandomProblem & p) -> auto& { return p.fVariables; }) || isChanged;
+    for (std::size_t i = 0; i < problem.fAnnotations.size(); ++i) {
+      if (problem.fAnnotations[i].fParts.empty()) {
+        continue;
+      }
+      isChanged = dropEach([i](RandomProblem & p) -> auto& { return p.fAnnotations[i].fParts; }) || isChanged;
+      RandomProblem smaller = problem;
+      smaller.fAnnotations = problem.fAnnotations[i].fParts;
+      isChanged = attempt(smaller) || isChanged;
+      i = problem.fAnnotations.size();
+    }
+    if (problem.fGoal != "satisfy") {
+      RandomProblem smaller = problem;
+      smaller.fGoal = "satisfy";
+      isChanged = attempt(smaller) || isChanged;
+    }
+  }
+  return problem;
+}
+
+class ProblemMaker {
  public:
-  RandomProblem(unsigned seed, std::span<const RandomRow> rows, bool hasWideNumbers)
+  ProblemMaker(unsigned seed, std::span<const RandomRow> rows, bool hasWideNumbers)
       : fRandom(seed), fHasWideNumbers(hasWideNumbers) {
     for (int i = Pick(1, 3); i > 0; --i) {
       DeclareInteger();
     }
     for (int i = Pick(0, 2); i > 0; --i) {
       fTruths.push_back("b" + std::to_string(i));
-      fText += "var bool: " + fTruths.back() + ":: output_var;\n";
+      fProblem.fVariables.push_back({fTruths.back(), "bool", {}, {0, 1}});
     }
     for (int i = Pick(1, 4); i > 0; --i) {
       const RandomRow& row = rows[static_cast<std::size_t>(Pick(0, static_cast<int>(rows.size()) - 1))];
-      fLength = Pick(0, 6) == 0 ? 0 : Pick(1, 4);
+      const bool isSum = std::string_view(row.fName).starts_with("int_lin");
+      fLength = Pick(0, 6) == 0 ? 0 : isSum && Pick(0, 19) == 0 ? Pick(8, 12) : Pick(1, 4);
       std::string text;
       for (const char* letter = row.fArguments; *letter != '\0'; ++letter) {
         text += (text.empty() ? "" : ",") + Argument(*letter);
       }
-      fText += std::string("constraint ") + row.fName + "(" + text + ");\n";
+      static const char* const hints[] = {" :: domain", " :: bounds", " :: value_propagation", " :: defines_var(x0)"};
+      fProblem.fConstraints.push_back(row.fName + ("(" + text + ")") + (Pick(0, 9) == 0 ? hints[Pick(0, 3)] : ""));
     }
-    fText += "solve satisfy;\n";
+    for (int i = Pick(0, 2); i > 0; --i) {
+      fProblem.fAnnotations.push_back(MakeAnnotation(3));
+    }
+    if (Pick(0, 2) == 0) {
+      fProblem.fGoal =
+          std::string(Pick(0, 1) == 0 ? "minimize " : "maximize ") + (Pick(0, 9) == 0 ? "3" : PickOf(fIntegers));
+    }
   }
 
-  const std::string& GetText() const { return fText; }
+  const RandomProblem& GetProblem() const { return fProblem; }
 
  private:
   int Pick(int lower, int upper) { return std::uniform_int_distribution(lower, upper)(fRandom); }
@@ -50,26 +156,101 @@ class RandomProblem {
     return names[static_cast<std::size_t>(Pick(0, static_cast<int>(names.size()) - 1))];
   }
 
+  // Of up to six values: a range or a set, near 0 or near the ends of 32 bits; now and then declared far wider, or
+  // without bounds, and kept to its values by constraints.
   void DeclareInteger() {
-    const std::string name = "x" + std::to_string(fIntegers.size());
+    RandomVariable variable{"x" + std::to_string(fIntegers.size()), "", {}, {}};
     const bool isWide = fHasWideNumbers && Pick(0, 19) == 0;
-    const long long offset = isWide ? (Pick(0, 1) == 0 ? -2147483640LL : 2147483630LL) : Pick(-3, 2);
+    const std::int64_t offset = isWide ? (Pick(0, 1) == 0 ? -2147483640 : 2147483630) : Pick(-3, 2);
     const int size = Pick(1, 6);
-    std::string domain = std::to_string(offset) + ".." + std::to_string(offset + size - 1);
-    if (Pick(0, 2) == 0) {
-      domain = "{" + std::to_string(offset) + "," + std::to_string(offset + 2) + "," + std::to_string(offset + 5) + "}";
+    const bool isSparse = Pick(0, 2) == 0;
+    for (const int step : {0, 2, 5}) {
+      if (isSparse) {
+        variable.fCandidates.push_back(offset + step);
+      }
     }
-    fText += "var " + domain + ": " + name + ":: output_var;\n";
-    fIntegers.push_back(name);
+    for (int i = 0; i < size && !isSparse; ++i) {
+      variable.fCandidates.push_back(offset + i);
+    }
+    const auto text = [](std::int64_t number) { return std::to_string(number); };
+    const std::string& x = variable.fName;
+    const std::string lower = text(offset);
+    const std::string upper = text(variable.fCandidates.back());
+    const std::string set = isSparse ? "{" + lower + "," + text(offset + 2) + "," + upper + "}" : lower + ".." + upper;
+    variable.fType = set;
+    if (fHasWideNumbers && Pick(0, 7) == 0) {
+      static const char* const types[] = {"int", "-4611686018427387904..4611686018427387904",
+                                          "-3000000000..3000000000"};
+      variable.fType = types[Pick(0, 2)];
+      if (isSparse || Pick(0, 2) == 0) {
+        variable.fBounds = {"set_in(" + x + "," + set + ")"};
+      } else if (Pick(0, 1) == 0) {
+        variable.fBounds = {"int_le(" + x + "," + upper + ")", "int_le(" + lower + "," + x + ")"};
+      } else {
+        variable.fBounds = {"int_lin_le([3],[" + x + "]," + text(3 * (offset + size) - 1) + ")",
+                            "int_le_reif(" + lower + "," + x + ",true)"};
+      }
+    }
+    fIntegers.push_back(x);
     if (offset >= 0) {
-      fNatural.push_back(name);
+      fNatural.push_back(x);
+    }
+    fProblem.fVariables.push_back(std::move(variable));
+  }
+
+  // Whatever a problem's author may say of the search, sensible or not.
+  RandomAnnotation MakeAnnotation(int depth) {
+    static const char* const variables[] = {"input_order", "first_fail", "anti_first_fail",  "smallest",  "largest",
+                                            "occurrence",  "max_regret", "most_constrained", "dom_w_deg", "impact"};
+    static const char* const values[] = {
+        "indomain",       "indomain_min",      "indomain_max",           "indomain_median", "indomain_middle",
+        "indomain_split", "indomain_interval", "indomain_reverse_split", "indomain_random", "indomain_split_random",
+        "outdomain_min",  "outdomain_max",     "outdomain_median",       "outdomain_random"};
+    static const char* const others[] = {"restart_luby(9)",
+                                         "restart_geometric(1.5,10)",
+                                         "restart_constant(1)",
+                                         "restart_linear(2)",
+                                         "restart_none",
+                                         "odd",
+                                         "relax_and_reconstruct([x0],50)"};
+    const int count = Pick(0, 4);
+    const auto integers = [&] { return Array(count, [this] { return Pick(0, 9) == 0 ? "4" : PickOf(fIntegers); }); };
+    const auto truths = [&] { return Array(count, [this] { return Truth(); }); };
+    const std::string choices =
+        std::string(",") + variables[Pick(0, std::size(variables) - 1)] + "," + values[Pick(0, std::size(values) - 1)];
+    switch (Pick(0, depth > 0 ? 9 : 7)) {
+      case 0:
+      case 1:
+      case 2:
+        return {"int_search(" + integers() + choices + ",complete)", {}};
+      case 3:
+        return {"bool_search(" + truths() + choices + ",complete)", {}};
+      case 4:
+      case 5:
+        return {std::string(Pick(0, 1) == 0 ? "warm_start(" : "warm_start_int(") + integers() + "," +
+                    Array(count, [this] { return std::to_string(Pick(-3, 7)); }) + ")",
+                {}};
+      case 6:
+        return {std::string(Pick(0, 1) == 0 ? "warm_start(" : "warm_start_bool(") + truths() + "," +
+                    Array(count, [this] { return Pick(0, 1) == 0 ? "false" : "true"; }) + ")",
+                {}};
+      case 7:
+        return {others[Pick(0, std::size(others) - 1)], {}};
+      default: {
+        RandomAnnotation sequence;
+        for (int i = Pick(1, 3); i > 0; --i) {
+          sequence.fParts.push_back(MakeAnnotation(depth - 1));
+        }
+        return sequence;
+      }
     }
   }
 
   std::string Constant(int lower, int upper) {
     if (fHasWideNumbers && lower < 0 && Pick(0, 39) == 0) {
-      const char* const wide[] = {"2147483647", "-2147483648", "3000000000", "-4611686018427387904", "1000000007"};
-      return wide[Pick(0, 4)];
+      static const char* const wide[] = {"2147483647",           "-2147483648", "3000000000",
+                                         "-4611686018427387904", "1000000007",  "9223372036854775807"};
+      return wide[Pick(0, 5)];
     }
     return std::to_string(Pick(lower, upper));
   }
@@ -83,7 +264,8 @@ class RandomProblem {
   std::string Array(int length, Make make) {
     std::string text;
     for (int i = 0; i < length; ++i) {
-      text += (i == 0 ? "" : ",") + make();
+      text += i == 0 ? "" : ",";
+      text += make();
     }
     return "[" + text + "]";
   }
@@ -147,5 +329,5 @@ class RandomProblem {
   std::vector<std::string> fIntegers;
   std::vector<std::string> fNatural;
   std::vector<std::string> fTruths;
-  std::string fText;
+  RandomProblem fProblem;
 };

@@ -6,8 +6,9 @@
 
 namespace {
 
-// Each statement of the text, alone, is to hold (or not) for x = 7, y = -3, z = 0, p = 1, q = 0 and an unknown u.
-void CheckEach(const std::string& text, bool expected) {
+// Whether `answer` of an evaluator of each statement of the text, alone, is as expected.
+template <class Answer>
+void CheckEach(const std::string& text, bool expected, Answer answer) {
   const tarn::Vocabulary vocabulary = MakeVocabulary();
   const tarn::Source source("test", text);
   tarn::Model names;
@@ -20,11 +21,16 @@ void CheckEach(const std::string& text, bool expected) {
     start = statement->fOffset;
     tarn::Model model;
     model.AddStatement(*std::move(statement));
-    const std::vector<std::optional<std::int64_t>> values{7, -3, 0, 1, 0, std::nullopt};
-    EXPECT_EQ(!tarn::Evaluator(model).FindContradiction(values), expected)
-        << text.substr(start, text.find(';', start) - start);
+    EXPECT_EQ(answer(tarn::Evaluator(model)), expected) << text.substr(start, text.find(';', start) - start);
   }
   EXPECT_NE(start, 0U);
+}
+
+// Each statement is to hold (or not) for x = 7, y = -3, z = 0, p = 1, q = 0 and an unknown u.
+void CheckEach(const std::string& text, bool expected) {
+  CheckEach(text, expected, [](const tarn::Evaluator& evaluator) {
+    return !evaluator.FindContradiction(std::vector<std::optional<std::int64_t>>{7, -3, 0, 1, 0, std::nullopt});
+  });
 }
 
 TEST(Evaluator, AcceptsWhatHolds) {
@@ -60,7 +66,14 @@ TEST(Evaluator, RejectsWhateverHoldsAnOperationWithoutValue) {
 }
 
 TEST(Evaluator, PassesOverWhatItDoesNotKnow) {
-  CheckEach(" x gcd y = 100; u = 3; parity x = 5; sorted (x, y); Max = 3; x / 2 = u;", true);
+  CheckEach(" x gcd y = 100; u = 3; parity x = 5; Max = 3; x / 2 = u;", true);
+}
+
+TEST(Evaluator, OperatorsOverListsThatItDoesNotKnowAreTold) {
+  const auto isChecked = [](const tarn::Evaluator& evaluator) { return !evaluator.FindUnchecked(); };
+  CheckEach(" sorted (x, y); all (x, y);", false, isChecked);
+  CheckEach(" all different (x, y); x = count ([y], 3); x = 1 + sum [y, 3]; [x, y][1] = y; x gcd y = 3;", true,
+            isChecked);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "flatzinc/Checker.h"
 #include "flatzinc/Parser.h"
 #include "flatzinc/Solver.h"
+#include "flatzinc/bounds.h"
 #include "flatzinc/solutionText.h"
 #include "framework/VokTarnMemoryWatch.h"
 #include "tarn/Diagnostic.h"
@@ -53,11 +54,13 @@ class FlatZincRun {
   bool Prints() const { return !HasObjective() || fOptions.fAll || fOptions.fImproving; }
   std::uint64_t GetLimit() const;
   std::int64_t GetObjective() const;
+  std::string DescribeCut() const;
   void PrintStatistics() const;
 
   const fzn::Model& fModel;
   const fzn::Checker& fChecker;
   const VokTarnNetwork& fNetwork;
+  const std::vector<std::size_t> fCut;  // variables, see Builder
   const FlatZincOptions& fOptions;
   std::ostream& fOut;
   std::ostream& fErr;
@@ -85,6 +88,7 @@ FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, con
     : fModel(builder.GetModel()),
       fChecker(checker),
       fNetwork(builder.GetNetwork()),
+      fCut(builder.FindCut()),
       fOptions(options),
       fOut(out),
       fErr(err) {
@@ -96,6 +100,9 @@ FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, con
   }
   for (const std::string& name : unknown) {
     err << "tarn: warning: the search annotation " + Quote(MakePrintable(name)) + " is not known\n";
+  }
+  if (options.fVerbose && !fCut.empty()) {
+    err << "tarn: no bounds that fit follow for a variable: " + DescribeCut() + '\n';
   }
 }
 
@@ -130,7 +137,10 @@ int FlatZincRun::Run() {
       return sFailed;
     }
   }
-  fIsComplete = status == Status::Exhausted;
+  fIsComplete = status == Status::Exhausted && fCut.empty();
+  if (status == Status::Exhausted && !fIsComplete) {
+    fErr << "tarn: warning: " + DescribeCut() + ", so there may be " + (fFound == 0 ? "" : "further ") + "solutions\n";
+  }
   fOut << fUnprinted;
   if (fIsMemoryShort) {
     return Undecided;
@@ -144,6 +154,12 @@ int FlatZincRun::Run() {
     PrintStatistics();
   }
   return Solved;
+}
+
+std::string FlatZincRun::DescribeCut() const {
+  const std::string others = fCut.size() == 1 ? "" : " and " + std::to_string(fCut.size() - 1) + " more";
+  return "variable " + MakePrintable(fModel.fVariables[fCut[0]].fName) + others + " was searched from " +
+         std::to_string(fzn::kLeast) + " to " + std::to_string(fzn::kGreatest) + " only";
 }
 
 // Keeps or prints the solution that has been found. False when it is none.
@@ -178,7 +194,9 @@ void FlatZincRun::PrintStatistics() const {
   const auto truths = std::ranges::count_if(fModel.fVariables, &fzn::Variable::fIsTruth);
   if (HasObjective()) {
     const bool isFound = fFound > 0;
-    const std::optional<std::int64_t> bound = isFound && fIsComplete ? GetObjective() : fSolver->GetBound();
+    const std::optional<std::int64_t> bound = !fCut.empty()            ? std::nullopt
+                                              : isFound && fIsComplete ? GetObjective()
+                                                                       : fSolver->GetBound();
     if (isFound) {
       print("objective", GetObjective());
     }

@@ -40,10 +40,16 @@ bool IsSolution(Session& session, std::ostream& err) {
       return false;
     }
   }
-  const std::optional<std::size_t> wrong = Evaluator(session.GetModel()).FindContradiction(GetSolution(session));
+  const Evaluator evaluator(session.GetModel());
+  const auto getLine = [&](std::size_t statement) { return session.GetModel().GetStatements()[statement].fLine; };
+  if (const std::optional<std::size_t> unchecked = evaluator.FindUnchecked()) {
+    err << "tarn: error: no solution of the statement of line " << getLine(*unchecked)
+        << " can be checked: its operator over a list is not known\n";
+    return false;
+  }
+  const std::optional<std::size_t> wrong = evaluator.FindContradiction(GetSolution(session));
   if (wrong) {
-    err << "tarn: internal error: a solution contradicts the statement of line "
-        << session.GetModel().GetStatements()[*wrong].fLine << '\n';
+    err << "tarn: internal error: a solution contradicts the statement of line " << getLine(*wrong) << '\n';
   }
   return !wrong;
 }
