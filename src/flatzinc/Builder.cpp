@@ -176,7 +176,7 @@ void Builder::AddValues() {
                                         ".." + std::to_string(fDomains[i].back().fUpper));
         continue;
       }
-      fCut.push_back(i);
+      fCuts.push_back({i, fDomains[i].front().fLower<kLeast, fDomains[i].back().fUpper> kGreatest});
     }
     fValues[i] = AddValue(domain, variable.fName);
   }
@@ -239,8 +239,8 @@ VokTarnValueId Builder::GetValue(const Term& term) {
   return id;
 }
 
-std::vector<std::size_t> Builder::FindCut() const {
-  if (fCut.empty()) {
+std::vector<Builder::Cut> Builder::FindCuts() const {
+  if (fCuts.empty()) {
     return {};
   }
   // Whether the network still has a constraint over it tells nothing: the ends that were cut may have decided it.
@@ -260,9 +260,9 @@ std::vector<std::size_t> Builder::FindCut() const {
       }
     }
   }
-  std::vector<std::size_t> cut;
-  std::ranges::copy_if(fCut, std::back_inserter(cut), [&](std::size_t i) { return isNamed[i]; });
-  return cut;
+  std::vector<Cut> cuts;
+  std::ranges::copy_if(fCuts, std::back_inserter(cuts), [&](const Cut& cut) { return isNamed[cut.fVariable]; });
+  return cuts;
 }
 
 // ---- Constraints

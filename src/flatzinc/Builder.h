@@ -18,10 +18,9 @@ namespace fzn {
 // become one. Types and constraint classes are those that the opened modules publish: domains that some type can list
 // value by value get such a type, wider ones a type of intervals.
 //
-// Cut       A variable whose domain is wider than the network's integers, and whose constraints bound it no better,
-// gets
+// Cut       A variable whose domain is wider than the network's integers, and whose constraints bound it no better, gets
 //           what the network can hold. Every solution found is one; that there is no further one holds only as long as
-//           no variable has been cut (FindCut).
+//           no variable has been cut (FindCuts).
 //
 // Errors  What cannot be represented or is not supported goes on the list, all of it; the network is then not complete.
 class Builder {
@@ -38,9 +37,14 @@ class Builder {
   // The same for a term; a constant has a value of its own. Throws PostingError when that does not fit.
   VokTarnValueId GetValue(const Term& term);
 
+  struct Cut {
+    std::size_t fVariable;
+    bool fIsBelow;
+    bool fIsAbove;
+  };
   // The variables that have been cut, but for those that neither a constraint nor the objective names. Linear in the
   // size of the problem if there are any.
-  std::vector<std::size_t> FindCut() const;
+  std::vector<Cut> FindCuts() const;
 
   VokTarnNetwork& GetNetwork() noexcept { return fNetwork; }
   const Model& GetModel() const noexcept { return fModel; }
@@ -73,7 +77,7 @@ class Builder {
   std::vector<Set> fDomains;                  // by variable; of roots only
   std::vector<VokTarnValueId> fValues;        // the same
   std::vector<bool> fIsPosted;                // by constraint
-  std::vector<std::size_t> fCut;              // roots
+  std::vector<Cut> fCuts;                     // of roots
   const VokTarnObjectDescriptor* fListing = nullptr;
   const VokTarnObjectDescriptor* fInterval = nullptr;
   std::unordered_map<std::int64_t, VokTarnValueId> fConstants;

@@ -54,7 +54,7 @@ std::size_t Compiler::OperationHash::operator()(const Operation& operation) cons
 void Compiler::Declare(const Declaration& declaration) {
   const VokTarnType type = fTable.FindType(declaration.fType.fText);
   ScratchValue domain(type);
-  ReadDomain(domain, type, declaration.fDomain, declaration.fDomainOffset);
+  ReadDomain(domain, type, fTable.GetTypes(), declaration.fDomain, declaration.fDomainOffset);
   for (const Word& name : declaration.fNames) {
     const VokTarnValueId value = fNetwork.AddValue(type, std::string(name.fText));
     fNetwork.Touch(value).Assign(domain.Get());

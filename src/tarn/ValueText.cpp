@@ -116,7 +116,27 @@ std::optional<std::size_t> ScratchValue::Read(const std::string& text) {
   return static_cast<std::size_t>(is.tellg());
 }
 
-void ReadDomain(ScratchValue& value, VokTarnType type, const std::string& text, std::size_t offset) {
+namespace {
+
+// The name of the first type that holds the whole domain, in quotes; empty when none does.
+std::string FindHolder(std::span<const VokTarnType> types, const std::string& text) {
+  for (const VokTarnType type : types) {
+    if (!IsConcrete(type)) {
+      continue;
+    }
+    ScratchValue value(type);
+    const std::optional<std::size_t> read = value.Read(text);
+    if (read && *read == text.size() && value.Get().IsUndefined() == 0) {
+      return Quote(type->GetName().View());
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+void ReadDomain(ScratchValue& value, VokTarnType type, std::span<const VokTarnType> types, const std::string& text,
+                std::size_t offset) {
   const std::string_view trimmed = Trim(text);
   if (trimmed.empty()) {
     return;
@@ -130,10 +150,14 @@ void ReadDomain(ScratchValue& value, VokTarnType type, const std::string& text, 
   const std::optional<std::size_t> read = value.Read(text);
   if (!read) {
     CheckBrackets(text, offset);
-    throw ModelError(start, Quote(trimmed) + " is not a domain of type " + typeName);
+    const std::string holder = FindHolder(types, text);
+    throw ModelError(start, Quote(trimmed) + " is not a domain of type " + typeName +
+                                (holder.empty() ? "" : "; type " + holder + " holds it"));
   }
   if (value.Get().IsUndefined() != 0 && trimmed != Trim(undefined)) {
-    throw ModelError(start, "the domain is too large for type " + typeName + "; use another type, or write '" +
+    const std::string holder = FindHolder(types, text);
+    throw ModelError(start, "the domain is too large for type " + typeName + "; use " +
+                                (holder.empty() ? "another type" : "type " + holder) + ", or write '" +
                                 std::string(Trim(undefined)) + "' for a domain without limits");
   }
   if (*read < text.size()) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "framework/VokTarnAny.h"
@@ -36,8 +37,9 @@ class ScratchValue {
 
 // Reads a domain as it stands in a declaration into an undefined value: nothing but blanks leaves the value undefined.
 // `offset` is the place of the text. Throws ModelError, also for a domain that the type cannot hold: taken as undefined
-// it would admit values that the model excludes.
-void ReadDomain(ScratchValue& value, VokTarnType type, const std::string& text, std::size_t offset);
+// it would admit values that the model excludes. The error names the first of `types` that holds the domain, if any.
+void ReadDomain(ScratchValue& value, VokTarnType type, std::span<const VokTarnType> types, const std::string& text,
+                std::size_t offset);
 
 // Whether the undefined `value` reads `text` wholly and as one value. A number must be the number that it spells.
 bool ReadLiteral(ScratchValue& value, const std::string& text);

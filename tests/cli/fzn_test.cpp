@@ -45,6 +45,8 @@ TEST(FlatZinc, WhereAVariableWasCutNoVerdictFollows) {
       {"var int: x; var int: y; constraint int_plus(x,1,y); constraint int_le(y,3); constraint int_lt(5,x);"
        "solve satisfy;",
        "=====UNSATISFIABLE=====\n", false},
+      {"var int: x:: output_var; constraint int_le(3,x); solve minimize x;", "x = 3;\n----------\n==========\n", false},
+      {"var int: x:: output_var; constraint int_le(x,3); solve minimize x;", "x = -2147483644;\n----------\n", true},
       {"var int: x; var 1..2: y:: output_var; solve maximize y;", "y = 2;\n----------\n==========\n", false},
   };
   for (const auto& row : rows) {

@@ -128,7 +128,8 @@ std::multiset<Values> Enumerate(const RandomProblem& problem, const fzn::Checker
   std::multiset<Values> solutions;
   Values values(problem.fVariables.size());
   std::vector<std::size_t> places(values.size());
-  for (std::size_t at = 0; at < places.size();) {
+  std::size_t at = 0;
+  do {
     for (std::size_t i = 0; i < values.size(); ++i) {
       values[i] = problem.fVariables[i].fCandidates[places[i]];
     }
@@ -138,7 +139,7 @@ std::multiset<Values> Enumerate(const RandomProblem& problem, const fzn::Checker
     for (at = 0; at < places.size() && ++places[at] == problem.fVariables[at].fCandidates.size(); ++at) {
       places[at] = 0;
     }
-  }
+  } while (at < places.size());
   return solutions;
 }
 

@@ -54,13 +54,15 @@ class FlatZincRun {
   bool Prints() const { return !HasObjective() || fOptions.fAll || fOptions.fImproving; }
   std::uint64_t GetLimit() const;
   std::int64_t GetObjective() const;
+  bool IsWhole() const;
   std::string DescribeCut() const;
   void PrintStatistics() const;
 
   const fzn::Model& fModel;
+  const fzn::Builder& fBuilder;
   const fzn::Checker& fChecker;
   const VokTarnNetwork& fNetwork;
-  const std::vector<std::size_t> fCut;  // variables, see Builder
+  const std::vector<fzn::Builder::Cut> fCuts;
   const FlatZincOptions& fOptions;
   std::ostream& fOut;
   std::ostream& fErr;
@@ -86,9 +88,10 @@ fzn::Solver::Options MakeSolverOptions(const FlatZincOptions& options) {
 FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, const FlatZincOptions& options,
                          std::ostream& out, std::ostream& err)
     : fModel(builder.GetModel()),
+      fBuilder(builder),
       fChecker(checker),
       fNetwork(builder.GetNetwork()),
-      fCut(builder.FindCut()),
+      fCuts(builder.FindCuts()),
       fOptions(options),
       fOut(out),
       fErr(err) {
@@ -101,7 +104,7 @@ FlatZincRun::FlatZincRun(const fzn::Checker& checker, fzn::Builder& builder, con
   for (const std::string& name : unknown) {
     err << "tarn: warning: the search annotation " + Quote(MakePrintable(name)) + " is not known\n";
   }
-  if (options.fVerbose && !fCut.empty()) {
+  if (options.fVerbose && !fCuts.empty()) {
     err << "tarn: no bounds that fit follow for a variable: " + DescribeCut() + '\n';
   }
 }
@@ -137,7 +140,7 @@ int FlatZincRun::Run() {
       return sFailed;
     }
   }
-  fIsComplete = status == Status::Exhausted && fCut.empty();
+  fIsComplete = status == Status::Exhausted && IsWhole();
   if (status == Status::Exhausted && !fIsComplete) {
     fErr << "tarn: warning: " + DescribeCut() + ", so there may be " + (fFound == 0 ? "" : "further ") + "solutions\n";
   }
@@ -156,9 +159,21 @@ int FlatZincRun::Run() {
   return Solved;
 }
 
+// Whether a search that has ended has seen all that matters. Where the objective alone was cut at its worse end, what
+// was left out is no better than what was found.
+bool FlatZincRun::IsWhole() const {
+  const fzn::Solve& solve = fModel.fSolve;
+  if (fCuts.size() != 1 || fFound == 0 || !HasObjective() || !solve.fObjective.fIsVariable) {
+    return fCuts.empty();
+  }
+  const auto objective = static_cast<std::size_t>(solve.fObjective.fNumber);
+  return fBuilder.GetValue(objective) == fBuilder.GetValue(fCuts[0].fVariable) &&
+         !(solve.fGoal == fzn::Solve::Goal::Minimize ? fCuts[0].fIsBelow : fCuts[0].fIsAbove);
+}
+
 std::string FlatZincRun::DescribeCut() const {
-  const std::string others = fCut.size() == 1 ? "" : " and " + std::to_string(fCut.size() - 1) + " more";
-  return "variable " + MakePrintable(fModel.fVariables[fCut[0]].fName) + others + " was searched from " +
+  const std::string others = fCuts.size() == 1 ? "" : " and " + std::to_string(fCuts.size() - 1) + " more";
+  return "variable " + MakePrintable(fModel.fVariables[fCuts[0].fVariable].fName) + others + " was searched from " +
          std::to_string(fzn::kLeast) + " to " + std::to_string(fzn::kGreatest) + " only";
 }
 
@@ -194,7 +209,7 @@ void FlatZincRun::PrintStatistics() const {
   const auto truths = std::ranges::count_if(fModel.fVariables, &fzn::Variable::fIsTruth);
   if (HasObjective()) {
     const bool isFound = fFound > 0;
-    const std::optional<std::int64_t> bound = !fCut.empty()            ? std::nullopt
+    const std::optional<std::int64_t> bound = !fCuts.empty()           ? std::nullopt
                                               : isFound && fIsComplete ? GetObjective()
                                                                        : fSolver->GetBound();
     if (isFound) {
