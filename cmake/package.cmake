@@ -1,4 +1,5 @@
-# `cpack -G DEB` makes one Debian package of everything that is installed.
+# `cpack -G DEB` makes one Debian package of everything that is installed. It wants the manual page, and whether there is
+# one is settled when the tree is configured: the script `package` sees to both.
 set(CPACK_PACKAGE_NAME tarn)
 set(CPACK_PACKAGE_CONTACT "The authors of tarn <tarn@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "constraint solver whose domain types are plug-in modules")

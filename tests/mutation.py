@@ -104,7 +104,7 @@ def prepare():
     for name in ("CMakeLists.txt", "LICENSE", "README.md"):
         refresh(ROOT / name, TREE / name)
     subprocess.run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja",
-                    "-DCMAKE_CXX_FLAGS=-O1 -w", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"],
+                    "-DCMAKE_CXX_FLAGS=-O1 -w", "-DVOKTARN_JOINED=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"],
                    stdout=subprocess.DEVNULL, check=True)
     make = ["ninja", "-C", str(BUILD), "VokFenEnumIntegers"] + [f"{p}_tests" for p in PROGRAMS]
     if not quiet(make):
