@@ -18,8 +18,8 @@ namespace fzn {
 // become one. Types and constraint classes are those that the opened modules publish: domains that some type can list
 // value by value get such a type, wider ones a type of intervals.
 //
-// Cut       A variable that may take numbers beyond the network's integers, as far as its constraints tell, gets what the
-//           network can hold. Every solution found is one; that there is no further one holds only as long as no
+// Cut       A variable that may have numbers beyond the network's integers, as far as its constraints tell, gets what
+//           the network can hold. Every solution found is one; that there is no further one holds only as long as no
 //           variable has been cut (FindCuts).
 //
 // Errors  What cannot be represented or is not supported goes on the list, all of it; the network is then not complete.

@@ -115,8 +115,8 @@ class VOKTARN_EXPORT VokTarnSearch {
   // From now on `observer` (null: none) sees each step; borrowed.
   void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
 
-  // `brancher` is asked first, before the search has begun and from then on; the variables that it leaves open are split
-  // in their order. Borrowed.
+  // `brancher` (null: none) is asked first; what variables it leaves open are split in their order. Before the search
+  // begins. Borrowed.
   void SetBrancher(VokTarnBrancher* brancher) noexcept;
   // A solution with this objective is known from elsewhere: those to come must be better. At any time.
   void NoteKnown(VokLong objective) noexcept;
