@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
-"""Plants faults in the module, one at a time, and counts those that its tests find.
+"""Plants faults in a part of the product, one at a time, and counts those that its tests find.
 
-usage: mutation.py [COUNT [SEED]]      300 faults, seed 1
+usage: mutation.py [PART] [COUNT [SEED]]      300 faults, seed 1
 
-A fault is a small change of one line: a comparison, an arithmetic or a logical operator exchanged, a constant moved by
-one, a condition negated, a statement taken out. The faults are drawn at random from all that the sources allow. Each
-is compiled in a tree of its own and run against the test programs that know the module, the quickest first, until one
-fails: a crash, a run out of time or of memory counts as failing. What no test finds stands in mutation.known with the
-reason why it cannot matter; a survivor that is not there fails the run.
+PART is module (without one), framework, constraints, flatzinc or tarn. A fault is a small change of one line: a
+comparison, an arithmetic or a logical operator exchanged, a constant moved by one, a condition negated, a statement
+taken out. The faults are drawn at random from all that the sources allow. Each is compiled in a tree of its own and run
+against the test programs that know the part, the quickest first, until one fails: a crash, a run out of time or of
+memory counts as failing. What no test finds stands in mutation.known with the reason why it cannot matter; a survivor
+that is not there fails the run.
 """
 import filecmp
 import hashlib
@@ -23,15 +24,32 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 KNOWN = Path(__file__).with_suffix(".known")
-TREE = ROOT / "build/mutation/tree"
-BUILD = ROOT / "build/mutation/build"
-FOLDERS = ["src/module", "src/domain", "src/io", "src/narrowing"]
-LIBRARY = "bin/libVokFenEnumIntegers.so"
-PROGRAMS = ["module", "io", "domain", "memory", "narrowing", "constraints"]
 # The long random comparison comes last: it is for what the rest lets pass.
 LONG = "NarrowingDifferential.*"
-STAGES = [(p, "-" + LONG) for p in PROGRAMS] + [("narrowing", LONG)]
-GOAL = 95
+CLI = "-ShortMemory.*:Repl.*"
+
+
+class Part:
+    """What faults are planted in; what is built again for one, in this order; the test programs and their filters."""
+
+    def __init__(self, folders, outputs, stages, goal=90):
+        self.folders, self.outputs, self.stages, self.goal = folders, outputs, stages, goal
+
+
+PARTS = {
+    "module": Part(["src/module", "src/domain", "src/io", "src/narrowing"], ["bin/libVokFenEnumIntegers.so"],
+                   [(p, "-" + LONG) for p in ("module", "io", "domain", "memory", "narrowing", "constraints")]
+                   + [("narrowing", LONG)], 95),
+    "framework": Part(["src/framework"], ["bin/libVokTarn.so"],
+                      [("framework", "*"), ("flatzinc", "*"), ("memory", "*"), ("tarn", "*"), ("constraints", "*"),
+                       ("cli", CLI)]),
+    "constraints": Part(["src/constraints"], ["bin/libVokFenAbstractTypes.so"],
+                        [("constraints", "*"), ("flatzinc", "*"), ("tarn", "*"), ("cli", CLI)]),
+    "flatzinc": Part(["src/flatzinc"], ["src/flatzinc/libtarn_flatzinc.a", "bin/flatzinc_tests", "bin/tarn"],
+                     [("flatzinc", "*"), ("cli", "FlatZinc.*")]),
+    "tarn": Part(["src/tarn"], ["src/tarn/libtarn_lib.a", "bin/tarn_tests", "bin/tarn"],
+                 [("tarn", "*"), ("cli", CLI)]),
+}
 
 EXCHANGES = {
     r" (<|<=|>|>=|==|!=) (?!=)": {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "=="},
@@ -63,9 +81,9 @@ def changes(line):
         yield ";"
 
 
-def faults():
+def faults(part):
     found = []
-    for path in sorted(p for f in FOLDERS for p in (ROOT / f).rglob("*") if p.suffix in (".cpp", ".h")):
+    for path in sorted(p for f in part.folders for p in (ROOT / f).rglob("*") if p.suffix in (".cpp", ".h")):
         lines = path.read_text().split("\n")
         for number, line in enumerate(lines):
             found += [(str(path.relative_to(ROOT)), number, line.strip(), text) for text in changes(line)]
@@ -94,88 +112,111 @@ def refresh(source, copy):
         shutil.copy(source, copy)
 
 
-def prepare():
-    TREE.mkdir(parents=True, exist_ok=True)
-    for name in ("src", "tests", "cmake", "docs", "examples", "share", "fuzz"):
-        shutil.copytree(ROOT / name, TREE / name, copy_function=refresh, dirs_exist_ok=True)
-        for copy in (TREE / name).rglob("*"):
-            if copy.is_file() and not (ROOT / copy.relative_to(TREE)).exists():
-                copy.unlink()
-    for name in ("CMakeLists.txt", "LICENSE", "README.md"):
-        refresh(ROOT / name, TREE / name)
-    subprocess.run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja",
-                    "-DCMAKE_CXX_FLAGS=-O1 -w", "-DVOKTARN_JOINED=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"],
-                   stdout=subprocess.DEVNULL, check=True)
-    make = ["ninja", "-C", str(BUILD), "VokFenEnumIntegers"] + [f"{p}_tests" for p in PROGRAMS]
-    if not quiet(make):
-        sys.exit("error: the tree without a fault does not build")
-    commands = subprocess.run(["ninja", "-C", str(BUILD), "-t", "commands", LIBRARY], capture_output=True, text=True,
+class Tree:
+    """A copy of the sources, built without joined units so that one file is compiled for one fault."""
+
+    def __init__(self, name):
+        self.part = PARTS[name]
+        self.sources = ROOT / "build/mutation" / name / "tree"
+        self.build = ROOT / "build/mutation" / name / "build"
+        self.sources.mkdir(parents=True, exist_ok=True)
+        for folder in ("src", "tests", "cmake", "docs", "examples", "share", "fuzz"):
+            shutil.copytree(ROOT / folder, self.sources / folder, copy_function=refresh, dirs_exist_ok=True)
+            for copy in (self.sources / folder).rglob("*"):
+                if copy.is_file() and not (ROOT / copy.relative_to(self.sources)).exists():
+                    copy.unlink()
+        for file in ("CMakeLists.txt", "LICENSE", "README.md"):
+            refresh(ROOT / file, self.sources / file)
+        subprocess.run(["cmake", "-S", self.sources, "-B", self.build, "-G", "Ninja", "-DCMAKE_CXX_FLAGS=-O1 -w",
+                        "-DVOKTARN_JOINED=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"],
+                       stdout=subprocess.DEVNULL, check=True)
+        programs = {f"{program}_tests" for program, _ in self.part.stages}
+        if not self.make(*self.part.outputs, *programs, "product"):
+            sys.exit("error: the tree without a fault does not build")
+        self.compiling = {}
+        for command in self.commands(self.part.outputs[0])[:-1]:
+            self.compiling[command.rsplit(" -c ", 1)[-1]] = command
+        self.linking = [self.commands(output)[-1] for output in self.part.outputs]
+        # Three times what a stage takes without a fault.
+        self.limits = {}
+        for stage in self.part.stages:
+            begin = resource.getrusage(resource.RUSAGE_CHILDREN)
+            if not self.passes(stage, 600):
+                sys.exit(f"error: the {stage[0]} tests fail without a fault")
+            end = resource.getrusage(resource.RUSAGE_CHILDREN)
+            self.limits[stage] = int(3 * (end.ru_utime + end.ru_stime - begin.ru_utime - begin.ru_stime)) + 5
+
+    def make(self, *targets):
+        return quiet(["ninja", "-C", str(self.build), *targets])
+
+    def commands(self, target):
+        return subprocess.run(["ninja", "-C", str(self.build), "-t", "commands", target], capture_output=True, text=True,
                               check=True).stdout.splitlines()
-    return commands
 
+    def passes(self, stage, seconds):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
+            resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+            resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
-def limit(seconds):
-    resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
-    resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-
-
-def survives(path):
-    """None when every stage passes, else the first one that does not."""
-    first = path.split("/")[1]
-    for program, tests in sorted(STAGES, key=lambda stage: (stage[1] == LONG, stage[0] != first)):
-        command = [str(BUILD / "bin" / f"{program}_tests"), f"--gtest_filter={tests}", "--gtest_fail_fast",
+        command = [str(self.build / "bin" / f"{stage[0]}_tests"), f"--gtest_filter={stage[1]}", "--gtest_fail_fast",
                    "--gtest_brief=1"]
         try:
-            if not quiet(command, preexec_fn=lambda: limit(120 if tests == LONG else 12), timeout=600):
-                return program
+            return quiet(command, preexec_fn=limit, timeout=4 * seconds + 60)
         except subprocess.TimeoutExpired:
-            return program
-    return None
+            return False
 
+    def survives(self, path):
+        """None when every stage passes, else the first one that does not. The folder's own tests come first."""
+        first = path.split("/")[1]
+        for stage in sorted(self.part.stages, key=lambda s: (s[1] == LONG, s[0] != first)):
+            if not self.passes(stage, self.limits[stage]):
+                return stage[0]
+        return None
 
-def plant(commands, fault):
-    """Tries one fault: the program that finds it, None when none does, "" when it does not compile."""
-    path, number, _, text = fault
-    source = TREE / path
-    original = source.read_text()
-    times = (source.stat().st_atime_ns, source.stat().st_mtime_ns)
-    lines = original.split("\n")
-    lines[number] = text
-    source.write_text("\n".join(lines))
-    # Tests keep the sound form of a header: compiling them again takes minutes and finds no more.
-    library = ["ninja", "-C", str(BUILD), "VokFenEnumIntegers"]
-    compiling = [c for c in commands if c.endswith(f"-c {source}")]
-    kept = []
-    try:
-        if compiling:
-            built = [BUILD / shlex.split(compiling[0])[-3], BUILD / LIBRARY]
-            kept = [(file, file.with_name(file.name + ".sound")) for file in built]
-            for file, copy in kept:
-                shutil.copy2(file, copy)
-            if not all(quiet(command, shell=True, cwd=BUILD) for command in (compiling[0], commands[-1])):
+    def plant(self, fault):
+        """Tries one fault: the program that finds it, None when none does, "" when it does not compile."""
+        path, number, _, text = fault
+        source = self.sources / path
+        original = source.read_text()
+        times = (source.stat().st_atime_ns, source.stat().st_mtime_ns)
+        lines = original.split("\n")
+        lines[number] = text
+        source.write_text("\n".join(lines))
+        # Tests keep the sound form of a header: compiling them again takes minutes and finds no more.
+        command = self.compiling.get(str(source))
+        kept = []
+        try:
+            if command:
+                built = [self.build / shlex.split(command)[-3]] + [self.build / output for output in self.part.outputs]
+                kept = [(file, file.with_name(file.name + ".sound")) for file in built]
+                for file, copy in kept:
+                    shutil.copy2(file, copy)
+                if not all(quiet(c, shell=True, cwd=self.build) for c in [command, *self.linking]):
+                    return ""
+            elif not self.make(*self.part.outputs):
                 return ""
-        elif not quiet(library):
-            return ""
-        return survives(path)
-    finally:
-        source.write_text(original)
-        for file, copy in kept:
-            os.replace(copy, file)
-        if kept:
-            os.utime(source, ns=times)
-        else:
-            quiet(library)
+            return self.survives(path)
+        finally:
+            source.write_text(original)
+            for file, copy in kept:
+                os.replace(copy, file)
+            if kept:
+                os.utime(source, ns=times)
+            else:
+                self.make(*self.part.outputs)
 
 
 def main():
-    count, seed = (int(a) for a in (sys.argv[1:] + ["300", "1"][len(sys.argv) - 1:]))
+    words = sys.argv[1:]
+    name = words.pop(0) if words and not words[0].isdigit() else "module"
+    if name not in PARTS or len(words) > 2 or not all(word.isdigit() for word in words):
+        sys.exit(__doc__.split("\n")[2])
+    count, seed = (int(a) for a in (words + ["300", "1"][len(words):]))
     reasons = known()
-    commands = prepare()
-    if found := survives("src/narrowing"):
-        sys.exit(f"error: the {found} tests fail without a fault")
+    tree = Tree(name)
     # By a hash of its own for each fault: an edit of the sources leaves the draw of all others as it is.
-    drawn = sorted(faults(), key=lambda fault: hashlib.sha256(repr((seed, fault[0], *fault[2:])).encode()).digest())
+    drawn = sorted(faults(tree.part), key=lambda f: hashlib.sha256(repr((seed, f[0], *f[2:])).encode()).digest())
     killed, harmless, unexplained = 0, [], []
     begin = time.time()
     for fault in drawn:
@@ -185,7 +226,7 @@ def main():
         path, number, line, text = fault
         where = f"{path}:{number + 1}: {line}  =>  {text}"
         reason = reasons.get((path, line, text), reasons.get((path, line, "*")))
-        result = None if reason else plant(commands, fault)
+        result = None if reason else tree.plant(fault)
         if result:
             killed += 1
         elif result is None:
@@ -197,7 +238,7 @@ def main():
           f"of those that can be found (of {len(drawn)} possible, seed {seed})")
     for title, survivors in (("known to change nothing", harmless), ("survived", unexplained)):
         print(f"\n{title}:" if survivors else "", *survivors, sep="\n")
-    sys.exit(1 if unexplained or share < GOAL else 0)
+    sys.exit(1 if unexplained or share < tree.part.goal else 0)
 
 
 main()
