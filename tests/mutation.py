@@ -125,7 +125,7 @@ class Tree:
             for copy in (self.sources / folder).rglob("*"):
                 if copy.is_file() and not (ROOT / copy.relative_to(self.sources)).exists():
                     copy.unlink()
-        for file in ("CMakeLists.txt", "LICENSE", "README.md"):
+        for file in ("CMakeLists.txt", "LICENSE", "README.md", "CHANGELOG.md"):
             refresh(ROOT / file, self.sources / file)
         subprocess.run(["cmake", "-S", self.sources, "-B", self.build, "-G", "Ninja", "-DCMAKE_CXX_FLAGS=-O1 -w",
                         "-DVOKTARN_JOINED=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"],
