@@ -184,10 +184,9 @@ std::size_t VokTarnTableConstraint::ReadDomain(const VokTarnObjectEnvironment& e
   return count;
 }
 
-// Brings what is kept of the column up to fNow. Where most values differ it starts from no rows or from all.
+// Brings what is kept of the column up to fNow. Where that is less work it starts from no rows or from all.
 VokTarnTableConstraint::Change VokTarnTableConstraint::UpdateColumn(std::size_t i, std::size_t now,
                                                                     bool hasOthers) const {
-  constexpr std::size_t kFewValues = 16;  // to count what is less work does not pay
   const Column& column = fColumns[i];
   const std::size_t words = CountWords(column.fCount);
   Bits* const rows = fColumnRows.data() + i * CountRowWords();
@@ -203,7 +202,11 @@ VokTarnTableConstraint::Change VokTarnTableConstraint::UpdateColumn(std::size_t 
   }
   const std::size_t others = column.fCount - now;
   const bool isLess = back == 0 && !hasOthers;
-  if (different > kFewValues + 2 * std::min(now, others)) {
+  const std::size_t least = std::min(now, others);
+  const Value& last = fValues[column.fFirst + column.fCount - 1];
+  const std::size_t valueWords = last.fFirst + last.fCount - fValues[column.fFirst].fFirst;
+  // All values together have so many words: by their mean, what is saved is compared with the words to be filled.
+  if (different > least && (different - least) * valueWords > column.fCount * CountRowWords()) {
     std::fill_n(rows, CountRowWords(), Bits{0});
     std::fill_n(possible, words, Bits{0});
     if (others < now) {
