@@ -9,8 +9,9 @@
 // Meaning    That of the integers; the arguments are taken as the numbers that they are.
 // Strength   Bounds by the rules of each function, see the source. Beside, what no pair of x and y supports goes where
 //            there are few pairs and no argument stands twice: domain consistent then where the types list their
-//            values. The product relies on bounds alone; the magnitude is domain consistent on listed values.
-// Cost       O(1) by bounds; O(p log p) for p pairs.
+//            values. The product relies on bounds alone; the magnitude is domain consistent on listed values, as long
+//            as x has few of them or there are no holes.
+// Cost       O(1) by bounds; O(p) for p pairs; of the magnitude see KeepMagnitude.
 class VOKTARN_EXPORT VokTarnArithmeticConstraint final : public VokTarnConstraintOf<VokTarnArithmeticConstraint> {
  public:
   static const char* const sIdent;
@@ -29,5 +30,4 @@ class VOKTARN_EXPORT VokTarnArithmeticConstraint final : public VokTarnConstrain
 
  private:
   VokTarnFunction GetFunction() const noexcept { return static_cast<VokTarnFunction>(GetConstants()[0]); }
-  int KeepSupported(const VokTarnObjectEnvironment& environment) const;
 };

@@ -1,52 +1,16 @@
-#include <algorithm>
-#include <vector>
+#include <utility>
 
 #include "constraints/VokTarnArithmeticConstraint.h"
 #include "constraints/arithmeticBounds.h"
+#include "constraints/arithmeticSupport.h"
 #include "constraints/narrowing.h"
 
 VOKTARN_CONSTRAINT_STATICS(VokTarnArithmeticConstraint)
 
 namespace {
 
-constexpr unsigned kX = 0;
-constexpr unsigned kY = 1;
-
-// So many pairs of values are tried one by one.
-constexpr std::int64_t kMostPairs = 256;
-
 VokTarnRange GetRange(const VokTarnObjectEnvironment& environment, unsigned i) {
   return {environment.Lower(i), environment.Upper(i)};
-}
-
-int KeepRange(const VokTarnObjectEnvironment& environment, unsigned i, VokTarnRange range) {
-  if (range.IsEmpty()) {
-    return environment.MakeNil(i);
-  }
-  const int changed = KeepFrom(environment, i, range.lower);
-  return environment.IsFailed() ? changed : changed | KeepUpTo(environment, i, range.upper);
-}
-
-template <class Visit>
-void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, Visit visit) {
-  const std::span<const VokLong> members = environment.Members(i);
-  for (const VokLong v : members) {
-    visit(v);
-  }
-  for (std::int64_t v = environment.Lower(i); members.empty() && v <= environment.Upper(i); ++v) {
-    visit(static_cast<VokLong>(v));
-  }
-}
-
-// `values`, some possible values in any order, stay alone.
-int KeepThese(const VokTarnObjectEnvironment& environment, unsigned i, std::vector<VokLong>& values) {
-  std::ranges::sort(values);
-  values.erase(std::unique(values.begin(), values.end()), values.end());
-  if (values.empty()) {
-    return environment.MakeNil(i);
-  }
-  return environment.IsListed(i) ? KeepListed(environment, i, values)
-                                 : KeepRange(environment, i, {values.front(), values.back()});
 }
 
 }  // namespace
@@ -73,10 +37,37 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
   const VokTarnFunction function = GetFunction();
   const unsigned result = environment.Size() - 1;
   const bool isUnary = result == kY;
+  const bool areDistinct =
+      !environment.AreSame(kX, result) && !environment.AreSame(kX, kY) && (isUnary || !environment.AreSame(kY, result));
+  if (areDistinct && isUnary) {
+    return KeepMagnitude(environment);
+  }
+  if (areDistinct && function == VokTarnFunction::Product) {
+    for (const auto& [truth, factor] : {std::pair(kX, kY), std::pair(kY, kX)}) {
+      if (environment.Lower(truth) >= 0 && environment.Upper(truth) <= 1) {
+        return KeepTruthProduct(environment, truth, factor);
+      }
+    }
+  }
+  const auto areFew = [&] {
+    const std::int64_t first = environment.Cardinality(kX);
+    const std::int64_t second = environment.Cardinality(kY);
+    const auto isListable = [&](unsigned i) { return environment.IsListed(i) || HasNoHoles(environment, i); };
+    return first > 0 && second > 0 && first * second <= kMostTried && isListable(kX) && isListable(kY);
+  };
+  // Pairs tell what the bounds do and more.
+  const bool triesPairs = areDistinct && function != VokTarnFunction::Product;
+  int changed = 0;
+  if (function == VokTarnFunction::Quotient && areDistinct && KeepWholeQuotients(environment, changed)) {
+    return changed;
+  }
+  if (triesPairs && areFew()) {
+    return KeepPairs(environment, function);
+  }
   const bool needsNonZero = function == VokTarnFunction::Quotient || function == VokTarnFunction::Remainder;
   // An interval keeps a 0 inside; the rules know that it does not divide.
   const bool isZeroInside = environment.Lower(kY) < 0 && environment.Upper(kY) > 0 && !environment.IsListed(kY);
-  int changed = needsNonZero && !isZeroInside ? RemoveValue(environment, kY, 0) : 0;
+  changed = needsNonZero && !isZeroInside ? RemoveValue(environment, kY, 0) : 0;
   const auto x = [&] { return GetRange(environment, kX); };
   const auto y = [&] { return GetRange(environment, kY); };
   const auto z = [&] { return GetRange(environment, result); };
@@ -89,42 +80,5 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
   if (!environment.IsFailed() && !isUnary) {
     changed |= KeepRange(environment, kY, FindSecond(function, x(), y(), z()));
   }
-  if (environment.IsFailed() || function == VokTarnFunction::Product || environment.AreSame(kX, kY) ||
-      environment.AreSame(kX, result) || (!isUnary && environment.AreSame(kY, result))) {
-    return changed;
-  }
-  const std::int64_t first = environment.Cardinality(kX);
-  const std::int64_t second = isUnary ? 1 : environment.Cardinality(kY);
-  const auto isListable = [&](unsigned i) { return environment.IsListed(i) || HasNoHoles(environment, i); };
-  const bool isFew =
-      first > 0 && second > 0 && first * second <= kMostPairs && isListable(kX) && (isUnary || isListable(kY));
-  return isFew ? changed | KeepSupported(environment) : changed;
-}
-
-int VokTarnArithmeticConstraint::KeepSupported(const VokTarnObjectEnvironment& environment) const {
-  static thread_local std::vector<VokLong> kept[3];  // room that is kept
-  for (std::vector<VokLong>& values : kept) {
-    values.clear();
-  }
-  const unsigned result = environment.Size() - 1;
-  const auto see = [&](VokLong x, VokLong y) {
-    const std::optional<std::int64_t> z = Apply(GetFunction(), x, y);
-    if (z && MayBe(environment, result, *z)) {
-      kept[kX].push_back(x);
-      kept[kY].push_back(y);
-      kept[2].push_back(static_cast<VokLong>(*z));
-    }
-  };
-  ForEachValue(environment, kX, [&](VokLong x) {
-    if (result == kY) {
-      see(x, 0);
-    } else {
-      ForEachValue(environment, kY, [&](VokLong y) { see(x, y); });
-    }
-  });
-  int changed = KeepThese(environment, kX, kept[kX]);
-  if (result != kY && !environment.IsFailed()) {
-    changed |= KeepThese(environment, kY, kept[kY]);
-  }
-  return environment.IsFailed() ? changed : changed | KeepThese(environment, result, kept[2]);
+  return !environment.IsFailed() && triesPairs && areFew() ? changed | KeepPairs(environment, function) : changed;
 }

@@ -58,18 +58,17 @@ int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::spa
   if (environment.IsFailed() || !environment.IsListed(i)) {
     return changed;
   }
-  thread_local std::vector<VokLong> removed;
-  removed.clear();
+  VokTarnScratchValues removed;
   auto range = first;
   for (const VokLong v : environment.Members(i)) {
     while (v > range->fUpper) {
       ++range;
     }
     if (v < range->fLower) {
-      removed.push_back(v);
+      removed.Add(v);
     }
   }
-  return changed | RemoveListed(environment, i, removed);
+  return changed | RemoveListed(environment, i, removed.Get());
 }
 
 bool AreDistinct(std::span<const VokTarnValueId> arguments) {

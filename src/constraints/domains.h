@@ -8,6 +8,7 @@
 
 #include "constraints/VokTarnNumberRange.h"
 #include "constraints/narrowing.h"
+#include "constraints/scratchValues.h"
 
 inline bool IsKnown(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
   return environment.IsSingle(i) && environment.Lower(i) == v;
@@ -43,34 +44,39 @@ int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::s
 template <class Keep>
 int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper,
               Keep keep) {
-  thread_local std::vector<VokLong> removed;
   int changed = KeepBetween(environment, i, lower, upper);
   if (environment.IsFailed() || environment.Cardinality(i) < 0) {
     return changed;
   }
-  removed.clear();
+  if (environment.IsListed(i)) {
+    VokTarnScratchValues kept;
+    for (const VokLong v : environment.Members(i)) {
+      if (keep(v)) {
+        kept.Add(v);
+      }
+    }
+    return changed | KeepListed(environment, i, kept.Get());
+  }
+  VokTarnScratchValues removed;
   std::int64_t first = 1;
   std::int64_t last = 0;
   ForEachValue(environment, i, lower, upper, [&](VokLong v) {
     if (!keep(v)) {
-      removed.push_back(v);
+      removed.Add(v);
       return;
     }
     first = first > last ? v : first;
     last = v;
   });
-  if (removed.empty()) {
+  if (removed.IsEmpty()) {
     return changed;
   }
   if (first > last) {
     return environment.MakeNil(i);
   }
-  if (environment.IsListed(i)) {
-    return changed | RemoveListed(environment, i, removed);
-  }
   changed |= KeepBetween(environment, i, first, last);
   if (!environment.IsSingle(i) && !IsInterval(environment.Integer(i))) {
-    for (const VokLong v : removed) {
+    for (const VokLong v : removed.Get()) {
       changed |= RemoveValue(environment, i, v);
     }
   }

@@ -1,8 +1,8 @@
 #include "constraints/narrowing.h"
 
 #include <algorithm>
-#include <iterator>
 
+#include "constraints/scratchValues.h"
 #include "numbers/VokFenIntervalInteger.h"
 #include "numbers/VokFenSingleInteger.h"
 
@@ -33,6 +33,12 @@ int NarrowTo(const VokTarnObjectEnvironment& environment, unsigned i, const VokT
     x.SetNilValue();
   }
   return environment.Note(i, changed);
+}
+
+// Whether argument i has the type whose bounds can be set without asking about the other operand. A set would fill its
+// holes then.
+bool IsOfIntervals(const VokTarnObjectEnvironment& environment, unsigned i) {
+  return !environment.IsListed(i) && IsInterval(environment.Integer(i));
 }
 
 // How many values an undefined set takes over.
@@ -93,6 +99,9 @@ int KeepUpTo(const VokTarnObjectEnvironment& environment, unsigned i, std::int64
   if (limit <= environment.Lower(i)) {
     return KeepValue(environment, i, limit);
   }
+  if (IsOfIntervals(environment, i)) {
+    return environment.Note(i, environment.NarrowInteger(i).SetUpperBound(static_cast<VokLong>(limit)));
+  }
   const VokFenSingleInteger bound(static_cast<VokLong>(limit));
   return environment.Note(i, environment.NarrowInteger(i).CalcLessOrEqualValue(bound));
 }
@@ -103,6 +112,9 @@ int KeepFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64
   }
   if (limit >= environment.Upper(i)) {
     return KeepValue(environment, i, limit);
+  }
+  if (IsOfIntervals(environment, i)) {
+    return environment.Note(i, environment.NarrowInteger(i).SetLowerBound(static_cast<VokLong>(limit)));
   }
   const VokFenSingleInteger bound(static_cast<VokLong>(limit));
   return environment.Note(i, environment.NarrowInteger(i).CalcNotLessValue(bound));
@@ -138,18 +150,35 @@ int KeepListed(const VokTarnObjectEnvironment& environment, unsigned i, std::spa
     return KeepValue(environment, i, kept.front());
   }
   VokTarnInteger& x = environment.NarrowInteger(i);
+  // What goes at the ends goes at once.
+  if (kept.front() > environment.Lower(i)) {
+    x.CalcNotLessValue(VokFenSingleInteger(kept.front()));
+  }
+  if (kept.back() < environment.Upper(i)) {
+    x.CalcLessOrEqualValue(VokFenSingleInteger(kept.back()));
+  }
+  const std::span<const VokLong> members = environment.Members(i);
+  if (kept.size() == members.size()) {
+    return environment.Note(i, 1);
+  }
   // Whichever is less: the values to be taken out, or those to be put in again, each behind the last.
-  if (kept.size() <= size - kept.size()) {
+  if (kept.size() <= members.size() - kept.size()) {
     x.SetNilValue();
     for (const VokLong v : kept) {
       x.AddExactValue(v);
     }
     return environment.Note(i, 1);
   }
-  static thread_local std::vector<VokLong> removed;  // room that is kept: the list stands only until x changes
-  removed.clear();
-  std::ranges::set_difference(environment.Members(i), kept, std::back_inserter(removed));
-  for (const VokLong v : removed) {
+  VokTarnScratchValues removed;  // the list stands only until x changes
+  auto stays = kept.begin();
+  for (const VokLong v : members) {
+    if (*stays == v) {
+      ++stays;
+    } else {
+      removed.Add(v);
+    }
+  }
+  for (const VokLong v : removed.Get()) {
     x.RemoveExactValue(v);
   }
   return environment.Note(i, 1);

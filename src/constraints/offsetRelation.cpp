@@ -3,6 +3,7 @@
 
 #include "constraints/VokTarnOffsetRelationConstraint.h"
 #include "constraints/narrowing.h"
+#include "constraints/scratchValues.h"
 
 VOKTARN_CONSTRAINT_STATICS(VokTarnOffsetRelationConstraint)
 
@@ -195,8 +196,7 @@ int VokTarnOffsetRelationConstraint::KeepCommonValues(const VokTarnObjectEnviron
   if (HasNoHoles(environment, kX) && HasNoHoles(environment, kY)) {
     return 0;
   }
-  static thread_local std::vector<VokLong> common;  // values of x; room that is kept
-  common.clear();
+  VokTarnScratchValues common;  // values of x
   const std::span<const VokLong> xs = environment.Members(kX);
   const std::span<const VokLong> ys = environment.Members(kY);
   const auto image = [&](std::size_t k) { return FromSecond(ys[IsMirrored() ? ys.size() - 1 - k : k]); };
@@ -206,18 +206,16 @@ int VokTarnOffsetRelationConstraint::KeepCommonValues(const VokTarnObjectEnviron
       ++j;
     }
     if (j < ys.size() && image(j) == x) {
-      common.push_back(x);
+      common.Add(x);
     }
   }
-  int changed = KeepListed(environment, kX, common);
-  if (environment.IsFailed() || common.size() == ys.size()) {
+  const int changed = KeepListed(environment, kX, common.Get());
+  if (environment.IsFailed() || common.Size() == ys.size()) {
     return changed;
   }
-  for (VokLong& v : common) {
-    v = static_cast<VokLong>(FromFirst(v));
+  VokTarnScratchValues images;
+  for (std::size_t k = 0; k < common.Size(); ++k) {
+    images.Add(static_cast<VokLong>(FromFirst(common.Get()[IsMirrored() ? common.Size() - 1 - k : k])));
   }
-  if (IsMirrored()) {
-    std::ranges::reverse(common);
-  }
-  return changed | KeepListed(environment, kY, common);
+  return changed | KeepListed(environment, kY, images.Get());
 }

@@ -54,6 +54,7 @@ class FlatZincRun {
   bool Prints() const { return !HasObjective() || fOptions.fAll || fOptions.fImproving; }
   std::uint64_t GetLimit() const;
   std::int64_t GetObjective() const;
+  std::optional<std::int64_t> FindBound() const;
   bool IsWhole() const;
   std::string DescribeCut() const;
   void PrintStatistics() const;
@@ -201,6 +202,14 @@ std::int64_t FlatZincRun::GetObjective() const {
                                : objective.fNumber;
 }
 
+// What no solution's objective is better than, as far as that is known.
+std::optional<std::int64_t> FlatZincRun::FindBound() const {
+  if (!fCuts.empty()) {
+    return std::nullopt;
+  }
+  return fFound > 0 && fIsComplete ? GetObjective() : fSolver->GetBound();
+}
+
 void FlatZincRun::PrintStatistics() const {
   const fzn::Solver::Statistics statistics = fSolver->GetStatistics();
   const auto print = [this](const char* name, const auto& value) {
@@ -209,9 +218,7 @@ void FlatZincRun::PrintStatistics() const {
   const auto truths = std::ranges::count_if(fModel.fVariables, &fzn::Variable::fIsTruth);
   if (HasObjective()) {
     const bool isFound = fFound > 0;
-    const std::optional<std::int64_t> bound = !fCuts.empty()           ? std::nullopt
-                                              : isFound && fIsComplete ? GetObjective()
-                                                                       : fSolver->GetBound();
+    const std::optional<std::int64_t> bound = FindBound();
     if (isFound) {
       print("objective", GetObjective());
     }
