@@ -1,11 +1,11 @@
 # How the sources are compiled: the sources of a room in joined units, a few files each, behind a precompiled header of
 # the standard library. Most of the work on a small file is reading the same headers and instantiating the same
-# templates once more. Without VOKTARN_JOINED each file is compiled alone: for the linter, for counting what the tests
-# reach, and as the proof that every file includes what it uses.
+# templates once more. Without VOKTARN_JOINED each file is compiled alone: for counting what the tests reach, for planted
+# faults, and as the proof that every file includes what it uses.
 option(VOKTARN_JOINED "Compile sources in joined units behind precompiled headers" ON)
 
-# Small enough that a change to one file is compiled in seconds.
-set(voktarn_joined_files 4)
+# Small enough that a change to one file is compiled in seconds. The linter takes more at a time.
+set(VOKTARN_JOINED_FILES 4 CACHE STRING "How many sources make a joined unit")
 
 # voktarn_headers(NAME PIC HEADER...): a library of nothing but a precompiled header, with the options of its users.
 function(voktarn_headers name pic)
@@ -28,7 +28,7 @@ function(voktarn_joined target headers)
   if(NOT VOKTARN_JOINED)
     return()
   endif()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${voktarn_joined_files})
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${VOKTARN_JOINED_FILES})
   target_precompile_headers(${target} REUSE_FROM ${headers})
   # g++ 12 sees impossible lengths in string concatenations that it has inlined from several files.
   target_compile_options(${target} PRIVATE "$<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess;-Wno-stringop-overflow;-Wno-array-bounds>")
