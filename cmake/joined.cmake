@@ -5,7 +5,7 @@
 option(VOKTARN_JOINED "Compile sources in joined units behind precompiled headers" ON)
 
 # Small enough that a change to one file is compiled in seconds. The linter takes more at a time.
-set(VOKTARN_JOINED_FILES 4 CACHE STRING "How many sources make a joined unit")
+set(VOKTARN_JOINED_FILES 8 CACHE STRING "How many sources make a joined unit")
 
 # voktarn_headers(NAME PIC HEADER...): a library of nothing but a precompiled header, with the options of its users.
 function(voktarn_headers name pic)

@@ -49,7 +49,7 @@ TEST(Traces, EveryCallLeavesWhatItsModelSays) {
 }
 
 TEST(Traces, PlantedFaultsShrinkToAFewCalls) {
-  struct Row {
+  struct Planted {
     apiTrace::Fault fault;
     const char* call;
     std::ptrdiff_t calls;
@@ -61,10 +61,11 @@ TEST(Traces, PlantedFaultsShrinkToAFewCalls) {
     }
   };
   static const auto kLoses = loses;
-  for (const Row& row :
-       {Row{[](const char*call, support::Model&x) { kLoses(call, "Minus", 3, x); }, ".Minus()", 2},
-        Row{[](const char*call, support::Model&x) { kLoses(call, "FirstInverseSum", 2, x); }, "InverseSumValue(", 2},
-        Row{[](const char*call, support::Model&x) { kLoses(call, "Bisect", 1, x); }, ".Bisect(", 2}}) {
+  for (const Planted& row :
+       {Planted{[](const char*call, support::Model&x) { kLoses(call, "Minus", 3, x); }, ".Minus()", 2},
+        Planted{[](const char*call, support::Model&x) { kLoses(call, "FirstInverseSum", 2, x); }, "InverseSumValue(",
+                2},
+        Planted{[](const char*call, support::Model&x) { kLoses(call, "Bisect", 1, x); }, ".Bisect(", 2}}) {
     std::mt19937 random(7);
     const Bytes trace = FindDiffering(random, 2000, row.fault);
     ASSERT_FALSE(trace.empty()) << row.call;
