@@ -109,6 +109,14 @@ bool Posting::IsPossible(const Term& term, std::int64_t value) const {
          (!term.fIsVariable || GetInteger(fBuilder.fNetwork, GetValue(term)).IsPossible(static_cast<VokLong>(value)));
 }
 
+std::int64_t Posting::CountListed(const Term& term) const {
+  if (!term.fIsVariable) {
+    return 0;
+  }
+  const VokTarnValueId id = GetValue(term);
+  return fBuilder.fNetwork.GetType(id)->GetLister() != nullptr ? fBuilder.fNetwork.GetCardinality(id) : 0;
+}
+
 bool Posting::AreSame(const Term& a, const Term& b) const {
   if (!a.fIsVariable || !b.fIsVariable) {
     return a.fIsVariable == b.fIsVariable && a.fNumber == b.fNumber;

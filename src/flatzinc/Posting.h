@@ -43,6 +43,8 @@ class Posting {
   std::int64_t GetUpper(const Term& term) const;
   bool IsFixed(const Term& term) const { return GetLower(term) == GetUpper(term); }
   bool IsPossible(const Term& term, std::int64_t value) const;
+  // The number of the variable's values when its type lists them, else 0.
+  std::int64_t CountListed(const Term& term) const;
   // Whether both are one variable, or constants that are equal.
   bool AreSame(const Term& a, const Term& b) const;
 

@@ -287,7 +287,8 @@ void PostBinPacking(const Posting& posting) {
     last = std::max(last, posting.GetUpper(item));
   }
   const std::int64_t capacity = posting.GetConstant(0);
-  if (static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(first) >= kMostBins) {
+  const std::uint64_t count = static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(first) + 1;
+  if (count > kMostBins || count == 0) {
     Values values = Join(posting, {1});
     values.insert(values.begin(), posting.GetValue(Term{false, capacity}));
     values.insert(values.end(), items.size(), posting.GetValue(Term{false, 1}));
@@ -297,7 +298,7 @@ void PostBinPacking(const Posting& posting) {
     return;
   }
   Values loads;
-  for (std::int64_t bin = first; bin <= last; ++bin) {
+  for (std::uint64_t bin = 0; bin < count; ++bin) {
     loads.push_back(posting.AddValue(0, capacity));
   }
   PostPacking(posting, loads, first, 1);

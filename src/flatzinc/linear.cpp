@@ -66,6 +66,7 @@ class Linear {
   void PostSingle(const Statement& statement) const;
   bool PostPair(const Statement& statement) const;
   bool PostAsClause() const;
+  bool PostSetSum(const Statement& statement) const;
   void PostSum(const Statement& statement) const;
 
   const Posting& fPosting;
@@ -167,7 +168,7 @@ void Linear::Post(const Statement& statement) const {
   const bool isPlain = statement.fMode == VokTarnMode::Plain;
   if (fItems.size() == 1) {
     PostSingle(statement);
-  } else if (!(fItems.size() == 2 && PostPair(statement)) && !(isPlain && PostAsClause())) {
+  } else if (!(fItems.size() == 2 && PostPair(statement)) && !(isPlain && PostAsClause()) && !PostSetSum(statement)) {
     PostSum(statement);
   }
 }
@@ -245,6 +246,44 @@ bool Linear::PostAsClause() const {
     literals.push_back({item.fTerm, item.fFactor < 0});
   }
   PostClause(fPosting, literals);
+  return true;
+}
+
+// r = a + b value by value, where a domain has gaps that bounds do not see. A pass over the pairs of values costs more
+// than one over bounds, so all three are to be listed, with few pairs, and most of a hull missing from some domain.
+bool Linear::PostSetSum(const Statement& statement) const {
+  constexpr std::int64_t kMostPairs = 1 << 14;
+  if (statement.fMode != VokTarnMode::Plain || fRelation != VokTarnRelation::Equal || fItems.size() != 3 ||
+      fNumber != 0) {
+    return false;
+  }
+  std::vector<VokTarnValueId> operands;
+  VokTarnValueId result = vokNoValue;
+  // The one whose sign no other has.
+  const Int128 signs = fItems[0].fFactor + fItems[1].fFactor + fItems[2].fFactor;
+  bool hasGaps = false;
+  std::int64_t pairs = 1;
+  std::int64_t largest = 1;
+  for (std::size_t i = 0; i < fItems.size(); ++i) {
+    const Item& item = fItems[i];
+    const std::int64_t size = fPosting.CountListed(item.fTerm);
+    if (!IsUnit(i) || size == 0) {
+      return false;
+    }
+    hasGaps = hasGaps || 2 * size < fPosting.GetUpper(item.fTerm) - fPosting.GetLower(item.fTerm);
+    pairs *= size;
+    largest = std::max(largest, size);
+    if (item.fFactor == -signs) {
+      result = item.fValue;
+    } else {
+      operands.push_back(item.fValue);
+    }
+  }
+  if (operands.size() != 2 || !hasGaps || pairs / largest > kMostPairs) {
+    return false;
+  }
+  operands.push_back(result);
+  fPosting.Post("VokTarnAdditionConstraint", operands);
   return true;
 }
 

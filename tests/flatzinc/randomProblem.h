@@ -161,10 +161,12 @@ class ProblemMaker {
   void DeclareInteger() {
     RandomVariable variable{"x" + std::to_string(fIntegers.size()), "", {}, {}};
     const bool isWide = fHasWideNumbers && Pick(0, 19) == 0;
-    const std::int64_t offset = isWide ? (Pick(0, 1) == 0 ? -2147483640 : 2147483630) : Pick(-3, 2);
+    const std::int64_t offset = isWide ? (Pick(0, 1) == 0 ? -2147483640 : 2147483625) : Pick(-3, 2);
     const int size = Pick(1, 6);
     const bool isSparse = Pick(0, 2) == 0;
-    for (const int step : {0, 2, 5}) {
+    // Gaps, now and then large ones.
+    const int stretch = Pick(0, 1) == 0 ? 1 : 3;
+    for (const int step : {0, 2 * stretch, 5 * stretch}) {
       if (isSparse) {
         variable.fCandidates.push_back(offset + step);
       }
@@ -176,7 +178,8 @@ class ProblemMaker {
     const std::string& x = variable.fName;
     const std::string lower = text(offset);
     const std::string upper = text(variable.fCandidates.back());
-    const std::string set = isSparse ? "{" + lower + "," + text(offset + 2) + "," + upper + "}" : lower + ".." + upper;
+    const std::string set =
+        isSparse ? "{" + lower + "," + text(offset + 2 * stretch) + "," + upper + "}" : lower + ".." + upper;
     variable.fType = set;
     if (fHasWideNumbers && Pick(0, 7) == 0) {
       static const char* const types[] = {"int", "-4611686018427387904..4611686018427387904",

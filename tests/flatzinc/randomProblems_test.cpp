@@ -258,7 +258,7 @@ TEST(RandomProblems, OtherConstraintsHaveTheSolutionsOfTheirMeaning) {
 // A problem that fails is told without what does not matter.
 TEST(RandomProblems, AreMadeSmaller) {
   const RandomProblem least = Shrink(ProblemMaker(5, sBuiltins, true).GetProblem(), [](const RandomProblem& problem) {
-    return problem.GetText().find("x0") != std::string::npos;
+    return problem.GetText().find(": x0:") != std::string::npos;
   });
   EXPECT_EQ(least.fVariables.size() + least.fConstraints.size() + least.fAnnotations.size(), 1U) << least.GetText();
 }
