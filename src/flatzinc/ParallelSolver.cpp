@@ -57,7 +57,7 @@ void Send(int pipe, Header::Kind kind, std::span<const std::int64_t> numbers) {
 // Written by all processes.
 struct ParallelSolver::Shared {
   // What a process has done since it was started.
-  struct Work {
+  struct Progress {
     std::atomic<std::uint64_t> fNodes;
     std::atomic<std::uint64_t> fFailures;
     std::atomic<std::uint64_t> fRestarts;
@@ -67,7 +67,7 @@ struct ParallelSolver::Shared {
 
   std::atomic<std::uint64_t> fNextPart;
   std::atomic<std::int64_t> fBest;
-  std::array<Work, kMostProcesses> fWork;
+  std::array<Progress, kMostProcesses> fProgress;
 };
 
 ParallelSolver::ParallelSolver(Builder& builder, const Options& options, std::function<bool()> interrupt,
@@ -221,13 +221,13 @@ void ParallelSolver::Start() {
 
 // Tells how far the process is; what had been done `before` it was started is told by the one that started it.
 void ParallelSolver::Report(unsigned index, const Statistics& before) {
-  Shared::Work& work = fShared->fWork[index];
+  Shared::Progress& own = fShared->fProgress[index];
   const Statistics now = fSearch.GetStatistics();
-  work.fNodes = now.fNodes - before.fNodes;
-  work.fFailures = now.fFailures - before.fFailures;
-  work.fRestarts = now.fRestarts - before.fRestarts;
-  work.fPropagations = now.fPropagations - before.fPropagations;
-  work.fDepth = now.fDepth;
+  own.fNodes = now.fNodes - before.fNodes;
+  own.fFailures = now.fFailures - before.fFailures;
+  own.fRestarts = now.fRestarts - before.fRestarts;
+  own.fPropagations = now.fPropagations - before.fPropagations;
+  own.fDepth = now.fDepth;
 }
 
 void ParallelSolver::Work(unsigned index, int pipe) {
@@ -334,12 +334,12 @@ bool ParallelSolver::TakeMessage(Worker& worker) {
 Solver::Statistics ParallelSolver::GetStatistics() const {
   Statistics sum = fSearch.GetStatistics();
   if (fShared != nullptr) {
-    for (const Shared::Work& work : fShared->fWork) {
-      sum.fNodes += work.fNodes;
-      sum.fFailures += work.fFailures;
-      sum.fRestarts += work.fRestarts;
-      sum.fPropagations += work.fPropagations;
-      sum.fDepth = std::max<std::uint64_t>(sum.fDepth, work.fDepth);
+    for (const Shared::Progress& own : fShared->fProgress) {
+      sum.fNodes += own.fNodes;
+      sum.fFailures += own.fFailures;
+      sum.fRestarts += own.fRestarts;
+      sum.fPropagations += own.fPropagations;
+      sum.fDepth = std::max<std::uint64_t>(sum.fDepth, own.fDepth);
     }
   }
   return sum;
