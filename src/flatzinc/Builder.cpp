@@ -65,9 +65,7 @@ bool Builder::Build() {
   for (std::size_t i = 0; i < count; ++i) {
     const Variable& variable = fModel.fVariables[i];
     fParents[i] = i;
-    fDomains[i] = variable.fIsTruth && !variable.fIsBounded ? MakeRange(0, 1)
-                  : variable.fIsBounded                     ? variable.fDomain
-                                                            : MakeUnbounded();
+    fDomains[i] = variable.fIsBounded ? variable.fDomain : MakeUnbounded();
   }
   fIsPosted.assign(fModel.fConstraints.size(), false);
   ChooseTypes();

@@ -455,10 +455,8 @@ bool RelatesLoads(const Given& c, Relation relation) {
 
 constexpr CheckerRow sRows[] = {
     {"array_bool_and", "Bb", [](const Given& c) { return AreAll(c) == (c.Get(1) != 0); }},
-    {"array_bool_and_imp", "Bb", [](const Given& c) { return c.Get(1) == 0 || AreAll(c); }},
     {"array_bool_element", "iBb", IsElement},
     {"array_bool_or", "Bb", [](const Given& c) { return IsAny(c) == (c.Get(1) != 0); }},
-    {"array_bool_or_imp", "Bb", [](const Given& c) { return c.Get(1) == 0 || IsAny(c); }},
     {"array_bool_xor", "B", IsOdd},
     {"array_int_element", "iai", IsElement},
     {"array_int_maximum", "ia", [](const Given& c) { return IsExtreme(c, std::greater()); }},
@@ -467,7 +465,6 @@ constexpr CheckerRow sRows[] = {
     {"array_var_int_element", "iai", IsElement},
     {"bool2int", "bi", [](const Given& c) { return c.Get(0) == c.Get(1); }},
     {"bool_and", "bbb", [](const Given& c) { return (c.Get(0) & c.Get(1)) == c.Get(2); }},
-    {"bool_and_imp", "bbb", [](const Given& c) { return c.Get(2) <= (c.Get(0) & c.Get(1)); }},
     {"bool_clause", "BB", IsClause},
     {"bool_eq", "bb", [](const Given& c) { return c.Get(0) == c.Get(1); }},
     {"bool_le", "bb", [](const Given& c) { return c.Get(0) <= c.Get(1); }},
@@ -476,7 +473,6 @@ constexpr CheckerRow sRows[] = {
     {"bool_lt", "bb", [](const Given& c) { return c.Get(0) < c.Get(1); }},
     {"bool_not", "bb", [](const Given& c) { return c.Get(0) != c.Get(1); }},
     {"bool_or", "bbb", [](const Given& c) { return (c.Get(0) | c.Get(1)) == c.Get(2); }},
-    {"bool_or_imp", "bbb", [](const Given& c) { return c.Get(2) <= (c.Get(0) | c.Get(1)); }},
     {"bool_xor", "bb", [](const Given& c) { return c.Get(0) != c.Get(1); }},
     {"bool_xor", "bbb", [](const Given& c) { return (c.Get(0) ^ c.Get(1)) == c.Get(2); }},
     {"fzn_all_different_int", "a", AreAllDifferent},

@@ -74,18 +74,6 @@ const Set& Posting::GetSet(unsigned argument) const {
   return fBuilder.fModel.fSets[static_cast<std::size_t>(a.fNumber)];
 }
 
-std::span<const Set> Posting::GetSets(unsigned argument) const {
-  const Argument& a = GetArgument(argument);
-  // An empty array does not tell what it is of.
-  if (a.fKind == Kind::Array && a.fCount == 0) {
-    return {};
-  }
-  if (a.fKind != Kind::Sets) {
-    Refuse(argument, "an array of sets of integers");
-  }
-  return {fBuilder.fModel.fSets.data() + a.fNumber, a.fCount};
-}
-
 // ---- What is known
 
 namespace {

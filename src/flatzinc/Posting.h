@@ -36,7 +36,6 @@ class Posting {
   std::int64_t GetConstant(unsigned argument) const;        // single-valued
   std::vector<std::int64_t> GetConstants(unsigned argument) const;
   const Set& GetSet(unsigned argument) const;
-  std::span<const Set> GetSets(unsigned argument) const;
 
   // ---- What is known
   std::int64_t GetLower(const Term& term) const;

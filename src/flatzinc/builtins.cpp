@@ -257,8 +257,8 @@ void PostElement(const Posting& p) {
   p.Post("VokTarnElementConstraint", ids);
 }
 
+// What makes two terms one is not here: see Builder::UnifyVariables.
 constexpr PostingRow kRows[] = {
-    {"int_eq", 2, PostCompare<Relation::Equal, 0>},
     {"int_eq_reif", 3, PostCompare<Relation::Equal, 0>},
     {"int_eq_imp", 3, PostCompare<Relation::Equal, 0>},
     {"int_ne", 2, PostCompare<Relation::Different, 0>},
@@ -284,8 +284,6 @@ constexpr PostingRow kRows[] = {
     {"set_in", 2, PostMember},
     {"set_in_reif", 3, PostMember},
     {"set_in_imp", 3, PostMember},
-    {"bool2int", 2, PostCompare<Relation::Equal, 0>},
-    {"bool_eq", 2, PostCompare<Relation::Equal, 0>},
     {"bool_eq_reif", 3, PostCompare<Relation::Equal, 0>},
     {"bool_eq_imp", 3, PostCompare<Relation::Equal, 0>},
     {"bool_not", 2, PostNot},

@@ -18,9 +18,7 @@ fzn::Range FindBounds(const std::string& constraints) {
   EXPECT_TRUE(errors.IsEmpty()) << errors.GetText();
   std::vector<fzn::Set> domains;
   for (const fzn::Variable& variable : model.fVariables) {
-    domains.push_back(variable.fIsBounded ? variable.fDomain
-                      : variable.fIsTruth ? fzn::Set{{0, 1}}
-                                          : fzn::MakeUnbounded());
+    domains.push_back(variable.fIsBounded ? variable.fDomain : fzn::MakeUnbounded());
   }
   const auto find = [](std::size_t place) { return place; };
   fzn::InferBounds(model, find, domains);
@@ -42,8 +40,14 @@ TEST(Bounds, FollowFromConstraints) {
       {"int_div(x,b,a)", -18, 18},
       {"int_mod(a,b,x)", -5, 5},
       {"int_abs(x,a)", -5, 5},
+      {"int_pow(a,b,x)", 0, 125},
+      {"int_pow(y,a,x)", 0, 1},
       {"int_max(a,b,x)", 0, 5},
       {"array_int_element(a,[4,9,-2],x)", -2, 9},
+      {"array_var_int_element(a,[b,y],x)", 0, 3},
+      {"array_int_minimum(x,[a,b])", 0, 5},
+      {"array_int_minimum(b,[x,a])", 1, kOpen},
+      {"int_max(x,a,b)", -kOpen, 3},
       {"int_eq_reif(x,a,p)", 0, 5},
       {"int_eq_reif(x,a,q)", -kOpen, kOpen},
       {"set_in_reif(x,{1,7},p)", 1, 7},

@@ -72,6 +72,7 @@ TEST(Hostile, EveryTextHasOneAnswer) {
       {x + "constraint int_eq_reif(x,y,x);" + end, "f:3: expected a truth value as argument 3 of int_eq_reif"},
       {x + "constraint tarn_regular([x],2000000000,1,[1,2],1,1..2000000000);" + end, "f:3: tarn_regular: argument 4"},
       {x + "constraint tarn_regular([x],2,1,[2,2],1,-2000000000..2000000000);" + end, "found x = 1;"},
+      {x + "constraint int_lin_eq([2,-2],[x,y],0);" + end, "found x = 0;"},
       {x + "constraint int_lin_ne([1,-1],[x,y],-9223372036854775808);" + end, "found"},
       {x + "constraint int_lin_ne([-1,1],[x,y],-9223372036854775808);" + end, "found"},
       {x + "constraint int_lin_eq([-9223372036854775808,-9223372036854775808],[x,y],0);" + end, "found x = 0;"},

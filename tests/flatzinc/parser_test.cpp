@@ -94,7 +94,8 @@ std::string Read(const std::string& text) {
 TEST(Parser, ReadsWhatMiniZincWrites) {
   const Row rows[] = {
       {"predicate p(var int: x, array [int] of var bool: y);solve  satisfy;", "sat"},
-      {"var 0..9: X_1_::output_var;var bool: b ::var_is_introduced :: is_defined_var;% c\nsolve minimize X_1_;",
+      {"var 0..9: X_1_::output_var;var bool: b ::var_is_introduced :: odd(1,[x(2)]) :: is_defined_var;% c\nsolve "
+       "minimize X_1_;",
        "X_1_:0..9 b:0..1?d opt X_1_"},
       {"var {7,-1,3,2}: x; var int: y:: is_defined_var; var 2..6: z = 5; var 3..2: e; solve satisfy;",
        "x:{-1,2,3,7} y:intd z:5..5 e:1..0 sat"},

@@ -131,6 +131,7 @@ class ProblemMaker {
     for (int i = Pick(1, 4); i > 0; --i) {
       const RandomRow& row = rows[static_cast<std::size_t>(Pick(0, static_cast<int>(rows.size()) - 1))];
       const bool isSum = std::string_view(row.fName).starts_with("int_lin");
+      fCover = Pick(0, 3);
       fLength = Pick(0, 6) == 0 ? 0 : isSum && Pick(0, 19) == 0 ? Pick(8, 12) : Pick(1, 4);
       std::string text;
       for (const char* letter = row.fArguments; *letter != '\0'; ++letter) {

@@ -248,11 +248,11 @@ void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count) {
 }
 
 TEST(RandomProblems, BuiltinsHaveTheSolutionsOfTheirMeaning) {
-  CompareWithEnumeration(sBuiltins, 1500);
+  CompareWithEnumeration(sBuiltins, 4000);
 }
 
 TEST(RandomProblems, OtherConstraintsHaveTheSolutionsOfTheirMeaning) {
-  CompareWithEnumeration(sOthers, 1500);
+  CompareWithEnumeration(sOthers, 6000);
 }
 
 // A problem that fails is told without what does not matter.

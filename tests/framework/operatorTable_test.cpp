@@ -82,6 +82,13 @@ TEST(OperatorTable, ArgumentsStandInTheOrderOfTheKind) {
     const VokTarnOperatorDescriptor row("op", kind, &type, &type, &type, &type, nullptr);
     EXPECT_EQ(row.ArrangeArguments(operands, 9), arguments) << row.GetKindName();
   }
+  for (const auto& [name, kind, isCast] :
+       {std::tuple("(t)", Kind::Unary, true), std::tuple("abs", Kind::Unary, false),
+        std::tuple("()", Kind::Unary, false), std::tuple("(t", Kind::Unary, false),
+        std::tuple("t)x)", Kind::Unary, false), std::tuple("(t)", Kind::InverseUnary, false)}) {
+    const VokTarnOperatorDescriptor row(name, kind, &type, &type, &type, &type, nullptr);
+    EXPECT_EQ(row.IsCast(), isCast) << name;
+  }
 }
 
 // The value of a relation is its right operand in the text, whichever creator made the row: so chains hold.
