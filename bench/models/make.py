@@ -227,6 +227,21 @@ class RadioLinks:
             text += f"{name} = {f[i]} - {f[j]};\n"
         return text
 
+    def minizinc(self):
+        n = len(self.lists)
+        lists = ["  {" + ", ".join(map(str, values)) + "}" for values in self.lists]
+        near = [f"| {i + 1}, {j + 1}" for i, j in self.pairs]
+        return "\n".join([
+            "% Radio links: each has a list of frequencies that it may use, and two links that disturb one another need one",
+            "% of the distances that their filters separate.",
+            "set of int: distances = {", wrap(list(map(str, self.allowed))), "};",
+            f"array[1..{n}] of set of int: lists = [", ",\n".join(lists), "];",
+            f"array[1..{len(near)}, 1..2] of int: near = [", *near, "|];",
+            f"array[1..{n}] of var int: f;",
+            f"constraint forall (i in 1..{n}) (f[i] in lists[i]);",
+            f"constraint forall (p in 1..{len(near)}) (f[near[p, 1]] - f[near[p, 2]] in distances);",
+            "solve :: int_search(f, first_fail, indomain_min) satisfy;", ""])
+
     def data(self):
         lists = [self.allowed, *self.lists]
         text = [f"{len(values)} " + " ".join(map(str, values)) for values in lists]
@@ -257,6 +272,7 @@ def main():
         radio = RadioLinks(*arguments)
         write(f"{name}.tarn", radio.model())
         write(f"{name}.data", radio.data())
+        write(f"{name}.mzn", radio.minizinc())
         if name == "radio-60-2" and len(sys.argv) == 1:
             write("../../examples/radio-links.tarn", radio.model())
 
