@@ -2,7 +2,7 @@
 """Writes the models of this folder that are too long to write by hand: make.py [DIRECTORY].
 
 Each model states the same problem as the peer's program of its name, over the same search variables in the same order.
-The instances of radio-*.tarn and of the peer's radio-*.data are the same; they depend on the seed alone."""
+The instances of radio-*.tarn, of radio-*.mzn and of the peer's radio-*.data are the same; they depend on the seed alone."""
 
 import math
 import os
@@ -236,7 +236,7 @@ class RadioLinks:
             "% of the distances that their filters separate.",
             "set of int: distances = {", wrap(list(map(str, self.allowed))), "};",
             f"array[1..{n}] of set of int: lists = [", ",\n".join(lists), "];",
-            f"array[1..{len(near)}, 1..2] of int: near = [", *near, "|];",
+            f"array[1..{len(near)}, 1..2] of int: near = [" + "\n".join(near) + "|];",
             f"array[1..{n}] of var int: f;",
             f"constraint forall (i in 1..{n}) (f[i] in lists[i]);",
             f"constraint forall (p in 1..{len(near)}) (f[near[p, 1]] - f[near[p, 2]] in distances);",
