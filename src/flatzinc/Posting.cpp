@@ -98,10 +98,7 @@ bool Posting::IsPossible(const Term& term, std::int64_t value) const {
 }
 
 bool Posting::AreSame(const Term& a, const Term& b) const {
-  if (!a.fIsVariable || !b.fIsVariable) {
-    return a.fIsVariable == b.fIsVariable && a.fNumber == b.fNumber;
-  }
-  return GetValue(a) == GetValue(b);
+  return a.fIsVariable && b.fIsVariable && GetValue(a) == GetValue(b);
 }
 
 // ---- Posting

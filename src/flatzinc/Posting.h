@@ -42,7 +42,7 @@ class Posting {
   std::int64_t GetUpper(const Term& term) const;
   bool IsFixed(const Term& term) const { return GetLower(term) == GetUpper(term); }
   bool IsPossible(const Term& term, std::int64_t value) const;
-  // Whether both are one variable, or constants that are equal.
+  // Whether both are one variable.
   bool AreSame(const Term& a, const Term& b) const;
 
   // ---- Posting
