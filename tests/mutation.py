@@ -27,7 +27,8 @@ ROOT = Path(__file__).resolve().parent.parent
 KNOWN = Path(__file__).with_suffix(".known")
 # The long random comparison comes last: it is for what the rest lets pass.
 LONG = "NarrowingDifferential.*"
-CLI = "-ShortMemory.*:Repl.*"
+# Without the tests that mostly wait, and those of sessions.
+CLI = "-ShortMemory.*:Repl.*:*Stop*:Pictures.GraphvizTakesEveryExample:SolveProgress.Shows*:Faults.APipe*"
 
 
 class Part:
@@ -42,13 +43,13 @@ PARTS = {
                    [(p, "-" + LONG) for p in ("module", "io", "domain", "memory", "narrowing", "constraints")]
                    + [("narrowing", LONG)], 95),
     "framework": Part(["src/framework"], ["bin/libVokTarn.so"],
-                      [("framework", "*"), ("numbers", "*"), ("flatzinc", "*"), ("memory", "*"), ("tarn", "*"),
-                       ("constraints", "*"), ("cli", CLI)]),
+                      [("framework", "-NoGoods.Lose*"), ("framework", "NoGoods.Lose*"), ("numbers", "*"), ("flatzinc", "*"),
+                       ("memory", "*"), ("tarn", "*"), ("cli", CLI)]),
     "constraints": Part(["src/constraints"], ["bin/libVokFenAbstractTypes.so"],
                         [("constraints", "*"), ("flatzinc", "*"), ("tarn", "*"), ("cli", CLI)]),
     "flatzinc": Part(["src/flatzinc"], ["src/flatzinc/libtarn_flatzinc.a", "bin/flatzinc_tests", "bin/tarn"],
                      [("flatzinc", "*"), ("cli", "FlatZinc.*")]),
-    "tarn": Part(["src/tarn"], ["src/tarn/libtarn_lib.a", "bin/tarn_tests", "bin/tarn"],
+    "tarn": Part(["src/tarn"], ["src/tarn/libVokTarnSession.a", "src/tarn/libtarn_lib.a", "bin/tarn_tests", "bin/tarn"],
                  [("tarn", "*"), ("cli", CLI), ("cli", "Repl.*")]),
 }
 
@@ -134,10 +135,12 @@ class Tree:
         programs = {f"{program}_tests" for program, _ in self.part.stages}
         if not self.make(*self.part.outputs, *programs, "product"):
             sys.exit("error: the tree without a fault does not build")
+        # A library is linked under the name with its version, of which the other names are links.
+        self.outputs = [str((self.build / output).resolve().relative_to(self.build)) for output in self.part.outputs]
         self.compiling = {}
-        for command in self.commands(self.part.outputs[0])[:-1]:
+        for command in (c for output in self.outputs for c in self.commands(output) if " -c " in c):
             self.compiling[command.rsplit(" -c ", 1)[-1]] = command
-        self.linking = [self.commands(output)[-1] for output in self.part.outputs]
+        self.linking = [self.commands(output)[-1] for output in self.outputs]
         # Three times what a stage takes without a fault.
         self.limits = {}
         for stage in self.part.stages:
@@ -202,13 +205,13 @@ class Tree:
         kept = []
         try:
             if command:
-                built = [self.build / shlex.split(command)[-3]] + [self.build / output for output in self.part.outputs]
+                built = [self.build / shlex.split(command)[-3]] + [self.build / output for output in self.outputs]
                 kept = [(file, file.with_name(file.name + ".sound")) for file in built]
                 for file, copy in kept:
                     shutil.copy2(file, copy)
                 if not all(quiet(c, shell=True, cwd=self.build) for c in [command, *self.linking]):
                     return ""
-            elif not self.make(*self.part.outputs):
+            elif not self.make(*self.outputs):
                 return ""
             found = self.survives(path)
             if found or command:
@@ -222,7 +225,7 @@ class Tree:
             if kept:
                 os.utime(source, ns=times)
             else:
-                self.make(*self.part.outputs, "product")
+                self.make(*self.outputs, "product")
 
 
 def main():

@@ -106,10 +106,7 @@ std::int64_t Posting::CountListed(const Term& term) const {
 }
 
 bool Posting::AreSame(const Term& a, const Term& b) const {
-  if (!a.fIsVariable || !b.fIsVariable) {
-    return a.fIsVariable == b.fIsVariable && a.fNumber == b.fNumber;
-  }
-  return GetValue(a) == GetValue(b);
+  return a.fIsVariable && b.fIsVariable && GetValue(a) == GetValue(b);
 }
 
 // ---- Posting

@@ -44,7 +44,7 @@ class Posting {
   bool IsPossible(const Term& term, std::int64_t value) const;
   // The number of the variable's values when its type lists them, else 0.
   std::int64_t CountListed(const Term& term) const;
-  // Whether both are one variable, or constants that are equal.
+  // Whether both are one variable.
   bool AreSame(const Term& a, const Term& b) const;
 
   // ---- Posting

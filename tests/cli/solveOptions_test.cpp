@@ -135,9 +135,12 @@ TEST(SolveProgress, ShowsOnATerminalUntilCtrlC) {
 TEST(SolveProgress, CtrlCKeepsTheSolutions) {
   const TemporaryFile model(ListNames("x", 12) + " : enum int [1, 99];");
   PseudoTerminal terminal(sTarn, {"solve", model.GetPath(), "-a"});
+  ASSERT_TRUE(terminal.WaitForText("nodes/s"));
   ASSERT_TRUE(terminal.WaitForText("----------"));
   terminal.Write("\x03");
   EXPECT_EQ(terminal.WaitForExit(), 3);
+  // Each time the line is erased before a solution is printed.
+  EXPECT_THAT(terminal.GetOutput(), Not(testing::ContainsRegex("nodes/s[^\r]*x0 = ")));
   EXPECT_THAT(terminal.GetOutput(), AllOf(StartsWith("x0 = 1\r\n"), HasSubstr("stopped by a signal\r\n"),
                                           Not(HasSubstr("UNKNOWN")), Not(HasSubstr("=========="))));
 }
