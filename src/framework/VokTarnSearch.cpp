@@ -326,12 +326,17 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
 // A value that is not single: a variable before an intermediate value, and of those one that can be split before one
 // that cannot.
 VokTarnValueId VokTarnSearch::FindUndecided() const {
+  VokTarnValueId open = vokNoValue;
   for (const Variable& variable : fVariables) {
-    if (fNetwork.GetValue(variable.fId).GetCardinality() != 1) {
+    const VokTarnAny& value = fNetwork.GetValue(variable.fId);
+    if (CanSplit(value)) {
       return variable.fId;
     }
+    open = open == vokNoValue && value.GetCardinality() != 1 ? variable.fId : open;
   }
-  VokTarnValueId open = vokNoValue;
+  if (open != vokNoValue) {
+    return open;
+  }
   for (VokTarnValueId id = 0; id < fNetwork.GetValueCount(); ++id) {
     const VokTarnAny& value = fNetwork.GetValue(id);
     if (CanSplit(value)) {
