@@ -2,7 +2,9 @@
 """Writes the models of this folder that are too long to write by hand: make.py [DIRECTORY].
 
 Each model states the same problem as the peer's program of its name, over the same search variables in the same order.
-The instances of radio-*.tarn, of radio-*.mzn and of the peer's radio-*.data are the same; they depend on the seed alone."""
+NAME.mzn says what NAME.tarn says, in MiniZinc: the same variables, domains and constraints, and the search that
+bench/run asks for. The instances of radio-*.tarn, of radio-*.mzn and of the peer's radio-*.data are the same; they
+depend on the seed alone."""
 
 import os
 import sys
@@ -25,12 +27,17 @@ def main():
     write("golomb-8.tarn", puzzles.golomb(8))
     write("golomb-9.tarn", puzzles.golomb(9))
     write("alpha.tarn", puzzles.alpha())
-    write("square-chain-25.tarn", sparse.square_chain(25))
-    write("square-chain-26.tarn", sparse.square_chain(26))
+    for n in (25, 26):
+        write(f"square-chain-{n}.tarn", sparse.square_chain(n))
+        write(f"square-chain-{n}.mzn", sparse.square_chain_minizinc(n))
     write("prime-ring-14.tarn", sparse.prime_ring(14))
+    write("prime-ring-14.mzn", sparse.prime_ring_minizinc(14))
     write("magic-squares.tarn", sparse.magic_squares())
+    write("magic-squares.mzn", sparse.magic_squares_minizinc())
     write("pythagorean-1000.tarn", sparse.pythagorean(1000))
+    write("pythagorean-1000.mzn", sparse.pythagorean_minizinc(1000))
     write("three-squares.tarn", sparse.three_squares())
+    write("three-squares.mzn", sparse.three_squares_minizinc())
     for name, *arguments in RADIO:
         radio = sparse.RadioLinks(*arguments)
         write(f"{name}.tarn", radio.model())

@@ -2,17 +2,23 @@
 
 import math
 
-from text import brackets, names, wrap
+from text import brackets, minizinc, names, wrap
+
+SQUARE_CHAIN = "The numbers 1 to {} in a chain: each two neighbours add up to a square."
+
+
+def chain_squares(n):
+    """Which squares two of the numbers 1 to n can add up to, as a set."""
+    return "{" + ", ".join(str(i * i) for i in range(2, math.isqrt(2 * n) + 1)) + "}"
 
 
 def square_chain(n):
     x = names("x", n)
-    squares = [i * i for i in range(2, math.isqrt(2 * n) + 1)]
     s = names("s", n - 1)
     sums = "\n".join(f"{s[i]} = {x[i]} + {x[i + 1]};" for i in range(n - 1))
-    return f"""// The numbers 1 to {n} in a chain: each two neighbours add up to a square.
+    return f"""// {SQUARE_CHAIN.format(n)}
 {wrap(x, "")} : enum int [1, {n}];
-{wrap(s, "")} : enum int {{{", ".join(map(str, squares))}}};
+{wrap(s, "")} : enum int {chain_squares(n)};
 
 {sums}
 all different {brackets(x)};
@@ -20,24 +26,48 @@ x1 < x{n};   // of a chain and its mirror image, one
 """
 
 
+def square_chain_minizinc(n):
+    return minizinc(
+        SQUARE_CHAIN.format(n), [f"array[1..{n}] of var 1..{n}: x", f"array[1..{n - 1}] of var {chain_squares(n)}: s"],
+        [f"forall (i in 1..{n - 1}) (s[i] = x[i] + x[i + 1])", "all_different(x)", f"x[1] < x[{n}]"], "x, input_order")
+
+
+PRIME_RING = "The numbers 1 to {} in a ring: each two neighbours add up to a prime."
+
+
+def ring_primes(n):
+    """Which primes two of the numbers 1 to n can add up to, as a set."""
+    primes = [v for v in range(3, 2 * n) if all(v % i for i in range(2, math.isqrt(v) + 1))]
+    return "{" + ", ".join(map(str, primes)) + "}"
+
+
 def prime_ring(n):
     x = names("x", n)
     s = names("s", n)
-    primes = [v for v in range(3, 2 * n) if all(v % i for i in range(2, math.isqrt(v) + 1))]
     sums = "\n".join(f"{s[i]} = {x[i]} + {x[(i + 1) % n]};" for i in range(n))
-    return f"""// The numbers 1 to {n} in a ring: each two neighbours add up to a prime.
+    return f"""// {PRIME_RING.format(n)}
 {x[0]} : enum int {{1}};
 {wrap(x[1:], "")} : enum int [2, {n}];
-{wrap(s, "")} : enum int {{{", ".join(map(str, primes))}}};
+{wrap(s, "")} : enum int {ring_primes(n)};
 
 {sums}
 all different {brackets(x)};
 """
 
 
+def prime_ring_minizinc(n):
+    return minizinc(
+        PRIME_RING.format(n), [f"array[1..{n}] of var 1..{n}: x", f"array[1..{n}] of var {ring_primes(n)}: s"],
+        ["x[1] = 1", f"forall (i in 2..{n}) (x[i] > 1)", f"forall (i in 1..{n}) (s[i] = x[i] + x[i mod {n} + 1])",
+         "all_different(x)"], "x, input_order")
+
+
 def squares(low, high):
     """The domain of squares."""
     return "{\n" + wrap([str(i * i) for i in range(low, high + 1)]) + "\n}"
+
+
+MAGIC_SQUARES = "A square whose cells are different squares; its rows, columns and diagonals add up to 2823."
 
 
 def magic_squares():
@@ -46,7 +76,7 @@ def magic_squares():
     lines += [[cell[i][i] for i in range(4)], [cell[i][3 - i] for i in range(4)]]
     sums = "\n".join(f"{' + '.join(line)} = 2823;" for line in lines)
     cells = [c for row in cell for c in row]
-    return f"""// A square whose cells are different squares; its rows, columns and diagonals add up to 2823.
+    return f"""// {MAGIC_SQUARES}
 {wrap(cells, "")} : enum int {squares(0, 53)};
 
 {sums}
@@ -54,8 +84,20 @@ all different {brackets(cells)};
 """
 
 
+def magic_squares_minizinc():
+    i = "sum (i in 1..4)"
+    return minizinc(
+        MAGIC_SQUARES, [f"array[1..4, 1..4] of var {squares(0, 53)}: cell"],
+        [f"forall (r in 1..4) ({i} (cell[r, i]) = 2823)", f"forall (c in 1..4) ({i} (cell[i, c]) = 2823)",
+         f"{i} (cell[i, i]) = 2823", f"{i} (cell[i, 5 - i]) = 2823", "all_different(array1d(cell))"],
+        "array1d(cell), first_fail")
+
+
+PYTHAGOREAN = "Right-angled triangles with whole sides up to {}, by the squares of their sides."
+
+
 def pythagorean(n):
-    return f"""// Right-angled triangles with whole sides up to {n}, by the squares of their sides.
+    return f"""// {PYTHAGOREAN.format(n)}
 aa, bb, cc : enum int {squares(1, n)};
 aa < bb;
 bb < cc;
@@ -63,13 +105,30 @@ aa + bb = cc;
 """
 
 
+def pythagorean_minizinc(n):
+    return minizinc(
+        PYTHAGOREAN.format(n),
+        [f"set of int: squares = {squares(1, n)}", "var squares: aa", "var squares: bb", "var squares: cc"],
+        ["aa < bb", "bb < cc", "aa + bb = cc"], "[aa, bb, cc], input_order")
+
+
+THREE_SQUARES = "700001 as a sum of three squares."
+
+
 def three_squares():
-    return f"""// 700001 as a sum of three squares.
+    return f"""// {THREE_SQUARES}
 xx, yy, zz : enum int {squares(0, 836)};
 xx <= yy;
 yy <= zz;
 xx + yy + zz = 700001;
 """
+
+
+def three_squares_minizinc():
+    return minizinc(
+        THREE_SQUARES,
+        [f"set of int: squares = {squares(0, 836)}", "var squares: xx", "var squares: yy", "var squares: zz"],
+        ["xx <= yy", "yy <= zz", "xx + yy + zz = 700001"], "[xx, yy, zz], input_order")
 
 
 class Random:

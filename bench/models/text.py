@@ -18,5 +18,14 @@ def brackets(words):
     return text if len(text) <= 100 else "[\n" + wrap(words) + "\n]"
 
 
+def minizinc(comment, declarations, constraints, search):
+    """A model in MiniZinc; `search` names the variables and their order."""
+    lines = [f"% {comment}"]
+    if any("all_different" in constraint for constraint in constraints):
+        lines.append('include "all_different.mzn";')
+    lines += [f"{declaration};" for declaration in declarations] + [f"constraint {c};" for c in constraints]
+    return "\n".join([*lines, f"solve :: int_search({search}, indomain_min) satisfy;", ""])
+
+
 def names(letter, count):
     return [f"{letter}{i}" for i in range(1, count + 1)]
