@@ -11,7 +11,7 @@ install(TARGETS tarn VokTarn VokFenAbstractTypes VokFenNumbers VokFenEnumInteger
 install(FILES $<TARGET_FILE_DIR:tarn>/fzn-tarn DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # A header with a class bears its name; the others serve the libraries' own sources.
-install(DIRECTORY src/framework src/numbers src/constraints src/domain src/tarn DESTINATION ${voktarn_include_dir}
+install(DIRECTORY src/base src/framework src/numbers src/constraints src/domain src/tarn DESTINATION ${voktarn_include_dir}
   FILES_MATCHING PATTERN "[A-Z]*.h"
   PATTERN commands EXCLUDE PATTERN kernels EXCLUDE)
 

@@ -3,6 +3,7 @@
 #include "framework/VokStreamableClass.h"
 #include "framework/VokTarnConstraint.h"
 #include "framework/VokTarnObjectDescriptor.h"
+#include "framework/VokTarnObjectEnvironment.h"
 
 // What every constraint class has in the same form: its identity, its descriptor and how it is made. `Class`
 // derives from this and has the statics sIdent, CastableIdent and sDescriptor, defined by

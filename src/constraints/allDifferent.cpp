@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <limits>
 #include <vector>
 
 #include "constraints/VokTarnAllDifferentConstraint.h"
+#include "constraints/domains.h"
 #include "constraints/narrowing.h"
 #include "constraints/valueMatching.h"
 
@@ -16,37 +16,12 @@ namespace {
 constexpr unsigned kMostMatched = 256;
 constexpr int kMostValues = 16384;
 
-using Bits = std::uint64_t;
+using Bits = VokTarnBits;
 constexpr unsigned kMostBits = 64;
 
 bool HasDuplicate(std::vector<std::int64_t>& values) {
   std::sort(values.begin(), values.end());
   return std::adjacent_find(values.begin(), values.end()) != values.end();
-}
-
-constexpr Bits Bit(unsigned i) {
-  return Bits{1} << i;
-}
-
-// The bits from `first` to `last`.
-constexpr Bits Range(unsigned first, unsigned last) {
-  return (~Bits{0} >> (kMostBits - 1 - (last - first))) << first;
-}
-
-// The number of bits that are set, in ordinary instructions: not every processor has one for it.
-constexpr unsigned CountBits(Bits bits) {
-  bits -= (bits >> 1U) & 0x5555555555555555U;
-  bits = (bits & 0x3333333333333333U) + ((bits >> 2U) & 0x3333333333333333U);
-  bits = (bits + (bits >> 4U)) & 0x0F0F0F0F0F0F0F0FU;
-  return static_cast<unsigned>((bits * 0x0101010101010101U) >> 56U);
-}
-
-// Calls visit(position) for each bit that is set, from the lowest.
-template <class Visit>
-void ForEachBit(Bits bits, Visit visit) {
-  for (; bits != 0; bits &= bits - 1) {
-    visit(static_cast<unsigned>(std::countr_zero(bits)));
-  }
 }
 
 // Whether some arguments may have no more values than they are, so that they need all of them: as many as k of at most
@@ -107,7 +82,7 @@ class SmallMatching {
 
 bool SmallMatching::EliminateKnown() {
   Bits known = 0;
-  Bits open = Range(0, fSize - 1);
+  Bits open = BitRange(0, fSize - 1);
   for (Bits before = ~open; before != open;) {
     before = open;
     for (Bits rest = open; rest != 0; rest &= rest - 1) {
@@ -243,27 +218,6 @@ Bits SmallMatching::KeepCycles(Bits stuck) {
   return cycle;
 }
 
-// The possible values of an argument as bits, the least being `first` above the window's base.
-Bits ReadBits(const VokTarnObjectEnvironment& environment, unsigned i, unsigned first) {
-  const VokLong lower = environment.Lower(i);
-  const auto width = static_cast<unsigned>(environment.Upper(i) - lower);
-  if (environment.Cardinality(i) == static_cast<int>(width) + 1) {
-    return Range(first, first + width);
-  }
-  Bits bits = 0;
-  const std::span<const VokLong> members = environment.Members(i);
-  if (!members.empty()) {
-    for (const VokLong v : members) {
-      bits |= Bit(static_cast<unsigned>(v - lower));
-    }
-    return bits << first;
-  }
-  for (const VokLong v : ListValues(environment.Integer(i))) {
-    bits |= Bit(static_cast<unsigned>(v - lower));
-  }
-  return bits << first;
-}
-
 }  // namespace
 
 bool VokTarnAllDifferentConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
@@ -302,7 +256,7 @@ int VokTarnAllDifferentConstraint::PropagateSmall(const VokTarnObjectEnvironment
   SmallMatching matching(size, base);
   std::array<Bits, kMostBits> before;
   for (unsigned i = 0; i < size; ++i) {
-    before[i] = ReadBits(environment, i, static_cast<unsigned>(environment.Lower(i) + GetOffset(i) - base));
+    before[i] = BitsFrom(environment, i, base - GetOffset(i));
     matching.Set(i, before[i]);
   }
   fPartners.resize(size);
@@ -317,19 +271,14 @@ int VokTarnAllDifferentConstraint::PropagateSmall(const VokTarnObjectEnvironment
       continue;
     }
     const std::int64_t zero = base - GetOffset(i);
-    const auto toValue = [zero](int bit) { return static_cast<VokLong>(zero + bit); };
-    if (environment.Members(i).empty()) {
-      // An interval keeps the holes: the next call may find more.
-      isExact = false;
-      changed |= KeepBetween(environment, i, toValue(std::countr_zero(kept)),
-                             toValue(static_cast<int>(std::bit_width(kept)) - 1));
-      ForEachBit(before[i] & ~kept,
-                 [&](unsigned bit) { changed |= RemoveValue(environment, i, toValue(static_cast<int>(bit))); });
+    if (environment.Bits(i) != 0) {
+      changed |= environment.KeepBits(i, zero, kept);
+      isExact = isExact && !environment.IsRange(i);  // a range keeps the holes: the next call may find more
       continue;
     }
-    VokTarnInteger& x = environment.NarrowInteger(i);
-    ForEachBit(before[i] & ~kept, [&](unsigned bit) { x.RemoveExactValue(toValue(static_cast<int>(bit))); });
-    changed |= environment.Note(i, 1);
+    isExact = false;
+    ForEachBit(before[i] & ~kept,
+               [&](unsigned bit) { changed |= environment.Remove(i, static_cast<VokLong>(zero + bit)); });
   }
   if (isExact) {
     environment.NoteFixpoint();
@@ -361,7 +310,7 @@ int VokTarnAllDifferentConstraint::EliminateKnown(const VokTarnObjectEnvironment
       for (const std::int64_t v : known) {
         const std::int64_t own = v - GetOffset(i);
         if (own >= environment.Lower(i) && own <= environment.Upper(i)) {
-          changed |= RemoveValue(environment, i, static_cast<VokLong>(own));
+          changed |= environment.Remove(i, static_cast<VokLong>(own));
         }
       }
       if (environment.IsFailed()) {
@@ -417,7 +366,7 @@ int VokTarnAllDifferentConstraint::EliminateUnsupported(const VokTarnObjectEnvir
   }
   int changed = 0;
   for (const auto& [position, v] : matching.FindUnsupported()) {
-    changed |= RemoveValue(environment, open[position], static_cast<VokLong>(v - GetOffset(open[position])));
+    changed |= environment.Remove(open[position], static_cast<VokLong>(v - GetOffset(open[position])));
   }
   return changed;
 }

@@ -63,7 +63,7 @@ int VokTarnAmongConstraint::Propagate(const VokTarnObjectEnvironment& environmen
     }
   }
   const std::int64_t possible = certain + static_cast<std::int64_t>(open.size());
-  int changed = KeepBetween(environment, kResult, certain, possible);
+  int changed = environment.KeepBetween(kResult, certain, possible);
   if (environment.IsFailed() || open.empty()) {
     return changed;
   }

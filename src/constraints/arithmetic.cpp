@@ -61,13 +61,12 @@ int KeepSquares(const VokTarnObjectEnvironment& environment) {
   }
   std::sort(squares.begin(), squares.end());
   squares.erase(std::unique(squares.begin(), squares.end()), squares.end());
-  const int changed = KeepValues(environment, kResult, squares);
+  const int changed = environment.KeepListed(kResult, squares);
   if (environment.IsFailed()) {
     return changed;
   }
-  const VokTarnInteger& r = environment.Integer(kResult);
-  std::erase_if(roots, [&r](VokLong v) { return !r.IsPossible(v * v); });
-  return changed | KeepValues(environment, kA, roots);
+  std::erase_if(roots, [&](VokLong v) { return !environment.MayBe(kResult, std::int64_t{v} * v); });
+  return changed | environment.KeepListed(kA, roots);
 }
 
 }  // namespace
@@ -101,14 +100,19 @@ int VokTarnMultiplicationConstraint::Propagate(const VokTarnObjectEnvironment& e
       environment.IsListed(kA)) {
     return KeepSquares(environment);
   }
+  const int changed = GetForm() == VokTarnForm::Inverse ? environment.Remove(kB, 0) : 0;
+  if (environment.IsFailed()) {
+    return changed;
+  }
   const VokTarnInteger& a = environment.Integer(kA);
   const VokTarnInteger& b = environment.Integer(kB);
   const VokTarnInteger& r = environment.Integer(kResult);
-  return RunUntilFailed(
-      environment, [&] { return GetForm() == VokTarnForm::Inverse ? RemoveValue(environment, kB, 0) : 0; },
-      [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcProdValue(a, b)); },
-      [&] { return environment.Note(kA, r.CalcFirstInverseProdValue(environment.NarrowInteger(kA), b)); },
-      [&] { return environment.Note(kB, r.CalcFirstInverseProdValue(environment.NarrowInteger(kB), a)); });
+  return changed |
+         RunUntilFailed(
+             environment,
+             [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcProdValue(a, b)); },
+             [&] { return environment.Note(kA, r.CalcFirstInverseProdValue(environment.NarrowInteger(kA), b)); },
+             [&] { return environment.Note(kB, r.CalcFirstInverseProdValue(environment.NarrowInteger(kB), a)); });
 }
 
 std::optional<std::int64_t> VokTarnRemainderConstraint::Compute(std::int64_t a, std::int64_t b) const {
@@ -116,19 +120,24 @@ std::optional<std::int64_t> VokTarnRemainderConstraint::Compute(std::int64_t a, 
 }
 
 int VokTarnRemainderConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  const int changed = environment.Remove(kB, 0);
+  if (environment.IsFailed()) {
+    return changed;
+  }
   const VokTarnInteger& a = environment.Integer(kA);
   const VokTarnInteger& b = environment.Integer(kB);
   const VokTarnInteger& r = environment.Integer(kResult);
-  return RunUntilFailed(
-      environment, [&] { return RemoveValue(environment, kB, 0); },
-      [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcModValue(a, b)); },
-      [&] { return environment.Note(kA, r.CalcFirstInverseModValue(environment.NarrowInteger(kA), b)); },
-      // Given a dividend of which nothing is known, the second inverse would leave no divisor.
-      [&] {
-        return a.IsUndefined() != 0
-                   ? 0
-                   : environment.Note(kB, r.CalcSecondInverseModValue(a, environment.NarrowInteger(kB)));
-      });
+  return changed |
+         RunUntilFailed(
+             environment,
+             [&] { return environment.Note(kResult, environment.NarrowInteger(kResult).CalcModValue(a, b)); },
+             [&] { return environment.Note(kA, r.CalcFirstInverseModValue(environment.NarrowInteger(kA), b)); },
+             // Given a dividend of which nothing is known, the second inverse would leave no divisor.
+             [&] {
+               return a.IsUndefined() != 0
+                          ? 0
+                          : environment.Note(kB, r.CalcSecondInverseModValue(a, environment.NarrowInteger(kB)));
+             });
 }
 
 std::optional<std::int64_t> VokTarnPowerConstraint::Compute(std::int64_t a, std::int64_t b) const {

@@ -52,7 +52,7 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
   const auto areFew = [&] {
     const std::int64_t first = environment.Cardinality(kX);
     const std::int64_t second = environment.Cardinality(kY);
-    const auto isListable = [&](unsigned i) { return environment.IsListed(i) || HasNoHoles(environment, i); };
+    const auto isListable = [&](unsigned i) { return environment.IsListed(i) || environment.HasNoHoles(i); };
     return first > 0 && second > 0 && first * second <= kMostTried && isListable(kX) && isListable(kY);
   };
   // Pairs tell what the bounds do and more.
@@ -67,7 +67,7 @@ int VokTarnArithmeticConstraint::Propagate(const VokTarnObjectEnvironment& envir
   const bool needsNonZero = function == VokTarnFunction::Quotient || function == VokTarnFunction::Remainder;
   // An interval keeps a 0 inside; the rules know that it does not divide.
   const bool isZeroInside = environment.Lower(kY) < 0 && environment.Upper(kY) > 0 && !environment.IsListed(kY);
-  changed = needsNonZero && !isZeroInside ? RemoveValue(environment, kY, 0) : 0;
+  changed = needsNonZero && !isZeroInside ? environment.Remove(kY, 0) : 0;
   const auto x = [&] { return GetRange(environment, kX); };
   const auto y = [&] { return GetRange(environment, kY); };
   const auto z = [&] { return GetRange(environment, result); };

@@ -22,7 +22,7 @@ constexpr std::size_t kMostMarked = 1024;
 class Values {
  public:
   Values(const VokTarnObjectEnvironment& environment, unsigned i)
-      : fMembers(HasNoHoles(environment, i) ? std::span<const VokLong>() : environment.Members(i)),
+      : fMembers(environment.HasNoHoles(i) ? std::span<const VokLong>() : environment.Members(i)),
         fLower(environment.Lower(i)),
         fSize(static_cast<std::size_t>(environment.Cardinality(i))) {}
 
@@ -79,7 +79,7 @@ int KeepMarked(const VokTarnObjectEnvironment& environment, unsigned i, const Va
       kept.Add(values[place]);
     }
   }
-  return environment.IsListed(i) ? KeepListed(environment, i, kept.Get())
+  return environment.IsListed(i) ? environment.KeepSubset(i, kept.Get())
                                  : KeepRange(environment, i, {kept.Get().front(), kept.Get().back()});
 }
 
@@ -89,7 +89,7 @@ class Results {
   explicit Results(const VokTarnObjectEnvironment& environment)
       : fEnvironment(environment),
         fBounds{environment.Lower(kZ), environment.Upper(kZ)},
-        fIsWhole(HasNoHoles(environment, kZ)),
+        fIsWhole(environment.HasNoHoles(kZ)),
         fMembers(environment.Members(kZ)),
         fIsMarked(environment.IsListed(kZ) && fMembers.size() <= kMostMarked),
         fMarks(fIsMarked ? fMembers.size() : 0),
@@ -107,7 +107,7 @@ class Results {
         return false;
       }
       fMarks.Set(static_cast<std::size_t>(place - fMembers.begin()));
-    } else if (!fIsWhole && !MayBe(fEnvironment, kZ, z)) {
+    } else if (!fIsWhole && !fEnvironment.MayBe(kZ, z)) {
       return false;
     }
     fSeen = {std::min(fSeen.lower, z), std::max(fSeen.upper, z)};
@@ -186,8 +186,8 @@ struct Cover {
 }  // namespace
 
 bool KeepWholeQuotients(const VokTarnObjectEnvironment& environment, int& changed) {
-  if (environment.Cardinality(kY) < 1 || environment.Cardinality(kY) > kMostDivisors || !HasNoHoles(environment, kX) ||
-      !HasNoHoles(environment, kY) || !HasNoHoles(environment, kZ)) {
+  if (environment.Cardinality(kY) < 1 || environment.Cardinality(kY) > kMostDivisors || !environment.HasNoHoles(kX) ||
+      !environment.HasNoHoles(kY) || !environment.HasNoHoles(kZ)) {
     return false;
   }
   const VokLong lower = environment.Lower(kX);

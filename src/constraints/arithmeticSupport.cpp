@@ -22,7 +22,7 @@ std::optional<std::int64_t> FindFrom(const VokTarnObjectEnvironment& environment
   if (v > environment.Upper(i)) {
     return std::nullopt;
   }
-  if (HasNoHoles(environment, i)) {
+  if (environment.HasNoHoles(i)) {
     return v;
   }
   const std::span<const VokLong> members = environment.Members(i);
@@ -40,7 +40,7 @@ std::optional<std::int64_t> FindUpTo(const VokTarnObjectEnvironment& environment
   if (v < environment.Lower(i)) {
     return std::nullopt;
   }
-  if (HasNoHoles(environment, i)) {
+  if (environment.HasNoHoles(i)) {
     return v;
   }
   const std::span<const VokLong> members = environment.Members(i);
@@ -100,40 +100,28 @@ int KeepMagnitudesOf(const VokTarnObjectEnvironment& environment, std::span<cons
       kept.Add(v);
     }
   }
-  return KeepListed(environment, z, kept.Get());
+  return environment.KeepSubset(z, kept.Get());
 }
 
 // x, listed, loses what has a magnitude that z has not.
 int KeepThoseOfMagnitudes(const VokTarnObjectEnvironment& environment) {
   constexpr unsigned z = 1;
   VokTarnScratchValues kept;
-  const bool isWhole = HasNoHoles(environment, z);
+  const bool isWhole = environment.HasNoHoles(z);
   for (const VokLong v : environment.Members(kX)) {
     const VokLong magnitude = v < 0 ? -v : v;
     if (isWhole ? magnitude >= environment.Lower(z) && magnitude <= environment.Upper(z)
-                : MayBe(environment, z, magnitude)) {
+                : environment.MayBe(z, magnitude)) {
       kept.Add(v);
     }
   }
-  return KeepListed(environment, kX, kept.Get());
+  return environment.KeepSubset(kX, kept.Get());
 }
 
 }  // namespace
 
 int KeepRange(const VokTarnObjectEnvironment& environment, unsigned i, VokTarnRange range) {
-  if (range.IsEmpty()) {
-    return environment.MakeNil(i);
-  }
-  if (range.lower > environment.Lower(i) && range.upper < environment.Upper(i) && range.lower < range.upper &&
-      HasNoHoles(environment, i) && environment.IsListed(i)) {
-    // Both ends go, and something stays: one change.
-    VokTarnInteger& x = environment.NarrowInteger(i);
-    x.CalcNotLessValue(VokFenSingleInteger(static_cast<VokLong>(range.lower)));
-    x.CalcLessOrEqualValue(VokFenSingleInteger(static_cast<VokLong>(range.upper)));
-    return environment.Note(i, 1);
-  }
-  const int changed = KeepFrom(environment, i, range.lower);
-  return environment.IsFailed() ? changed : changed | KeepUpTo(environment, i, range.upper);
+  return environment.KeepBetween(i, range.lower, range.upper);
 }
 
 int KeepMagnitude(const VokTarnObjectEnvironment& environment) {
@@ -149,7 +137,7 @@ int KeepMagnitude(const VokTarnObjectEnvironment& environment) {
     return changed;
   }
   // Asked before x is cut: what is left between two cuts may have no holes, and z may rely on those that went.
-  const bool isWhole = HasNoHoles(environment, kX);
+  const bool isWhole = environment.HasNoHoles(kX);
   changed |= KeepRange(environment, kX, FindSigned(environment));
   if (environment.IsFailed()) {
     return changed;
@@ -157,7 +145,7 @@ int KeepMagnitude(const VokTarnObjectEnvironment& environment) {
   const bool isListed = environment.IsListed(kX);
   const bool isCrossing = environment.Lower(kX) < 0 && environment.Upper(kX) > 0 && environment.Lower(z) > 0;
   // Without holes every magnitude between the bounds is there, and the bounds of x are right.
-  if (isWhole && (!isListed || (HasNoHoles(environment, z) && !isCrossing))) {
+  if (isWhole && (!isListed || (environment.HasNoHoles(z) && !isCrossing))) {
     environment.NoteFixpoint();
     return changed;
   }
@@ -183,20 +171,20 @@ int KeepTruthProduct(const VokTarnObjectEnvironment& environment, unsigned truth
   int changed = 0;
   if (!environment.IsSingle(truth)) {
     if (!z().Has(0)) {
-      changed |= KeepValue(environment, truth, 1);
+      changed |= environment.KeepExactly(truth, 1);
     } else if (z().upper < x().lower || z().lower > x().upper) {
-      changed |= KeepValue(environment, truth, 0);
+      changed |= environment.KeepExactly(truth, 0);
     } else {
       changed |=
           KeepRange(environment, kZ, {std::min<std::int64_t>(x().lower, 0), std::max<std::int64_t>(x().upper, 0)});
-      if (HasNoHoles(environment, kZ)) {
+      if (environment.HasNoHoles(kZ)) {
         environment.NoteFixpoint();
       }
       return changed;
     }
   }
   if (environment.Upper(truth) == 0) {
-    changed |= KeepValue(environment, kZ, 0);
+    changed |= environment.KeepExactly(kZ, 0);
     environment.NoteEntailed();
     return changed;
   }
@@ -204,7 +192,7 @@ int KeepTruthProduct(const VokTarnObjectEnvironment& environment, unsigned truth
   if (!environment.IsFailed()) {
     changed |= KeepRange(environment, factor, z());
   }
-  if (!environment.IsFailed() && HasNoHoles(environment, kZ) && HasNoHoles(environment, factor)) {
+  if (!environment.IsFailed() && environment.HasNoHoles(kZ) && environment.HasNoHoles(factor)) {
     environment.NoteFixpoint();
   }
   return changed;

@@ -57,7 +57,7 @@ int VokTarnBinPackingConstraint::Propagate(const VokTarnObjectEnvironment& envir
   std::int64_t total = 0;
   int changed = 0;
   for (unsigned i = count; i < environment.Size(); ++i) {
-    changed |= KeepBetween(environment, i, first, last);
+    changed |= environment.KeepBetween(i, first, last);
     if (environment.IsFailed()) {
       return changed;
     }
@@ -83,7 +83,7 @@ int VokTarnBinPackingConstraint::Propagate(const VokTarnObjectEnvironment& envir
     const Bin before = bin;
     bin.fLower = std::max(before.fLower, total - (upper - before.fUpper));
     bin.fUpper = std::min(before.fUpper, total - (lower - before.fLower));
-    changed |= KeepBetween(environment, j, bin.fLower, bin.fUpper);
+    changed |= environment.KeepBetween(j, bin.fLower, bin.fUpper);
     if (environment.IsFailed()) {
       return changed;
     }
@@ -101,7 +101,7 @@ int VokTarnBinPackingConstraint::Propagate(const VokTarnObjectEnvironment& envir
       return bin.fCertain + weight <= bin.fUpper;
     });
     if (!environment.IsFailed() && needed <= last) {
-      changed |= KeepBetween(environment, i, needed, needed);
+      changed |= environment.KeepBetween(i, needed, needed);
     }
   }
   return changed;

@@ -97,7 +97,7 @@ int VokTarnCircuitConstraint::CutChains(const VokTarnObjectEnvironment& environm
   isDue.assign(n, 1);
   unsigned due = 0;
   for (unsigned i = 0; i < n; ++i) {
-    isDue[i] = IsPartial() && MayBe(environment, i, first + i) ? 0 : 1;
+    isDue[i] = IsPartial() && environment.MayBe(i, first + i) ? 0 : 1;
     due += isDue[i] != 0 ? 1U : 0U;
     if (environment.IsSingle(i) && environment.Lower(i) != first + i) {
       next[i] = static_cast<unsigned>(environment.Lower(i) - first);
@@ -120,9 +120,9 @@ int VokTarnCircuitConstraint::CutChains(const VokTarnObjectEnvironment& environm
       ++onChains;
     }
     dueInside += isDue[end] != 0 ? 1U : 0U;
-    changed |= RemoveValue(environment, end, static_cast<VokLong>(first + end));
+    changed |= environment.Remove(end, static_cast<VokLong>(first + end));
     if (!environment.IsFailed() && dueInside < due) {
-      changed |= RemoveValue(environment, end, static_cast<VokLong>(first + start));
+      changed |= environment.Remove(end, static_cast<VokLong>(first + start));
     }
     if (environment.IsFailed()) {
       return changed;
@@ -151,7 +151,7 @@ int VokTarnCircuitConstraint::CutChains(const VokTarnObjectEnvironment& environm
   }
   for (unsigned i = 0; i < n && !environment.IsFailed(); ++i) {
     if (isSuccessor[i] != 3) {
-      changed |= IsPartial() ? KeepBetween(environment, i, first + i, first + i) : environment.Fail();
+      changed |= IsPartial() ? environment.KeepBetween(i, first + i, first + i) : environment.Fail();
     }
   }
   return changed;
@@ -170,7 +170,7 @@ int VokTarnCircuitConstraint::KeepConnected(const VokTarnObjectEnvironment& envi
     ForEachValue(environment, i, first, first + n - 1,
                  [&](VokLong v) { forward.fEnds.push_back(static_cast<unsigned>(v - first)); });
     forward.fFirst.push_back(static_cast<unsigned>(forward.fEnds.size()));
-    if (root == kNone && !(IsPartial() && MayBe(environment, i, first + i))) {
+    if (root == kNone && !(IsPartial() && environment.MayBe(i, first + i))) {
       root = i;
     }
   }
@@ -184,7 +184,7 @@ int VokTarnCircuitConstraint::KeepConnected(const VokTarnObjectEnvironment& envi
   int changed = 0;
   for (unsigned i = 0; i < n && !environment.IsFailed(); ++i) {
     if (marks[i] != 3) {
-      changed |= IsPartial() ? KeepBetween(environment, i, first + i, first + i) : environment.Fail();
+      changed |= IsPartial() ? environment.KeepBetween(i, first + i, first + i) : environment.Fail();
     }
   }
   return changed;
@@ -195,9 +195,9 @@ int VokTarnCircuitConstraint::Propagate(const VokTarnObjectEnvironment& environm
   const std::int64_t first = GetConstants()[0];
   int changed = 0;
   for (unsigned i = 0; i < n && !environment.IsFailed(); ++i) {
-    changed |= KeepBetween(environment, i, first, first + n - 1);
+    changed |= environment.KeepBetween(i, first, first + n - 1);
     if (!IsPartial() && n > 1 && !environment.IsFailed()) {
-      changed |= RemoveValue(environment, i, static_cast<VokLong>(first + i));
+      changed |= environment.Remove(i, static_cast<VokLong>(first + i));
     }
   }
   if (!environment.IsFailed()) {

@@ -42,7 +42,7 @@ unsigned ReplaceWatched(const VokTarnObjectEnvironment& environment, unsigned (&
 int KeepTruths(const VokTarnObjectEnvironment& environment) {
   int changed = 0;
   for (unsigned i = 0; i < environment.Size() && !environment.IsFailed(); ++i) {
-    changed |= KeepBetween(environment, i, 0, 1);
+    changed |= environment.KeepBetween(i, 0, 1);
   }
   return changed;
 }
@@ -108,7 +108,7 @@ int VokTarnClauseConstraint::Propagate(const VokTarnObjectEnvironment& environme
       last = i;
     }
   }
-  return last == environment.Size() ? environment.Fail() : KeepValue(environment, last, GetAim(last));
+  return last == environment.Size() ? environment.Fail() : environment.KeepExactly(last, GetAim(last));
 }
 
 // ---- Disjunction
@@ -174,22 +174,22 @@ int VokTarnDisjunctionConstraint::Propagate(const VokTarnObjectEnvironment& envi
       ++count;
     } else if (environment.Lower(i) == GetAim(i)) {
       environment.NoteEntailed();
-      return changed | KeepValue(environment, result, GetAimOfResult());
+      return changed | environment.KeepExactly(result, GetAimOfResult());
     }
   }
   if (count == 0) {
-    return changed | KeepValue(environment, result, 1 - GetAimOfResult());
+    return changed | environment.KeepExactly(result, 1 - GetAimOfResult());
   }
   if (environment.IsSingle(result) && environment.Lower(result) != GetAimOfResult()) {
     for (unsigned i = 0; i < result && !environment.IsFailed(); ++i) {
-      changed |= KeepValue(environment, i, 1 - GetAim(i));
+      changed |= environment.KeepExactly(i, 1 - GetAim(i));
     }
     return changed;
   }
   if (count >= 2) {
     std::ranges::copy(open, fLookedAt);
   } else if (environment.IsSingle(result)) {
-    changed |= KeepValue(environment, open[0], GetAim(open[0]));
+    changed |= environment.KeepExactly(open[0], GetAim(open[0]));
   }
   return changed;
 }
@@ -237,7 +237,7 @@ int VokTarnParityConstraint::Propagate(const VokTarnObjectEnvironment& environme
       open = i;
     }
   }
-  return open != environment.Size() ? changed | KeepValue(environment, open, missing)
+  return open != environment.Size() ? changed | environment.KeepExactly(open, missing)
          : missing != 0             ? environment.Fail()
                                     : changed;
 }

@@ -38,7 +38,7 @@ int PropagateConnective(const VokTarnObjectEnvironment& environment, Connective 
   for (unsigned i = 0; i < 3; ++i) {
     for (const bool truth : {false, true}) {
       if ((supported[i] & (truth ? 2U : 1U)) == 0) {
-        changed |= KeepTruth(environment, i, !truth);
+        changed |= environment.KeepTruth(i, !truth);
       }
     }
   }

@@ -36,12 +36,12 @@ void VokTarnConstantElementConstraint::ReadConstants() const {
 
 // Whether the constant at the place, one of 1 .. n, is a possible result.
 bool VokTarnConstantElementConstraint::IsPlace(const VokTarnObjectEnvironment& environment, std::int64_t place) const {
-  return MayBe(environment, kResult, GetConstants()[static_cast<std::size_t>(place - 1)]);
+  return environment.MayBe(kResult, GetConstants()[static_cast<std::size_t>(place - 1)]);
 }
 
 int VokTarnConstantElementConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
   ReadConstants();
-  int changed = KeepBetween(environment, kIndex, 1, static_cast<std::int64_t>(GetConstants().size()));
+  int changed = environment.KeepBetween(kIndex, 1, static_cast<std::int64_t>(GetConstants().size()));
   if (environment.IsFailed() || environment.Cardinality(kIndex) < 0) {
     return changed;
   }
@@ -61,7 +61,7 @@ int VokTarnConstantElementConstraint::NarrowIndex(const VokTarnObjectEnvironment
   if (!places.empty()) {
     fKept.clear();
     std::ranges::copy_if(places, std::back_inserter(fKept), [&](VokLong place) { return IsPlace(environment, place); });
-    return KeepListed(environment, kIndex, fKept);
+    return environment.KeepSubset(kIndex, fKept);
   }
   std::int64_t lower = environment.Lower(kIndex);
   std::int64_t upper = environment.Upper(kIndex);
@@ -71,7 +71,7 @@ int VokTarnConstantElementConstraint::NarrowIndex(const VokTarnObjectEnvironment
   while (upper > lower && !IsPlace(environment, upper)) {
     --upper;
   }
-  return KeepBetween(environment, kIndex, lower, upper);
+  return environment.KeepBetween(kIndex, lower, upper);
 }
 
 int VokTarnConstantElementConstraint::NarrowResult(const VokTarnObjectEnvironment& environment) const {
@@ -98,7 +98,7 @@ int VokTarnConstantElementConstraint::NarrowResult(const VokTarnObjectEnvironmen
     see(place);
   }
   if (!isByValue) {
-    return least > greatest ? environment.Fail() : KeepBetween(environment, kResult, fValues[least], fValues[greatest]);
+    return least > greatest ? environment.Fail() : environment.KeepBetween(kResult, fValues[least], fValues[greatest]);
   }
   fKept.clear();
   auto rank = fValues.begin();
@@ -108,5 +108,5 @@ int VokTarnConstantElementConstraint::NarrowResult(const VokTarnObjectEnvironmen
       fKept.push_back(v);
     }
   }
-  return KeepListed(environment, kResult, fKept);
+  return environment.KeepSubset(kResult, fKept);
 }

@@ -24,7 +24,7 @@ struct Numbers {
 Numbers CountFor(const VokTarnObjectEnvironment& environment, VokLong w) {
   Numbers numbers;
   for (unsigned i = kFirst; i < environment.Size(); ++i) {
-    if (environment.AreSame(i, kValue) || MayBe(environment, i, w)) {
+    if (environment.AreSame(i, kValue) || environment.MayBe(i, w)) {
       ++numbers.possible;
       numbers.certain += environment.AreSame(i, kValue) || environment.IsSingle(i) ? 1 : 0;
     }
@@ -46,9 +46,9 @@ int NarrowValue(const VokTarnObjectEnvironment& environment) {
       kept.push_back(w);
     }
   }
-  const int changed = KeepValues(environment, kValue, kept);
+  const int changed = environment.KeepListed(kValue, kept);
   return environment.IsFailed() ? changed
-                                : changed | KeepBetween(environment, kResult, extremes.certain, extremes.possible);
+                                : changed | environment.KeepBetween(kResult, extremes.certain, extremes.possible);
 }
 
 bool IsCertain(const VokTarnObjectEnvironment& environment, unsigned i) {
@@ -58,7 +58,7 @@ bool IsCertain(const VokTarnObjectEnvironment& environment, unsigned i) {
 
 bool IsOpen(const VokTarnObjectEnvironment& environment, unsigned i) {
   return !IsCertain(environment, i) &&
-         (environment.IsSingle(kValue) ? MayBe(environment, i, environment.Lower(kValue))
+         (environment.IsSingle(kValue) ? environment.MayBe(i, environment.Lower(kValue))
                                        : HaveCommonValue(environment.Integer(i), environment.Integer(kValue)));
 }
 
@@ -71,7 +71,7 @@ int NarrowMembers(const VokTarnObjectEnvironment& environment) {
     numbers.certain += isCertain ? 1 : 0;
     numbers.possible += isCertain || IsOpen(environment, i) ? 1 : 0;
   }
-  int changed = KeepBetween(environment, kResult, numbers.certain, numbers.possible);
+  int changed = environment.KeepBetween(kResult, numbers.certain, numbers.possible);
   const bool all = environment.Lower(kResult) == numbers.possible;
   if (environment.IsFailed() || numbers.certain == numbers.possible ||
       (!all && environment.Upper(kResult) != numbers.certain)) {

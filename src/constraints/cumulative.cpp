@@ -96,7 +96,7 @@ int VokTarnCumulativeConstraint::BuildProfile(const VokTarnObjectEnvironment& en
       room.fPeak = std::max(room.fPeak, demand);
     }
   }
-  return KeepBetween(environment, kCapacity, room.fPeak, SubIntBase::sMax);
+  return environment.KeepBetween(kCapacity, room.fPeak, SubIntBase::sMax);
 }
 
 // Whether some tasks up to a latest end need more energy, duration times demand, than there is from their earliest
@@ -172,7 +172,7 @@ int VokTarnCumulativeConstraint::NarrowTask(const VokTarnObjectEnvironment& envi
     for (auto segment = firstBehind(last); segment != end && segment->fBegin < sure; ++segment) {
       most = std::min(most, capacity - others(*segment));
     }
-    changed |= KeepBetween(environment, r, 0, most);
+    changed |= environment.KeepBetween(r, 0, most);
   }
   if (!mayConflict || environment.IsFailed()) {
     return changed;
@@ -184,7 +184,7 @@ int VokTarnCumulativeConstraint::NarrowTask(const VokTarnObjectEnvironment& envi
       ++segment;
     }
     if (segment != end) {
-      changed |= KeepBetween(environment, d, 0, std::max(segment->fBegin, last) - first);
+      changed |= environment.KeepBetween(d, 0, std::max(segment->fBegin, last) - first);
     }
   }
   if (duration <= 0 || environment.IsSingle(s) || environment.IsFailed()) {
@@ -203,7 +203,7 @@ int VokTarnCumulativeConstraint::NarrowTask(const VokTarnObjectEnvironment& envi
       break;
     }
   }
-  return changed | KeepBetween(environment, s, earliest, latest);
+  return changed | environment.KeepBetween(s, earliest, latest);
 }
 
 int VokTarnCumulativeConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
@@ -211,7 +211,7 @@ int VokTarnCumulativeConstraint::Propagate(const VokTarnObjectEnvironment& envir
   const unsigned n = CountTasks();
   int changed = 0;
   for (unsigned i = kFirst + n; i < kFirst + 3 * n; ++i) {
-    changed |= KeepBetween(environment, i, 0, SubIntBase::sMax);
+    changed |= environment.KeepBetween(i, 0, SubIntBase::sMax);
     if (environment.IsFailed()) {
       return changed;
     }

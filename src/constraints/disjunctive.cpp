@@ -158,7 +158,7 @@ int VokTarnDisjunctiveConstraint::NarrowStarts(const VokTarnObjectEnvironment& e
     const Task& task = room.fTasks[k];
     const std::int64_t first = isMirrored ? -room.fEnds[k] : room.fStarts[k];
     const std::int64_t last = (isMirrored ? -room.fStarts[k] : room.fEnds[k]) - task.fLength;
-    changed |= KeepBetween(environment, task.fPlace, first, last);
+    changed |= environment.KeepBetween(task.fPlace, first, last);
   }
   return changed;
 }
@@ -173,7 +173,7 @@ int VokTarnDisjunctiveConstraint::SeparatePairs(const VokTarnObjectEnvironment& 
       continue;
     }
     for (unsigned j = 0; j < n && !environment.IsFailed(); ++j) {
-      if (j == i || (!IsStrict() && (MayBe(environment, n + i, 0) || MayBe(environment, n + j, 0)))) {
+      if (j == i || (!IsStrict() && (environment.MayBe(n + i, 0) || environment.MayBe(n + j, 0)))) {
         continue;
       }
       const auto mayPrecede = [&](unsigned a, unsigned b) {
@@ -197,17 +197,17 @@ int VokTarnDisjunctiveConstraint::Precede(const VokTarnObjectEnvironment& enviro
   const std::int64_t start = environment.Lower(i);
   const std::int64_t length = environment.Lower(n + i);
   const std::int64_t end = environment.Upper(j);
-  int changed = KeepBetween(environment, j, start + length, end);
+  int changed = environment.KeepBetween(j, start + length, end);
   if (!environment.IsFailed()) {
-    changed |= KeepBetween(environment, i, start, end - length);
+    changed |= environment.KeepBetween(i, start, end - length);
   }
-  return environment.IsFailed() ? changed : changed | KeepBetween(environment, n + i, length, end - start);
+  return environment.IsFailed() ? changed : changed | environment.KeepBetween(n + i, length, end - start);
 }
 
 int VokTarnDisjunctiveConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
   int changed = 0;
   for (unsigned i = CountTasks(); i < environment.Size(); ++i) {
-    changed |= KeepBetween(environment, i, 0, SubIntBase::sMax);
+    changed |= environment.KeepBetween(i, 0, SubIntBase::sMax);
     if (environment.IsFailed()) {
       return changed;
     }

@@ -1,11 +1,33 @@
 #include "constraints/domains.h"
 
+VokTarnBits BitsFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t base) {
+  const std::int64_t last = base + static_cast<std::int64_t>(kWordBits) - 1;
+  if (environment.HasNoHoles(i)) {
+    const std::int64_t lower = std::max<std::int64_t>(environment.Lower(i), base);
+    const std::int64_t upper = std::min<std::int64_t>(environment.Upper(i), last);
+    return lower > upper ? 0 : BitRange(static_cast<unsigned>(lower - base), static_cast<unsigned>(upper - base));
+  }
+  if (const VokTarnBits bits = environment.Bits(i); bits != 0) {
+    return ShiftBits(bits, environment.Lower(i) - base);
+  }
+  VokTarnBits bits = 0;
+  ForEachValue(environment, i, base, last, [&](VokLong v) { bits |= Bit(static_cast<unsigned>(v - base)); });
+  return bits;
+}
+
 int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values) {
   if (values.empty()) {
     return 0;
   }
   if (values.size() == static_cast<std::size_t>(environment.Cardinality(i))) {
     return environment.MakeNil(i);
+  }
+  if (const VokTarnBits bits = environment.Bits(i); bits != 0) {
+    VokTarnBits kept = bits;
+    for (const VokLong v : values) {
+      kept &= ~Bit(static_cast<unsigned>(v - environment.Lower(i)));
+    }
+    return environment.KeepBits(i, environment.Lower(i), kept);
   }
   VokTarnInteger& x = environment.NarrowInteger(i);
   for (const VokLong v : values) {
@@ -24,7 +46,7 @@ std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, 
     return range.fUpper + 1;
   }
   const auto v = static_cast<VokLong>(lower);
-  if (MayBe(environment, i, v)) {
+  if (environment.MayBe(i, v)) {
     return v;
   }
   const std::int64_t next = environment.Integer(i).GetNextExactValue(v);
@@ -33,7 +55,7 @@ std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, 
 
 std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
   const auto v = static_cast<VokLong>(std::min<std::int64_t>(range.fUpper, environment.Upper(i)));
-  return MayBe(environment, i, v) ? v : environment.Integer(i).GetPrevExactValue(v);
+  return environment.MayBe(i, v) ? v : environment.Integer(i).GetPrevExactValue(v);
 }
 
 }  // namespace
@@ -54,7 +76,7 @@ int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::spa
     return environment.MakeNil(i);
   }
   const auto last = std::find_if(ranges.rbegin(), ranges.rend(), isTouched);
-  const int changed = KeepBetween(environment, i, FindFirst(environment, i, *first), FindLast(environment, i, *last));
+  const int changed = environment.KeepBetween(i, FindFirst(environment, i, *first), FindLast(environment, i, *last));
   if (environment.IsFailed() || !environment.IsListed(i)) {
     return changed;
   }

@@ -21,6 +21,21 @@ void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, std::
                   Visit visit) {
   lower = std::max<std::int64_t>(lower, environment.Lower(i));
   upper = std::min<std::int64_t>(upper, environment.Upper(i));
+  if (environment.HasNoHoles(i)) {
+    for (std::int64_t v = lower; v <= upper; ++v) {
+      visit(static_cast<VokLong>(v));
+    }
+    return;
+  }
+  if (lower > upper) {
+    return;
+  }
+  if (const VokTarnBits bits = environment.Bits(i); bits != 0) {
+    const std::int64_t base = environment.Lower(i);
+    ForEachBit(bits & BitRange(static_cast<unsigned>(lower - base), static_cast<unsigned>(upper - base)),
+               [&](unsigned bit) { visit(static_cast<VokLong>(base + bit)); });
+    return;
+  }
   const std::span<const VokLong> members = environment.Members(i);
   if (!members.empty()) {
     for (auto v = std::lower_bound(members.begin(), members.end(), lower); v != members.end() && *v <= upper; ++v) {
@@ -28,13 +43,15 @@ void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, std::
     }
     return;
   }
-  const bool isWhole = HasNoHoles(environment, i);
   for (std::int64_t v = lower; v <= upper; ++v) {
-    if (isWhole || environment.Integer(i).IsPossible(static_cast<VokLong>(v))) {
+    if (environment.MayBe(i, v)) {
       visit(static_cast<VokLong>(v));
     }
   }
 }
+
+// The possible values of argument i from `base` to base + 63, a bit for each.
+VokTarnBits BitsFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t base);
 
 // Takes away the values, which are possible values of argument i, a type that lists them.
 int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values);
@@ -44,9 +61,16 @@ int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::s
 template <class Keep>
 int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t lower, std::int64_t upper,
               Keep keep) {
-  int changed = KeepBetween(environment, i, lower, upper);
+  int changed = environment.KeepBetween(i, lower, upper);
   if (environment.IsFailed() || environment.Cardinality(i) < 0) {
     return changed;
+  }
+  if (const VokTarnBits bits = environment.Bits(i); bits != 0) {
+    const std::int64_t base = environment.Lower(i);
+    VokTarnBits kept = bits;
+    ForEachBit(bits,
+               [&](unsigned bit) { kept &= keep(static_cast<VokLong>(base + bit)) ? ~VokTarnBits{0} : ~Bit(bit); });
+    return kept == bits ? changed : changed | environment.KeepBits(i, base, kept);
   }
   if (environment.IsListed(i)) {
     VokTarnScratchValues kept;
@@ -55,7 +79,7 @@ int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int6
         kept.Add(v);
       }
     }
-    return changed | KeepListed(environment, i, kept.Get());
+    return changed | environment.KeepSubset(i, kept.Get());
   }
   VokTarnScratchValues removed;
   std::int64_t first = 1;
@@ -74,10 +98,10 @@ int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int6
   if (first > last) {
     return environment.MakeNil(i);
   }
-  changed |= KeepBetween(environment, i, first, last);
-  if (!environment.IsSingle(i) && !IsInterval(environment.Integer(i))) {
+  changed |= environment.KeepBetween(i, first, last);
+  if (!environment.IsSingle(i) && !environment.IsRange(i)) {
     for (const VokLong v : removed.Get()) {
-      changed |= RemoveValue(environment, i, v);
+      changed |= environment.Remove(i, v);
     }
   }
   return changed;

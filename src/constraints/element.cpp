@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "constraints/VokTarnElementConstraint.h"
-#include "constraints/narrowing.h"
+#include "constraints/domains.h"
 #include "numbers/SubIntBase.h"
 
 VOKTARN_CONSTRAINT_STATICS(VokTarnElementConstraint)
@@ -16,10 +16,6 @@ constexpr unsigned kBeforeFirst = 1;  // place p stands at argument kBeforeFirst
 // Domains beyond this size are narrowed by their bounds.
 constexpr int kMostListed = 16384;
 
-const VokTarnInteger& Member(const VokTarnObjectEnvironment& environment, VokLong place) {
-  return environment.Integer(kBeforeFirst + static_cast<unsigned>(place));
-}
-
 unsigned Place(VokLong place) {
   return kBeforeFirst + static_cast<unsigned>(place);
 }
@@ -29,7 +25,7 @@ bool CanBeEqual(const VokTarnObjectEnvironment& environment, unsigned i, unsigne
     return false;
   }
   // Types that have holes but list nothing are asked value by value.
-  const auto isClear = [&](unsigned k) { return environment.IsListed(k) || HasNoHoles(environment, k); };
+  const auto isClear = [&](unsigned k) { return environment.IsListed(k) || environment.HasNoHoles(k); };
   return (isClear(i) && isClear(j)) || HaveCommonValue(environment.Integer(i), environment.Integer(j));
 }
 
@@ -41,25 +37,12 @@ void FindPlaces(const VokTarnObjectEnvironment& environment, std::vector<VokLong
       places.push_back(place);
     }
   };
-  const std::span<const VokLong> members = environment.Members(kIndex);
-  for (const VokLong place : members) {
-    if (place >= 1 && place < static_cast<std::int64_t>(environment.Size()) - kBeforeFirst) {
-      see(place);
-    }
-  }
-  if (members.empty()) {
-    const std::int64_t last = std::min<std::int64_t>(environment.Upper(kIndex), environment.Size() - kBeforeFirst - 1);
-    for (VokLong place = std::max(environment.Lower(kIndex), 1); place <= last; ++place) {
-      if (environment.Integer(kIndex).IsPossible(place)) {
-        see(place);
-      }
-    }
-  }
+  ForEachValue(environment, kIndex, 1, std::int64_t{environment.Size()} - kBeforeFirst - 1, see);
 }
 
 // The least possible value of a member from v on, the greatest up to v. Require: there is one.
 VokLong FirstFrom(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
-  if (v <= environment.Lower(i) || HasNoHoles(environment, i)) {
+  if (v <= environment.Lower(i) || environment.HasNoHoles(i)) {
     return std::max(v, environment.Lower(i));
   }
   const VokTarnInteger& x = environment.Integer(i);
@@ -67,7 +50,7 @@ VokLong FirstFrom(const VokTarnObjectEnvironment& environment, unsigned i, VokLo
 }
 
 VokLong LastUpTo(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
-  if (v >= environment.Upper(i) || HasNoHoles(environment, i)) {
+  if (v >= environment.Upper(i) || environment.HasNoHoles(i)) {
     return std::min(v, environment.Upper(i));
   }
   const VokTarnInteger& x = environment.Integer(i);
@@ -81,57 +64,59 @@ int KeepBoundsOfMembers(const VokTarnObjectEnvironment& environment, const std::
     lower = std::min(lower, FirstFrom(environment, Place(place), environment.Lower(kResult)));
     upper = std::max(upper, LastUpTo(environment, Place(place), environment.Upper(kResult)));
   }
-  return KeepBetween(environment, kResult, lower, upper);
+  return environment.KeepBetween(kResult, lower, upper);
 }
 
 // The result, which is undefined, takes the values of all members over.
 int TakeValuesOfMembers(const VokTarnObjectEnvironment& environment, const std::vector<VokLong>& places) {
   std::vector<VokLong> values;
   for (const VokLong place : places) {
-    const int cardinality = Member(environment, place).GetCardinality();
+    const int cardinality = environment.Cardinality(Place(place));
     if (cardinality < 0 || cardinality > kMostListed - static_cast<int>(values.size())) {
       return 0;
     }
-    const std::vector<VokLong> more = ListValues(Member(environment, place));
+    const std::vector<VokLong> more = ListValues(environment.Integer(Place(place)));
     values.insert(values.end(), more.begin(), more.end());
   }
   std::sort(values.begin(), values.end());
   values.erase(std::unique(values.begin(), values.end()), values.end());
-  return KeepValues(environment, kResult, values);
+  return environment.KeepListed(kResult, values);
 }
 
 int RemoveValuesOfNoMember(const VokTarnObjectEnvironment& environment, const std::vector<VokLong>& places) {
   // A member that has every value between the bounds of the result, as most have, leaves nothing to be done.
   for (const VokLong place : places) {
     const unsigned i = Place(place);
-    if (HasNoHoles(environment, i) && environment.Lower(i) <= environment.Lower(kResult) &&
+    if (environment.HasNoHoles(i) && environment.Lower(i) <= environment.Lower(kResult) &&
         environment.Upper(i) >= environment.Upper(kResult)) {
       return 0;
     }
   }
+  if (const VokTarnBits bits = environment.Bits(kResult); bits != 0) {
+    VokTarnBits missing = bits;
+    for (auto place = places.begin(); place != places.end() && missing != 0; ++place) {
+      missing &= ~BitsFrom(environment, Place(*place), environment.Lower(kResult));
+    }
+    return missing == 0 ? 0 : environment.KeepBits(kResult, environment.Lower(kResult), bits & ~missing);
+  }
   std::vector<VokLong> missing = ListValues(environment.Integer(kResult));
   for (auto place = places.begin(); place != places.end() && !missing.empty(); ++place) {
-    const unsigned i = Place(*place);
-    const bool isClear = environment.IsListed(i) || HasNoHoles(environment, i);
-    std::erase_if(missing, [&](VokLong v) {
-      return MayBe(environment, i, v) && (isClear || environment.Integer(i).IsPossible(v));
-    });
+    std::erase_if(missing, [&](VokLong v) { return environment.MayBe(Place(*place), v); });
   }
   int changed = 0;
   for (const VokLong v : missing) {
-    changed |= RemoveValue(environment, kResult, v);
+    changed |= environment.Remove(kResult, v);
   }
   return changed;
 }
 
 int NarrowResult(const VokTarnObjectEnvironment& environment, const std::vector<VokLong>& places) {
-  const VokTarnInteger& result = environment.Integer(kResult);
   const int changed = KeepBoundsOfMembers(environment, places);
-  if (environment.IsFailed() || IsInterval(result) || result.GetCardinality() > kMostListed) {
+  if (environment.IsFailed() || environment.IsRange(kResult) || environment.Cardinality(kResult) > kMostListed) {
     return changed;
   }
-  return changed | (result.IsUndefined() != 0 ? TakeValuesOfMembers(environment, places)
-                                              : RemoveValuesOfNoMember(environment, places));
+  return changed | (environment.Cardinality(kResult) < 0 ? TakeValuesOfMembers(environment, places)
+                                                         : RemoveValuesOfNoMember(environment, places));
 }
 
 }  // namespace
@@ -150,7 +135,7 @@ int VokTarnElementConstraint::Propagate(const VokTarnObjectEnvironment& environm
   std::vector<VokLong>& places = fPlaces;
   FindPlaces(environment, places);
   const int changed =
-      environment.IsListed(kIndex) ? KeepListed(environment, kIndex, places) : KeepValues(environment, kIndex, places);
+      environment.IsListed(kIndex) ? environment.KeepSubset(kIndex, places) : environment.KeepListed(kIndex, places);
   if (environment.IsFailed()) {
     return changed;
   }

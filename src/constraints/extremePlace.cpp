@@ -35,12 +35,12 @@ int VokTarnExtremePlaceConstraint::Propagate(const VokTarnObjectEnvironment& env
   const auto lower = [&](unsigned i) { return std::int64_t{greatest ? environment.Lower(i) : -environment.Upper(i)}; };
   const auto upper = [&](unsigned i) { return std::int64_t{greatest ? environment.Upper(i) : -environment.Lower(i)}; };
   const auto keepAtMost = [&](unsigned i, std::int64_t limit) {
-    return greatest ? KeepBetween(environment, i, environment.Lower(i), limit)
-                    : KeepBetween(environment, i, -limit, environment.Upper(i));
+    return greatest ? environment.KeepBetween(i, environment.Lower(i), limit)
+                    : environment.KeepBetween(i, -limit, environment.Upper(i));
   };
   const auto keepAtLeast = [&](unsigned i, std::int64_t limit) {
-    return greatest ? KeepBetween(environment, i, limit, environment.Upper(i))
-                    : KeepBetween(environment, i, environment.Lower(i), -limit);
+    return greatest ? environment.KeepBetween(i, limit, environment.Upper(i))
+                    : environment.KeepBetween(i, environment.Lower(i), -limit);
   };
   if (size == kFirst) {
     return environment.Fail();
@@ -66,7 +66,7 @@ int VokTarnExtremePlaceConstraint::Propagate(const VokTarnObjectEnvironment& env
     return changed;
   }
   // What the value of a place may be at most: the best of the earlier candidates, and less than the best of the later.
-  const auto isCandidate = [&](unsigned i) { return MayBe(environment, kResult, base + i) && upper(i) >= needed[i]; };
+  const auto isCandidate = [&](unsigned i) { return environment.MayBe(kResult, base + i) && upper(i) >= needed[i]; };
   thread_local std::vector<std::int64_t> limits;
   limits.assign(size, kNothing);
   std::int64_t best = kNothing;

@@ -23,10 +23,10 @@ class View {
     return fIsGreatest ? fEnvironment.Upper(i) : -std::int64_t{fEnvironment.Lower(i)};
   }
   int KeepAtLeast(unsigned i, std::int64_t limit) const {
-    return fIsGreatest ? KeepFrom(fEnvironment, i, limit) : KeepUpTo(fEnvironment, i, -limit);
+    return fIsGreatest ? fEnvironment.KeepAtLeast(i, limit) : fEnvironment.KeepAtMost(i, -limit);
   }
   int KeepAtMost(unsigned i, std::int64_t limit) const {
-    return fIsGreatest ? KeepUpTo(fEnvironment, i, limit) : KeepFrom(fEnvironment, i, -limit);
+    return fIsGreatest ? fEnvironment.KeepAtMost(i, limit) : fEnvironment.KeepAtLeast(i, -limit);
   }
 
  private:

@@ -94,7 +94,7 @@ void VokTarnGlobalCardinalityConstraint::ForEachPlace(const VokTarnObjectEnviron
   }
   const auto first = std::lower_bound(fCover.begin(), fCover.end(), environment.Lower(i));
   for (auto v = first; v != fCover.end() && *v <= environment.Upper(i); ++v) {
-    if (MayBe(environment, i, *v)) {
+    if (environment.MayBe(i, *v)) {
       visit(static_cast<std::size_t>(v - fCover.begin()));
     }
   }
@@ -147,14 +147,14 @@ int VokTarnGlobalCardinalityConstraint::NarrowMembers(const VokTarnObjectEnviron
       continue;
     }
     for (std::size_t place = 0; someDue && place < slots.size(); ++place) {
-      if (isDue(slots[place]) && MayBe(environment, i, fCover[place])) {
-        changed |= KeepBetween(environment, i, fCover[place], fCover[place]);
+      if (isDue(slots[place]) && environment.MayBe(i, fCover[place])) {
+        changed |= environment.KeepBetween(i, fCover[place], fCover[place]);
         break;
       }
     }
     for (std::size_t place = 0; someFull && place < slots.size() && !environment.IsFailed(); ++place) {
       if (isFull(slots[place])) {
-        changed |= RemoveValue(environment, i, fCover[place]);
+        changed |= environment.Remove(i, fCover[place]);
       }
     }
   }
@@ -184,7 +184,7 @@ int VokTarnGlobalCardinalityConstraint::Propagate(const VokTarnObjectEnvironment
   }
   CountValues(environment, slots);
   for (unsigned j = 0; j < CountArguments(); ++j) {
-    changed |= KeepBetween(environment, j, slots[fSlots[j]].fLower, slots[fSlots[j]].fUpper);
+    changed |= environment.KeepBetween(j, slots[fSlots[j]].fLower, slots[fSlots[j]].fUpper);
     if (environment.IsFailed()) {
       return changed;
     }

@@ -160,5 +160,5 @@ int VokTarnLinearConstraint::NarrowTerm(const VokTarnObjectEnvironment& environm
   if (c == 0) {
     return environment.Fail();
   }
-  return KeepBetween(environment, i, DivideUp(c > 0 ? lower : upper, c), DivideDown(c > 0 ? upper : lower, c));
+  return environment.KeepBetween(i, DivideUp(c > 0 ? lower : upper, c), DivideDown(c > 0 ? upper : lower, c));
 }

@@ -119,7 +119,7 @@ Decision VokTarnLinearRelationConstraint::Pass<Wide>::Decide(VokTarnRelation rel
   }
   unsigned open = 0;
   Wide value = 0;
-  if (IsLast(open) && !(Solve(open, value) && MayBe(fEnvironment, open, static_cast<std::int64_t>(value)))) {
+  if (IsLast(open) && !(Solve(open, value) && fEnvironment.MayBe(open, static_cast<std::int64_t>(value)))) {
     return differs;
   }
   return Decision::Unknown;
@@ -139,13 +139,13 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::NarrowTerm(unsigned i, Wide abo
   const Wide greatest = c > 0 ? fEnvironment.Upper(i) : fEnvironment.Lower(i);
   if (width > above) {
     const Wide steps = DivideDown(above, magnitude);
-    changed |= c > 0 ? KeepUpTo(fEnvironment, i, Clamp<Wide>(least + steps))
-                     : KeepFrom(fEnvironment, i, Clamp<Wide>(least - steps));
+    changed |= c > 0 ? fEnvironment.KeepAtMost(i, Clamp<Wide>(least + steps))
+                     : fEnvironment.KeepAtLeast(i, Clamp<Wide>(least - steps));
   }
   if (width > below && !fEnvironment.IsFailed()) {
     const Wide steps = DivideDown(below, magnitude);
-    changed |= c > 0 ? KeepFrom(fEnvironment, i, Clamp<Wide>(greatest - steps))
-                     : KeepUpTo(fEnvironment, i, Clamp<Wide>(greatest + steps));
+    changed |= c > 0 ? fEnvironment.KeepAtLeast(i, Clamp<Wide>(greatest - steps))
+                     : fEnvironment.KeepAtMost(i, Clamp<Wide>(greatest + steps));
   }
   return changed;
 }
@@ -228,7 +228,7 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepNonZero() {
   }
   unsigned open = 0;
   Wide value = 0;
-  return IsLast(open) && Solve(open, value) ? RemoveValue(fEnvironment, open, static_cast<VokLong>(value)) : 0;
+  return IsLast(open) && Solve(open, value) ? fEnvironment.Remove(open, static_cast<VokLong>(value)) : 0;
 }
 
 template <class Wide>
@@ -349,7 +349,7 @@ int VokTarnLinearRelationConstraint::PropagateIn(const VokTarnObjectEnvironment&
   const Decision decision = Pass<Wide>(environment, GetStatement()).Decide(relation);
   if (decision == Decision::Fails || (decision == Decision::Holds && mode == VokTarnMode::Reified)) {
     environment.NoteEntailed();
-    return KeepValue(environment, truth, decision == Decision::Holds ? 1 : 0);
+    return environment.KeepExactly(truth, decision == Decision::Holds ? 1 : 0);
   }
-  return KeepBetween(environment, truth, 0, 1);
+  return environment.KeepBetween(truth, 0, 1);
 }

@@ -82,7 +82,7 @@ int VokTarnMembershipConstraint::Propagate(const VokTarnObjectEnvironment& envir
   bool canHold = range != GetRanges() && GetLower(range) <= upper;
   bool canFail = !canHold || GetLower(range) > lower || GetUpper(range) < upper;
   const std::span<const VokLong> members = environment.Members(kX);
-  if (canHold && canFail && !members.empty() && !HasNoHoles(environment, kX)) {
+  if (canHold && canFail && !members.empty() && !environment.HasNoHoles(kX)) {
     const auto has = [this](VokLong v) { return Has(v); };
     canHold = GetRanges() == 1 && GetLower(0) == GetUpper(0) ? std::ranges::binary_search(members, GetLower(0))
                                                              : std::ranges::any_of(members, has);
@@ -90,9 +90,9 @@ int VokTarnMembershipConstraint::Propagate(const VokTarnObjectEnvironment& envir
   }
   if (!canHold || (!canFail && mode == VokTarnMode::Reified)) {
     environment.NoteEntailed();
-    return KeepValue(environment, kTruth, canHold ? 1 : 0);
+    return environment.KeepExactly(kTruth, canHold ? 1 : 0);
   }
-  return KeepBetween(environment, kTruth, 0, 1);
+  return environment.KeepBetween(kTruth, 0, 1);
 }
 
 int VokTarnMembershipConstraint::KeepInside(const VokTarnObjectEnvironment& environment) const {
@@ -114,8 +114,8 @@ int VokTarnMembershipConstraint::KeepInside(const VokTarnObjectEnvironment& envi
       }
       --last;
     }
-    narrowed = KeepFrom(environment, kX, GetLower(first));
-    narrowed |= environment.IsFailed() ? 0 : KeepUpTo(environment, kX, GetUpper(last));
+    narrowed = environment.KeepAtLeast(kX, GetLower(first));
+    narrowed |= environment.IsFailed() ? 0 : environment.KeepAtMost(kX, GetUpper(last));
     changed |= narrowed;
     if (environment.IsFailed() || environment.Cardinality(kX) < 0) {
       return changed;
@@ -131,7 +131,7 @@ int VokTarnMembershipConstraint::KeepInside(const VokTarnObjectEnvironment& envi
     kept.clear();
     std::ranges::copy_if(members, std::back_inserter(kept), [this](VokLong v) { return Has(v); });
     environment.NoteEntailed();
-    return changed | KeepListed(environment, kX, kept);
+    return changed | environment.KeepSubset(kX, kept);
   }
   environment.NoteFixpoint();
   return changed;
@@ -145,27 +145,27 @@ int VokTarnMembershipConstraint::KeepOutside(const VokTarnObjectEnvironment& env
     environment.NoteEntailed();
   }
   if (GetRanges() == 1 && GetLower(0) == GetUpper(0)) {
-    return RemoveValue(environment, kX, GetLower(0));
+    return environment.Remove(kX, GetLower(0));
   }
   if (!members.empty()) {
     static thread_local std::vector<VokLong> kept;
     kept.clear();
     std::ranges::copy_if(members, std::back_inserter(kept), [this](VokLong v) { return !Has(v); });
-    return KeepListed(environment, kX, kept);
+    return environment.KeepSubset(kX, kept);
   }
   // Ranges that the bounds of an interval stand in; those behind have a gap before them.
   for (int narrowed = 1; narrowed != 0 && !environment.IsFailed(); changed |= narrowed) {
     narrowed = 0;
     const std::size_t first = FindRange(environment.Lower(kX));
     if (first != GetRanges() && GetLower(first) <= environment.Lower(kX)) {
-      narrowed = KeepFrom(environment, kX, std::int64_t{GetUpper(first)} + 1);
+      narrowed = environment.KeepAtLeast(kX, std::int64_t{GetUpper(first)} + 1);
     }
     if (environment.IsFailed()) {
       return 1;
     }
     const std::size_t last = FindRange(environment.Upper(kX));
     if (last != GetRanges() && GetLower(last) <= environment.Upper(kX)) {
-      narrowed |= KeepUpTo(environment, kX, std::int64_t{GetLower(last)} - 1);
+      narrowed |= environment.KeepAtMost(kX, std::int64_t{GetLower(last)} - 1);
     }
   }
   return changed;

@@ -28,7 +28,7 @@ int Precede(const VokTarnObjectEnvironment& environment, Side a, Side b) {
   int changed = 0;
   const auto keep = [&](unsigned i, std::int64_t lower, std::int64_t upper) {
     if (!environment.IsFailed()) {
-      changed |= KeepBetween(environment, i, lower, upper);
+      changed |= environment.KeepBetween(i, lower, upper);
     }
   };
   keep(b.fStart, Lower(environment, a.fStart) + Lower(environment, a.fSize), Upper(environment, b.fStart));
@@ -44,8 +44,8 @@ int LeaveOverlap(const VokTarnObjectEnvironment& environment, Side a, Side b) {
   const std::int64_t upper = Upper(environment, a.fStart);
   const std::int64_t before = Upper(environment, b.fStart) - Lower(environment, a.fSize);  // up to here a may precede
   const std::int64_t after = Lower(environment, b.fStart) + Lower(environment, b.fSize);   // from here on it may follow
-  return KeepBetween(environment, a.fStart, lower > before ? std::max(lower, after) : lower,
-                     upper < after ? std::min(upper, before) : upper);
+  return environment.KeepBetween(a.fStart, lower > before ? std::max(lower, after) : lower,
+                                 upper < after ? std::min(upper, before) : upper);
 }
 
 }  // namespace
@@ -90,7 +90,7 @@ int VokTarnNonOverlapConstraint::Separate(const VokTarnObjectEnvironment& enviro
   }
   if (!IsStrict()) {
     for (const unsigned size : {2 * n + i, 2 * n + j, 3 * n + i, 3 * n + j}) {
-      if (MayBe(environment, size, 0)) {
+      if (environment.MayBe(size, 0)) {
         return 0;
       }
     }

@@ -82,7 +82,7 @@ int VokTarnNumberOfValuesConstraint::Propagate(const VokTarnObjectEnvironment& e
             [](const VokTarnNumberRange& a, const VokTarnNumberRange& b) { return a.fLower < b.fLower; });
   known.erase(std::unique(known.begin(), known.end(), isEqual), known.end());
   const auto certain = static_cast<std::int64_t>(known.size());
-  int changed = KeepBetween(environment, kResult, least, CountPossible(environment, certain + open));
+  int changed = environment.KeepBetween(kResult, least, CountPossible(environment, certain + open));
   const bool onlyKnown = environment.Upper(kResult) == certain;
   if (environment.IsFailed() || open == 0 || (!onlyKnown && environment.Lower(kResult) != certain + open)) {
     return changed;
@@ -96,7 +96,7 @@ int VokTarnNumberOfValuesConstraint::Propagate(const VokTarnObjectEnvironment& e
       continue;
     }
     for (const VokTarnNumberRange& value : known) {
-      changed |= RemoveValue(environment, i, static_cast<VokLong>(value.fLower));
+      changed |= environment.Remove(i, static_cast<VokLong>(value.fLower));
     }
   }
   return changed;

@@ -81,28 +81,28 @@ int VokTarnOffsetRelationConstraint::Propagate(const VokTarnObjectEnvironment& e
   }
   if (!canHold || (!canFail && mode == VokTarnMode::Reified)) {
     environment.NoteEntailed();
-    return KeepValue(environment, kTruth, canHold ? 1 : 0);
+    return environment.KeepExactly(kTruth, canHold ? 1 : 0);
   }
-  return KeepBetween(environment, kTruth, 0, 1);
+  return environment.KeepBetween(kTruth, 0, 1);
 }
 
 bool VokTarnOffsetRelationConstraint::CanBeEqual(const VokTarnObjectEnvironment& environment) const {
   if (environment.IsSingle(kX)) {
-    return MayBe(environment, kY, FromFirst(environment.Lower(kX)));
+    return environment.MayBe(kY, FromFirst(environment.Lower(kX)));
   }
   if (environment.IsSingle(kY)) {
-    return MayBe(environment, kX, FromSecond(environment.Lower(kY)));
+    return environment.MayBe(kX, FromSecond(environment.Lower(kY)));
   }
   const auto [lower, upper] = std::minmax({FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY))});
   if (environment.Upper(kX) < lower || environment.Lower(kX) > upper) {
     return false;
   }
-  if (HasNoHoles(environment, kX) && HasNoHoles(environment, kY)) {
+  if (environment.HasNoHoles(kX) && environment.HasNoHoles(kY)) {
     return true;
   }
   const std::span<const VokLong> xs = environment.Members(kX);
-  const auto isPartner = [&](VokLong x) { return MayBe(environment, kY, FromFirst(x)); };
-  const auto isOpposite = [&](VokLong y) { return MayBe(environment, kX, FromSecond(y)); };
+  const auto isPartner = [&](VokLong x) { return environment.MayBe(kY, FromFirst(x)); };
+  const auto isOpposite = [&](VokLong y) { return environment.MayBe(kX, FromSecond(y)); };
   return !xs.empty() ? std::ranges::any_of(xs, isPartner)
                      : environment.Members(kY).empty() || std::ranges::any_of(environment.Members(kY), isOpposite);
 }
@@ -119,7 +119,7 @@ int VokTarnOffsetRelationConstraint::KeepDifferent(const VokTarnObjectEnvironmen
   int changed = 0;
   const auto remove = [&](unsigned i, std::int64_t v) {
     const bool isInside = v >= environment.Lower(i) && v <= environment.Upper(i);
-    const int removed = isInside ? RemoveValue(environment, i, static_cast<VokLong>(v)) : 0;
+    const int removed = isInside ? environment.Remove(i, static_cast<VokLong>(v)) : 0;
     // An interval keeps a value inside.
     if (environment.IsListed(i) || v < environment.Lower(i) || v > environment.Upper(i)) {
       environment.NoteEntailed();
@@ -140,7 +140,7 @@ int VokTarnOffsetRelationConstraint::KeepAtMostSecond(const VokTarnObjectEnviron
   const auto far = [&](bool isUpper) { return isUpper ? environment.Upper(kY) : environment.Lower(kY); };
   const std::int64_t one = isNegated ? 1 : 0;
   const std::int64_t limit = FromSecond(far(isNegated == IsMirrored())) + one;
-  int changed = isNegated ? KeepFrom(environment, kX, limit) : KeepUpTo(environment, kX, limit);
+  int changed = isNegated ? environment.KeepAtLeast(kX, limit) : environment.KeepAtMost(kX, limit);
   if (environment.IsFailed()) {
     return changed;
   }
@@ -150,7 +150,7 @@ int VokTarnOffsetRelationConstraint::KeepAtMostSecond(const VokTarnObjectEnviron
     return changed;
   }
   const std::int64_t end = FromFirst(std::int64_t{isNegated ? environment.Upper(kX) : environment.Lower(kX)} - one);
-  changed |= isNegated == IsMirrored() ? KeepFrom(environment, kY, end) : KeepUpTo(environment, kY, end);
+  changed |= isNegated == IsMirrored() ? environment.KeepAtLeast(kY, end) : environment.KeepAtMost(kY, end);
   if (!environment.AreSame(kX, kY)) {
     environment.NoteFixpoint();
   }
@@ -159,10 +159,10 @@ int VokTarnOffsetRelationConstraint::KeepAtMostSecond(const VokTarnObjectEnviron
 
 int VokTarnOffsetRelationConstraint::KeepEqualSides(const VokTarnObjectEnvironment& environment) const {
   if (environment.IsSingle(kX)) {
-    return KeepValue(environment, kY, FromFirst(environment.Lower(kX)));
+    return environment.KeepExactly(kY, FromFirst(environment.Lower(kX)));
   }
   if (environment.IsSingle(kY)) {
-    return KeepValue(environment, kX, FromSecond(environment.Lower(kY)));
+    return environment.KeepExactly(kX, FromSecond(environment.Lower(kY)));
   }
   const int changed = KeepEqualBounds(environment);
   return environment.IsFailed() || environment.AreSame(kX, kY) || !environment.IsListed(kX) || !environment.IsListed(kY)
@@ -174,14 +174,14 @@ int VokTarnOffsetRelationConstraint::KeepEqualBounds(const VokTarnObjectEnvironm
   int changed = 0;
   for (int narrowed = 1; narrowed != 0 && !environment.IsFailed();) {
     const auto [lower, upper] = std::minmax({FromSecond(environment.Lower(kY)), FromSecond(environment.Upper(kY))});
-    narrowed = KeepFrom(environment, kX, lower);
-    narrowed |= environment.IsFailed() ? 0 : KeepUpTo(environment, kX, upper);
+    narrowed = environment.KeepAtLeast(kX, lower);
+    narrowed |= environment.IsFailed() ? 0 : environment.KeepAtMost(kX, upper);
     if (environment.IsFailed()) {
       return 1;
     }
     const auto [least, greatest] = std::minmax({FromFirst(environment.Lower(kX)), FromFirst(environment.Upper(kX))});
-    narrowed |= KeepFrom(environment, kY, least);
-    narrowed |= environment.IsFailed() ? 0 : KeepUpTo(environment, kY, greatest);
+    narrowed |= environment.KeepAtLeast(kY, least);
+    narrowed |= environment.IsFailed() ? 0 : environment.KeepAtMost(kY, greatest);
     changed |= narrowed;
     if (environment.AreSame(kX, kY)) {
       break;
@@ -193,7 +193,7 @@ int VokTarnOffsetRelationConstraint::KeepEqualBounds(const VokTarnObjectEnvironm
 // Both are listed, with bounds that agree.
 int VokTarnOffsetRelationConstraint::KeepCommonValues(const VokTarnObjectEnvironment& environment) const {
   environment.NoteFixpoint();
-  if (HasNoHoles(environment, kX) && HasNoHoles(environment, kY)) {
+  if (environment.HasNoHoles(kX) && environment.HasNoHoles(kY)) {
     return 0;
   }
   VokTarnScratchValues common;  // values of x
@@ -209,7 +209,7 @@ int VokTarnOffsetRelationConstraint::KeepCommonValues(const VokTarnObjectEnviron
       common.Add(x);
     }
   }
-  const int changed = KeepListed(environment, kX, common.Get());
+  const int changed = environment.KeepSubset(kX, common.Get());
   if (environment.IsFailed() || common.Size() == ys.size()) {
     return changed;
   }
@@ -217,5 +217,5 @@ int VokTarnOffsetRelationConstraint::KeepCommonValues(const VokTarnObjectEnviron
   for (std::size_t k = 0; k < common.Size(); ++k) {
     images.Add(static_cast<VokLong>(FromFirst(common.Get()[IsMirrored() ? common.Size() - 1 - k : k])));
   }
-  return changed | KeepListed(environment, kY, images.Get());
+  return changed | environment.KeepSubset(kY, images.Get());
 }

@@ -2,8 +2,8 @@
 #include <bit>
 #include <functional>
 
+#include "base/bits.h"
 #include "constraints/VokTarnRegularConstraint.h"
-#include "constraints/bitWords.h"
 #include "constraints/domains.h"
 
 VOKTARN_CONSTRAINT_STATICS(VokTarnRegularConstraint)
@@ -121,7 +121,7 @@ bool VokTarnRegularConstraint::IsSatisfied(const VokTarnObjectEnvironment& envir
 // Notes the possible letters of argument i.
 void VokTarnRegularConstraint::ReadLetters(const VokTarnObjectEnvironment& environment, unsigned i) const {
   std::fill_n(fNow.begin(), fLetterWords, Bits{0});
-  if (fLetterWords == 1 && HasNoHoles(environment, i)) {
+  if (fLetterWords == 1 && environment.HasNoHoles(i)) {
     fNow[0] = (~Bits{0} >> (kWordBits - 1 - static_cast<unsigned>(environment.Upper(i)))) &
               (~Bits{0} << static_cast<unsigned>(environment.Lower(i)));
   } else {
@@ -208,7 +208,7 @@ int VokTarnRegularConstraint::Propagate(const VokTarnObjectEnvironment& environm
   const VokLong letters = GetConstants()[kLetters];
   int changed = 0;
   for (unsigned i = 0; i < n; ++i) {
-    changed |= KeepBetween(environment, i, 1, letters);
+    changed |= environment.KeepBetween(i, 1, letters);
     if (environment.IsFailed()) {
       return changed;
     }

@@ -40,10 +40,10 @@ int VokTarnSortConstraint::Propagate(const VokTarnObjectEnvironment& environment
   int changed = 0;
   for (unsigned k = 0; k < n && !environment.IsFailed(); ++k) {
     const VokLong least = k == 0 ? lowers[k] : std::max(lowers[k], environment.Lower(n + k - 1));
-    changed |= KeepBetween(environment, n + k, least, uppers[k]);
+    changed |= environment.KeepBetween(n + k, least, uppers[k]);
   }
   for (unsigned k = n; k-- > 1 && !environment.IsFailed();) {
-    changed |= KeepBetween(environment, n + k - 1, environment.Lower(n + k - 1), environment.Upper(n + k));
+    changed |= environment.KeepBetween(n + k - 1, environment.Lower(n + k - 1), environment.Upper(n + k));
   }
   for (unsigned i = 0; i < n && !environment.IsFailed(); ++i) {
     VokLong least = SubIntBase::sMax;
@@ -54,7 +54,7 @@ int VokTarnSortConstraint::Propagate(const VokTarnObjectEnvironment& environment
         greatest = std::max(greatest, environment.Upper(n + k));
       }
     }
-    changed |= KeepBetween(environment, i, least, greatest);
+    changed |= environment.KeepBetween(i, least, greatest);
   }
   return changed;
 }

@@ -2,8 +2,8 @@
 #include <bit>
 #include <numeric>
 
+#include "base/bits.h"
 #include "constraints/VokTarnTableConstraint.h"
-#include "constraints/bitWords.h"
 #include "constraints/domains.h"
 #include "numbers/SubIntBase.h"
 
@@ -133,7 +133,7 @@ std::size_t VokTarnTableConstraint::ReadDomain(const VokTarnObjectEnvironment& e
   const std::int64_t lower = std::max<std::int64_t>(environment.Lower(i), first);
   const std::int64_t upper = std::min<std::int64_t>(environment.Upper(i), values.back().fNumber);
   const std::span<const VokLong> members = environment.Members(i);
-  if (column.fIsWhole && HasNoHoles(environment, i)) {
+  if (column.fIsWhole && environment.HasNoHoles(i)) {
     if (lower > upper) {
       return 0;
     }
@@ -150,7 +150,7 @@ std::size_t VokTarnTableConstraint::ReadDomain(const VokTarnObjectEnvironment& e
     }
     return count;
   }
-  const bool isWhole = HasNoHoles(environment, i);
+  const bool isWhole = environment.HasNoHoles(i);
   auto member = members.begin();
   for (std::size_t place = 0; place < column.fCount; ++place) {
     const VokLong number = values[place].fNumber;
@@ -302,7 +302,7 @@ int VokTarnTableConstraint::KeepSupported(const VokTarnObjectEnvironment& enviro
       kept.Add(fValues[column.fFirst + place].fNumber);
     }
   }
-  return environment.IsListed(i) ? KeepListed(environment, i, kept.Get()) : KeepValues(environment, i, kept.Get());
+  return environment.IsListed(i) ? environment.KeepSubset(i, kept.Get()) : environment.KeepListed(i, kept.Get());
 }
 
 int VokTarnTableConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {

@@ -51,7 +51,7 @@ int PropagateOrder(const VokTarnObjectEnvironment& environment, int gap) {
       break;
   }
   const Verdict verdict = DecideOrder(environment, gap);
-  return verdict == Verdict::Open ? 0 : KeepTruth(environment, kTruth, verdict == Verdict::True);
+  return verdict == Verdict::Open ? 0 : environment.KeepTruth(kTruth, verdict == Verdict::True);
 }
 
 bool AreOrderArguments(const VokTarnObjectEnvironment& environment) {
@@ -79,16 +79,16 @@ int VokTarnBooleanEqualConstraint::Propagate(const VokTarnObjectEnvironment& env
   const VokTarnAny& a = environment.Value(kLeft);
   const VokTarnAny& b = environment.Value(kRight);
   if (environment.AreSame(kLeft, kRight)) {
-    return KeepTruth(environment, kTruth, true);
+    return environment.KeepTruth(kTruth, true);
   }
   if (a.GetCardinality() == 1 && b.GetCardinality() == 1) {
-    return KeepTruth(environment, kTruth, ExactValue(environment, kLeft) == ExactValue(environment, kRight));
+    return environment.KeepTruth(kTruth, ExactValue(environment, kLeft) == ExactValue(environment, kRight));
   }
   // The common kind's own test, because a type's own may know nothing of the other's type.
   const bool overlap = AreTruthValues(environment, kLeft, kLeft + 1)
                            ? a.IsIntersected(b) != 0
                            : environment.Integer(kLeft).VokTarnInteger::IsIntersected(b) != 0;
-  return overlap ? 0 : KeepTruth(environment, kTruth, false);
+  return overlap ? 0 : environment.KeepTruth(kTruth, false);
 }
 
 bool VokTarnBooleanLessConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {

@@ -122,5 +122,5 @@ int VokTarnSignumConstraint::Propagate(const VokTarnObjectEnvironment& environme
   if (sign.IsPossible(0) || negative == positive) {
     return changed | environment.Note(1, environment.NarrowInteger(1).CalcInverseSignumValue(sign));
   }
-  return changed | (negative ? KeepAtMost(environment, 1, -1) : KeepAtLeast(environment, 1, 1));
+  return changed | (negative ? environment.KeepAtMost(1, -1) : environment.KeepAtLeast(1, 1));
 }

@@ -31,16 +31,16 @@ int VokTarnValuePrecedenceConstraint::Propagate(const VokTarnObjectEnvironment& 
     if (first == n) {
       return changed;
     }
-    changed |= RemoveValue(environment, first, t);
+    changed |= environment.Remove(first, t);
     if (environment.IsFailed() || IsKnown(environment, first, s)) {
       return changed;
     }
     // A value does not precede itself: where s is t, none is.
-    found = s != t && MayBe(environment, first, s);
+    found = s != t && environment.MayBe(first, s);
   }
-  for (unsigned i = first; i < n && !MayBe(environment, i, s); ++i) {
+  for (unsigned i = first; i < n && !environment.MayBe(i, s); ++i) {
     if (IsKnown(environment, i, t)) {
-      return changed | KeepBetween(environment, first - 1, s, s);
+      return changed | environment.KeepBetween(first - 1, s, s);
     }
   }
   return changed;

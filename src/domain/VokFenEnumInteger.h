@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <span>
 
 #include "domain/VokSVectorImp_SubIntBase.h"
@@ -109,6 +110,19 @@ class VOKTARN_EXPORT VokFenEnumInteger : public VokTarnInteger {
   // IsNil and IsUndefined without a call.
   bool ReadsNil() const noexcept { return fValues.GetSize() == 0 && fEmptyMeansAny == 0; }
   bool ReadsAny() const noexcept { return fValues.GetSize() == 0 && fEmptyMeansAny == 1; }
+  // Holds these numbers, at least one, ascending, which may be some of its members. When memory is short it becomes
+  // Nil.
+  void Fill(std::span<const VokLong> numbers) noexcept {
+    const bool isOwn = fValues.GetSize() != 0 && !std::less<>()(numbers.data(), fValues.GetNumbers()) &&
+                       std::less<>()(numbers.data(), fValues.GetNumbers() + fValues.GetSize());
+    if (isOwn) {
+      std::copy(numbers.begin(), numbers.end(), fValues.GetNumbers());
+      fValues.Truncate(static_cast<unsigned>(numbers.size()));
+    } else {
+      fValues.AssignNumbers(numbers.data(), static_cast<unsigned>(numbers.size()));
+    }
+    fEmptyMeansAny = 0;
+  }
   // Keeps the members that keep(value) accepts. The status; a set that loses every member becomes Nil.
   template <class Keep>
   int KeepMembers(Keep keep);

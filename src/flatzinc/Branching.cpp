@@ -18,7 +18,7 @@ const VokTarnInteger& AsInteger(const VokTarnNetwork& network, VokTarnValueId id
 }
 
 bool HoldsHoles(const VokTarnNetwork& network, VokTarnValueId id) {
-  return network.GetType(id)->GetLister() != nullptr;
+  return network.GetType(id)->IsListed();
 }
 
 // The middle between the bounds, rounded down.

@@ -15,9 +15,6 @@
 namespace fzn {
 namespace {
 
-// A type that lists values is to list so many.
-constexpr int kMostListed = 1023;
-
 std::uint64_t CountValues(const Set& domain) {
   std::uint64_t count = 0;
   for (const Range& range : domain) {
@@ -26,31 +23,8 @@ std::uint64_t CountValues(const Set& domain) {
   return count;
 }
 
-// Makes `x` hold the values of the domain where it lists its values, else those between its ends.
-void SetValues(VokTarnInteger& x, const Set& domain, bool isListing) {
-  if (domain.empty()) {
-    x.SetNilValue();
-    return;
-  }
-  x.SetExactValue(static_cast<VokLong>(domain.front().fLower));
-  if (!isListing) {
-    x.AddExactValue(static_cast<VokLong>(domain.back().fUpper));
-    return;
-  }
-  for (const Range& range : domain) {
-    for (std::int64_t v = std::max(range.fLower, domain.front().fLower + 1); v <= range.fUpper; ++v) {
-      x.AddExactValue(static_cast<VokLong>(v));
-    }
-  }
-}
-
-// How many values a value of the type has after it has been given those from 0 to `last`.
-int TryValues(const VokTarnObjectDescriptor& type, VokLong last) {
-  VokTarnNetwork network;
-  const VokTarnValueId id = network.AddValue(&type);
-  SetValues(static_cast<VokTarnInteger&>(network.Touch(id)), MakeRange(0, last), type.GetLister() != nullptr);
-  network.NoteChange(id);
-  return network.GetCardinality(id);
+bool Contains(const Set& domain, VokLong v) {
+  return std::ranges::any_of(domain, [v](const Range& range) { return v >= range.fLower && v <= range.fUpper; });
 }
 
 }  // namespace
@@ -136,7 +110,7 @@ void Builder::UnifyVariables() {
   }
 }
 
-// By trying: types are known by what they can hold alone.
+// The first type that lists its values and the first that has all between two bounds.
 void Builder::ChooseTypes() {
   const VokTarnOperatorTable table(fModules);
   for (const VokTarnObjectDescriptor* type : table.GetTypes()) {
@@ -144,11 +118,9 @@ void Builder::ChooseTypes() {
         VokTarnInteger::sDescriptor->IsMatched(type) == 0) {
       continue;
     }
-    if (type->GetLister() != nullptr) {
-      if (fListing == nullptr && TryValues(*type, kMostListed - 1) == kMostListed) {
-        fListing = type;
-      }
-    } else if (fInterval == nullptr && TryValues(*type, kGreatest - 1) == kGreatest) {
+    if (type->IsListed() && fListing == nullptr) {
+      fListing = type;
+    } else if (type->GetShape() == VokTarnObjectDescriptor::Shape::Range && fInterval == nullptr) {
       fInterval = type;
     }
   }
@@ -181,7 +153,7 @@ void Builder::AddValues() {
 }
 
 VokTarnValueId Builder::AddValue(const Set& domain, const std::string& name) {
-  const bool isListing = CountValues(domain) <= kMostListed;
+  const bool isListing = CountValues(domain) <= fListing->GetLimit();
   const VokTarnValueId id = fNetwork.AddValue(isListing ? fListing : fInterval, name);
   SetDomain(id, domain);
   return id;
@@ -189,10 +161,22 @@ VokTarnValueId Builder::AddValue(const Set& domain, const std::string& name) {
 
 // The holes of an interval become a constraint.
 void Builder::SetDomain(VokTarnValueId id, const Set& domain) {
-  const bool isListing = fNetwork.GetType(id)->GetLister() != nullptr;
-  SetValues(static_cast<VokTarnInteger&>(fNetwork.Touch(id)), domain, isListing);
-  fNetwork.NoteChange(id);
-  if (!isListing && domain.size() > 1) {
+  if (domain.empty()) {
+    fNetwork.MakeNil(id);
+    return;
+  }
+  if (fNetwork.GetType(id)->IsListed()) {
+    std::vector<VokLong> values;
+    for (const Range& range : domain) {
+      for (std::int64_t v = range.fLower; v <= range.fUpper; ++v) {
+        values.push_back(static_cast<VokLong>(v));
+      }
+    }
+    fNetwork.KeepListed(id, values);
+    return;
+  }
+  fNetwork.KeepBetween(id, domain.front().fLower, domain.back().fUpper);
+  if (domain.size() > 1) {
     std::vector<VokLong> constants = {static_cast<VokLong>(VokTarnMode::Plain)};
     for (const Range& range : domain) {
       constants.push_back(static_cast<VokLong>(range.fLower));
@@ -203,19 +187,20 @@ void Builder::SetDomain(VokTarnValueId id, const Set& domain) {
 }
 
 void Builder::Restrict(VokTarnValueId id, const Set& set) {
-  const auto& x = static_cast<const VokTarnInteger&>(fNetwork.GetValue(id));
-  if (x.IsNil() != 0) {
+  if (fNetwork.GetCardinality(id) == 0) {
     return;
   }
-  const Set hull = MakeRange(x.GetLowerBound(), x.GetUpperBound());
-  Set domain = Intersect(set, hull);
+  const Set hull = MakeRange(fNetwork.GetLower(id), fNetwork.GetUpper(id));
+  const Set domain = Intersect(set, hull);
   if (domain.size() == 1 && domain[0].fLower == hull[0].fLower && domain[0].fUpper == hull[0].fUpper) {
     return;
   }
-  const VokTarnObjectDescriptor::Lister lister = fNetwork.GetType(id)->GetLister();
-  if (lister != nullptr) {
-    const std::span<const VokLong> members = lister(x);
-    domain = Intersect(domain, MakeSet({members.begin(), members.end()}));
+  if (const VokTarnObjectDescriptor::Lister lister = fNetwork.GetType(id)->GetLister(); lister != nullptr) {
+    const std::span<const VokLong> members = lister(fNetwork.GetValue(id));
+    std::vector<VokLong> kept;
+    std::ranges::copy_if(members, std::back_inserter(kept), [&](VokLong v) { return Contains(domain, v); });
+    fNetwork.KeepSubset(id, kept);
+    return;
   }
   SetDomain(id, domain);
 }

@@ -102,7 +102,7 @@ std::int64_t Posting::CountListed(const Term& term) const {
     return 0;
   }
   const VokTarnValueId id = GetValue(term);
-  return fBuilder.fNetwork.GetType(id)->GetLister() != nullptr ? fBuilder.fNetwork.GetCardinality(id) : 0;
+  return fBuilder.fNetwork.GetType(id)->IsListed() ? fBuilder.fNetwork.GetCardinality(id) : 0;
 }
 
 bool Posting::AreSame(const Term& a, const Term& b) const {

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "framework/VokTarnNetwork.h"
+#include "framework/VokTarnObjectEnvironment.h"
 #include "framework/Vokipstream.h"
 #include "framework/Vokopstream.h"
 

@@ -5,7 +5,10 @@
 
 #include "framework/VokTarnConstraintDescriptor.h"
 #include "framework/VokTarnObject.h"
-#include "framework/VokTarnObjectEnvironment.h"
+#include "framework/VokTarnSlot.h"
+
+class VokTarnNetwork;
+class VokTarnObjectEnvironment;
 
 // A relation over values of a network that narrows them.
 //

@@ -6,6 +6,7 @@
 
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnObjectDescriptor.h"
+#include "framework/VokTarnObjectEnvironment.h"
 
 namespace {
 
@@ -97,7 +98,19 @@ VokTarnValueId VokTarnNetwork::AddValue(const VokTarnObjectDescriptor* type, std
   const unsigned pool = FindPool(type);
   MakeRoom(fValues, id + std::size_t{1});
   VokTarnAny* object = TakeSpare(fPools[pool]);
-  fValues.push_back({object, {}, 0, type->GetLister(), type, {}, {}, 0, pool, VokTarnSlot::Kind::Other, false});
+  fValues.push_back({object,
+                     {},
+                     0,
+                     type->GetShape(),
+                     VokTarnSlot::Kind::Other,
+                     false,
+                     false,
+                     type->GetLister(),
+                     type,
+                     {},
+                     {},
+                     0,
+                     pool});
   object->SetUndefinedValue();
   VokTarnSlot& slot = fValues.back();
   slot.fKind = FindKind(*object);
@@ -218,68 +231,6 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
   return Outcome::Failed;
 }
 
-VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
-  VokTarnSlot& slot = fValues[id];
-  if (!fLevels.empty() && slot.fStamp != fLevels.back().fStamp) {
-    MakeRoom(fTrail, fTrail.size() + 1);
-    VokTarnAny* copy = TakeSpare(fPools[slot.fPool]);
-    copy->Assign(*slot.fObject);
-    // Where the type lists its values they can be counted without a call.
-    const bool isListed = slot.fLister != nullptr && slot.fSummary.fSize > 0;
-    const int size = isListed ? static_cast<int>(slot.fLister(*copy).size()) : copy->GetCardinality();
-    fMemoryShort = fMemoryShort || size != slot.fSummary.fSize;
-    fTrail.push_back({id, slot.fStamp, copy, slot.fSummary});
-    slot.fStamp = fLevels.back().fStamp;
-  }
-  return *slot.fObject;
-}
-
-VokTarnSummary VokTarnNetwork::Summarize(const VokTarnSlot& slot) {
-  if (slot.fLister != nullptr) {
-    const std::span<const VokLong> members = slot.fLister(*slot.fObject);
-    if (!members.empty()) {
-      return {static_cast<int>(members.size()), members.front(), members.back()};
-    }
-  }
-  const int size = slot.fObject->GetCardinality();
-  switch (slot.fKind) {
-    case VokTarnSlot::Kind::Integer: {
-      const auto& integer = static_cast<const VokTarnInteger&>(*slot.fObject);
-      return {size, integer.GetLowerBound(), integer.GetUpperBound()};
-    }
-    case VokTarnSlot::Kind::Truth: {
-      const auto& truth = static_cast<const VokTarnBoolean&>(*slot.fObject);
-      return {size, truth.IsPossible(0) != 0 ? 0 : 1, truth.IsPossible(1)};
-    }
-    case VokTarnSlot::Kind::Other:
-      break;
-  }
-  return {size, 0, 0};
-}
-
-void VokTarnNetwork::NoteChange(VokTarnValueId id) {
-  LogChange(id);
-  VokTarnSlot& slot = fValues[id];
-  const VokTarnSummary before = slot.fSummary;
-  slot.fSummary = Summarize(slot);
-  if (slot.fSummary.fSize == 0) {
-    fFailed = true;
-    return;
-  }
-  const bool isInside = slot.fSummary.fLower == before.fLower && slot.fSummary.fUpper == before.fUpper;
-  const VokTarnEvent event = slot.fSummary.fSize == 1                             ? VokTarnEvent::Single
-                             : isInside && slot.fKind != VokTarnSlot::Kind::Other ? VokTarnEvent::Domain
-                                                                                  : VokTarnEvent::Bounds;
-  for (const VokTarnSlot::Watcher& watcher : slot.fWatchers) {
-    if (watcher.fEvent <= event) {
-      Schedule(watcher.fConstraint);
-    }
-  }
-  if (event == VokTarnEvent::Single) {
-    AskWatches(slot);
-  }
-}
-
 // Asks those who watch the value, which has become single, what they watch from now on. It is never the same value:
 // they watch what is still open.
 void VokTarnNetwork::AskWatches(VokTarnSlot& slot) {
@@ -341,8 +292,11 @@ void VokTarnNetwork::PopLevel() {
     const Saved& saved = fTrail.back();
     LogChange(saved.fValue);
     VokTarnSlot& slot = fValues[saved.fValue];
-    fPools[slot.fPool].fObjects.push_back(slot.fObject);
-    slot.fObject = saved.fObject;
+    slot.fIsStale = saved.fObject == nullptr;
+    if (saved.fObject != nullptr) {
+      fPools[slot.fPool].fObjects.push_back(slot.fObject);
+      slot.fObject = saved.fObject;
+    }
     slot.fSummary = saved.fSummary;
     slot.fStamp = saved.fStamp;
     fTrail.pop_back();

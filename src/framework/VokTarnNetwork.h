@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,8 +22,9 @@
 // Events     A constraint waits for the events that it asked for, see VokTarnConstraint::GetEvent; its own changes wake
 //            it as well unless it said that it is at its fixpoint.
 // Levels     PushLevel opens a choice level; PopLevel restores every value to what it was at that moment,
-//            empties the agenda and forgets a failure. A value is copied once per level, when it is first
-//            written to. Values and constraints may be added at the root level only.
+//            empties the agenda and forgets a failure. A value is saved once per level, when it first changes: a few
+//            words where these hold all its possible values (VokTarnSlot), else a copy. Values and constraints may be
+//            added at the root level only.
 // Ownership  Owns its values and constraints. Descriptors belong to modules, which must outlive it.
 // Errors     Adding and propagating throw std::bad_alloc; after that the network is only good to be destroyed. An
 //            allocation that fails anywhere while the network lives, also one that a module gets over, may have cost a
@@ -54,12 +56,19 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokULong AddConstraint(std::unique_ptr<VokTarnConstraint> constraint);
 
   VokULong GetValueCount() const noexcept { return static_cast<VokULong>(fValues.size()); }
-  const VokTarnAny& GetValue(VokTarnValueId id) const noexcept { return *fValues[id].fObject; }
+  const VokTarnAny& GetValue(VokTarnValueId id) const {
+    if (fValues[id].fIsStale) {
+      Refresh(fValues[id]);
+    }
+    return *fValues[id].fObject;
+  }
   // As the value would answer, without a call.
   int GetCardinality(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fSize; }
   // Of an integer its bounds, of a truth value 0 and 1 as far as they are possible.
   VokLong GetLower(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fLower; }
   VokLong GetUpper(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fUpper; }
+  // Of an integer: whether v is possible.
+  bool IsPossible(VokTarnValueId id, VokLong v) const;
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;
@@ -80,10 +89,31 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Whether the work is to stop. For those who drive the network, so that they stop even where nothing propagates.
   bool PollInterrupt() const { return fInterrupt && fInterrupt(); }
 
-  // Write access: saves the value on the trail. NoteChange after each change, or the network does not know of it.
+  // ---- Narrowing: every change of a value goes through here
+  // An integer or a truth value (0 and 1) keeps its values up to a limit, from one on, between two, one of them, those
+  // of a list that ascends within the integer range; loses one. Limits may be any numbers. The answer is 1 when it has
+  // changed; left without values it is Nil, and the network has failed.
+  //   A value of a type that holds each number between its bounds keeps what it cannot take out. An undefined value
+  // stays so where its type cannot hold what is left.
+  int KeepAtMost(VokTarnValueId id, std::int64_t limit);
+  int KeepAtLeast(VokTarnValueId id, std::int64_t limit);
+  int KeepBetween(VokTarnValueId id, std::int64_t lower, std::int64_t upper);
+  int KeepExactly(VokTarnValueId id, std::int64_t v);
+  int KeepListed(VokTarnValueId id, std::span<const VokLong> values);
+  int Remove(VokTarnValueId id, VokLong v);
+  // Keeps `values`, which are some of its values. Requires: its type is listed, it is neither undefined nor Nil.
+  int KeepSubset(VokTarnValueId id, std::span<const VokLong> values);
+  // Keeps base + k for each bit k. Requires: GetBits(id) is not 0.
+  int KeepBits(VokTarnValueId id, std::int64_t base, VokTarnBits bits);
+  int MakeNil(VokTarnValueId id);
+  // The possible values of an integer above its lower bound, bit 0 for that one; 0 where a word does not hold them.
+  VokTarnBits GetBits(VokTarnValueId id) const { return FindBits(fValues[id]); }
+  // Write access to the value itself, for the operations of its type. NoteChange after each change, or the network does
+  // not know of it.
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
   void Fail() noexcept { fFailed = true; }
+
   // Called with the number of each constraint that Propagate has filtered (empty: no longer).
   void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
   // Appends the number of every value that changes, or that PopLevel restores, to `log` (null: no longer), once until
@@ -110,10 +140,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   friend class VokTarnObjectEnvironment;
 
   struct Saved {
+    VokTarnSummary fSummary;
+    VokTarnAny* fObject;  // null: the summary is all
     VokTarnValueId fValue;
     VokULong fStamp;
-    VokTarnAny* fObject;
-    VokTarnSummary fSummary;
   };
   // Spare values of one type.
   struct Pool {
@@ -136,6 +166,14 @@ class VOKTARN_EXPORT VokTarnNetwork {
   };
 
   static VokTarnSummary Summarize(const VokTarnSlot& slot);
+  static VokTarnBits FindBits(const VokTarnSlot& slot);
+  static bool IsCompact(const VokTarnSlot& slot) { return slot.IsCompact() || FindBits(slot) != 0; }
+  void Refresh(const VokTarnSlot& slot) const;
+  void Save(VokTarnValueId id, VokTarnSlot& slot);
+  int Shrink(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& now);
+  int Refill(VokTarnValueId id, VokTarnSlot& slot, std::span<const VokLong> values);
+  int KeepEnd(VokTarnValueId id, VokTarnSlot& slot, std::int64_t limit, bool isUpper);
+  void Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& before);
   Outcome Filter();
   unsigned FindPool(const VokTarnObjectDescriptor* type);
   VokTarnAny* TakeSpare(Pool& pool);
@@ -166,5 +204,5 @@ class VOKTARN_EXPORT VokTarnNetwork {
   bool fIsAtFixpoint = false;
   bool fIsEntailed = false;
   bool fFailed = false;
-  bool fMemoryShort = false;
+  mutable bool fMemoryShort = false;
 };

@@ -49,11 +49,31 @@ class VOKTARN_EXPORT VokTarnObjectDescriptor : public VokStreamable {
   virtual int IsMatched(const VokTarnObjectDescriptor* type) const;
   virtual std::ostream& PrintOn(std::ostream& os) const;
 
-  // How the possible values of a value of this type are read at once: ascending, as the value lists them itself, valid
-  // until it changes. None for a value that is undefined or empty. Null for a type that lists no values, as at first.
+  // How a network may hold and change the possible values of a value of this type without its own operations.
+  enum class Shape : unsigned char {
+    Other,  // in no way: each change is an operation of the value
+    Range,  // each number between its bounds is possible, always; for a truth value 0 and 1
+    Listed  // some numbers, up to a limit: it lists them, and is filled with a list
+  };
+  // The possible values, ascending, valid until the value changes. None for a value that is undefined or empty.
   using Lister = std::span<const VokLong> (*)(const VokTarnAny& value);
-  void SetLister(Lister lister) noexcept { fLister = lister; }
+  // Makes a value hold some numbers, at least one, ascending, which may be part of its own list. When memory is short
+  // it holds fewer.
+  using Filler = void (*)(VokTarnAny& value, std::span<const VokLong> numbers);
+  // A type is of the shape Other at first. `limit` is how many numbers a value holds at most.
+  void SetRange() noexcept { fShape = Shape::Range; }
+  void SetListed(Lister lister, Filler filler, std::size_t limit) noexcept {
+    fShape = Shape::Listed;
+    fLister = lister;
+    fFiller = filler;
+    fLimit = limit;
+  }
+  Shape GetShape() const noexcept { return fShape; }
+  bool IsListed() const noexcept { return fShape == Shape::Listed; }
+  // Of a listed type; else null, and 0.
   Lister GetLister() const noexcept { return fLister; }
+  Filler GetFiller() const noexcept { return fFiller; }
+  std::size_t GetLimit() const noexcept { return fLimit; }
 
   const VokString& GetName() const noexcept { return fName; }
   const VokTarnObjectDescriptor* GetParent() const noexcept { return fParent; }
@@ -63,4 +83,7 @@ class VOKTARN_EXPORT VokTarnObjectDescriptor : public VokStreamable {
   const VokTarnObjectDescriptor* fParent;
   int fArguments;
   Lister fLister = nullptr;
+  Filler fFiller = nullptr;
+  std::size_t fLimit = 0;
+  Shape fShape = Shape::Other;
 };

@@ -198,7 +198,7 @@ void VokTarnSearch::NoteFailure() {
 }
 
 void VokTarnSearch::Enter(unsigned place) {
-  const int cardinality = fNetwork.GetValue(fVariables[place].fId).GetCardinality();
+  const int cardinality = fNetwork.GetCardinality(fVariables[place].fId);
   if (cardinality > 1) {
     fCandidates.push_back({GetRank(place, cardinality), place});
     std::push_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
@@ -255,7 +255,7 @@ void VokTarnSearch::BeginAgain() {
 }
 
 void VokTarnSearch::NoteBound() {
-  if (fObjective && fNetwork.GetValue(fObjective->fValue).GetCardinality() > 0) {
+  if (fObjective && fNetwork.GetCardinality(fObjective->fValue) > 0) {
     const VokTarnInteger& value = AsInteger(fNetwork.GetValue(fObjective->fValue));
     fBound = fObjective->fSense == Sense::Minimize ? value.GetLowerBound() : value.GetUpperBound();
   }
@@ -275,7 +275,7 @@ VokTarnBranch VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
   const VokTarnInteger& x = AsInteger(fNetwork.GetValue(variable));
   const std::optional<VokLong>& phase = fPhases[fPlaces[variable]];
   if (phase && x.IsPossible(*phase)) {
-    if (fNetwork.GetType(variable)->GetLister() != nullptr || *phase == x.GetLowerBound() ||
+    if (fNetwork.GetType(variable)->IsListed() || *phase == x.GetLowerBound() ||
         *phase == x.GetUpperBound()) {
       return {variable, VokTarnBranch::Part::Exactly, *phase};
     }
@@ -310,7 +310,7 @@ VokTarnValueId VokTarnSearch::ChooseVariable() {
   while (!fCandidates.empty()) {
     const Candidate best = fCandidates.front();
     const VokTarnValueId variable = fVariables[best.fPlace].fId;
-    const int cardinality = fNetwork.GetValue(variable).GetCardinality();
+    const int cardinality = fNetwork.GetCardinality(variable);
     if (cardinality > 1) {
       const Rank rank = GetRank(best.fPlace, cardinality);
       if (!(rank < best.fRank) && !(best.fRank < rank)) {

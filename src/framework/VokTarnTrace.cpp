@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "framework/VokTarnObjectEnvironment.h"
+
 // One constraint over values of its own, which is filtered on any domains.
 class VokTarnTrace::Bench {
  public:

@@ -26,6 +26,9 @@ VokULong VokFenEnumInteger::sMAX_CARD = 0;
 
 namespace {
 
+// The insertion after this many members makes a set Any.
+constexpr std::size_t kMostMembers = 1023;
+
 // In this order; the order of the registrations is that of the definitions in one source file.
 const VokStreamableClass rVokFenEnumInteger_Descriptor(VokFenEnumInteger::Descriptor::CastableIdent,
                                                        Build<VokFenEnumInteger::Descriptor>, 1);
@@ -36,8 +39,12 @@ const VokStreamableClass rVokFenEnumInteger(VokFenEnumInteger::CastableIdent, Bu
 VokTarnObjectDescriptor* VokFenEnumInteger::MakeDescriptor() {
   sDescriptor = new Descriptor();
   if (sDescriptor != nullptr) {
-    sDescriptor->SetLister(
-        [](const VokTarnAny& value) { return static_cast<const VokFenEnumInteger&>(value).GetMembers(); });
+    sDescriptor->SetListed(
+        [](const VokTarnAny& value) { return static_cast<const VokFenEnumInteger&>(value).GetMembers(); },
+        [](VokTarnAny& value, std::span<const VokLong> numbers) {
+          static_cast<VokFenEnumInteger&>(value).Fill(numbers);
+        },
+        kMostMembers);
   }
   return sDescriptor;
 }

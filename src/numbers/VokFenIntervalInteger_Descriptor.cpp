@@ -29,6 +29,9 @@ const char* const VokFenIntervalInteger::Descriptor::CastableIdent = sDescriptor
 
 VokTarnObjectDescriptor* VokFenIntervalInteger::MakeDescriptor() {
   sDescriptor = new Descriptor;
+  if (sDescriptor != nullptr) {
+    sDescriptor->SetRange();
+  }
   return sDescriptor;
 }
 

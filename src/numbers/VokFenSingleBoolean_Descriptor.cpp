@@ -29,6 +29,9 @@ const char* const VokFenSingleBoolean::Descriptor::CastableIdent = sDescriptorTe
 
 VokTarnObjectDescriptor* VokFenSingleBoolean::MakeDescriptor() {
   sDescriptor = new Descriptor;
+  if (sDescriptor != nullptr) {
+    sDescriptor->SetRange();
+  }
   return sDescriptor;
 }
 

@@ -7,6 +7,7 @@
 #include <random>
 #include <set>
 
+#include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnOperatorDescriptor.h"
 #include "support/modules.h"
 #include "support/soak.h"

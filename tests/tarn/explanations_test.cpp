@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "framework/VokTarnBoolean.h"
+#include "framework/VokTarnObjectEnvironment.h"
 #include "framework/VokTarnTrace.h"
 #include "support/soak.h"
 #include "tarn/commands/Commands.h"
