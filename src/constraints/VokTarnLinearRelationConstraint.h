@@ -11,7 +11,9 @@
 // Strength   Bounds: each term keeps what the bounds of the others leave it, in one pass for <=, in several for =.
 //            An argument that stands twice counts as two. <> removes a value when one argument is open. The truth is
 //            decided by bounds, that of = and <> by a single open argument too.
-// Cost       O(n) for a pass; none where the widest term says that every value stays.
+// Cost       The bounds of the sum follow the changes of its terms, and a filtering ends in O(1) where the widest open
+//            term says that every value stays. Else O(k) for a pass over the k terms that may be open. Sums that might
+//            leave 63 bits are read anew, in O(n).
 // Source     W. Harvey, P. J. Stuckey, "Improving linear constraint propagation by changing constraint representation",
 //            Constraints 8, 2003.
 class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
@@ -29,6 +31,10 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
   VokTarnEvent GetEvent(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
   std::vector<unsigned> GetWatched(const VokTarnObjectEnvironment& environment) const override;
   unsigned MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
+  unsigned CountState() const override { return HasState() ? unsigned{sStateSize} : 0U; }
+  void InitState(const VokTarnObjectEnvironment& environment) const override;
+  void Advise(unsigned argument, const VokTarnSummary& before,
+              const VokTarnObjectEnvironment& environment) const override;
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
 
@@ -52,9 +58,17 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
     return static_cast<unsigned>(GetArguments().size()) - (GetMode() == VokTarnMode::Plain ? 0U : 1U);
   }
   const Statement& GetStatement() const;
+  // The numbers that the network keeps: the bounds of the sum minus n, the width of the widest term or more, and how
+  // many terms at the beginning of fOrder may be open.
+  enum StateNumber : unsigned { sLower, sUpper, sWidest, sOpen, sStateSize };
+  bool HasState() const;
   template <class Wide>
   int PropagateIn(const VokTarnObjectEnvironment& environment) const;
 
   mutable Statement fStatement;
+  // The terms; those behind the first sOpen are known. Which stand in front changes, the set of those behind does not
+  // but for what is added: going back takes it as it is.
+  mutable std::vector<unsigned> fOrder;
+  // The two arguments that are watched: they move, and stay when the search goes back, as the network's watches do.
   mutable unsigned fWatched[2] = {0, 1};
 };

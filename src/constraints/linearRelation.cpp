@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <numeric>
 
 #include "constraints/VokTarnLinearRelationConstraint.h"
 #include "constraints/narrowing.h"
@@ -34,38 +36,56 @@ enum class Decision { Unknown, Holds, Fails };
 template <class Wide>
 class VokTarnLinearRelationConstraint::Pass {
  public:
-  Pass(const VokTarnObjectEnvironment& environment, const Statement& statement)
-      : fEnvironment(environment), fStatement(statement) {
+  Pass(const VokTarnObjectEnvironment& environment, const VokTarnLinearRelationConstraint& constraint)
+      : fEnvironment(environment),
+        fConstraint(constraint),
+        fStatement(constraint.GetStatement()),
+        fHasState(constraint.HasState()) {
     Read();
   }
 
-  Decision Decide(VokTarnRelation relation) const;
+  Decision Decide(VokTarnRelation relation);
   // Narrows the terms to what the relation, or its negation, leaves.
   int Enforce(VokTarnRelation relation, bool isNegated);
 
  private:
   unsigned Size() const { return static_cast<unsigned>(fStatement.fCoefficients.size()); }
   Wide GetCoefficient(unsigned i) const { return fStatement.fCoefficients[i]; }
+  Wide GetWidth(unsigned i) const {
+    const Wide c = GetCoefficient(i);
+    return (c < 0 ? -c : c) * (Wide{fEnvironment.Upper(i)} - fEnvironment.Lower(i));
+  }
   void Read();
+  // Calls narrow(i) for each term that may be open, until the network fails, and finds the widest of them.
+  template <class Narrow>
+  int NarrowOpenTerms(Narrow narrow);
   int KeepAtMostZero();
   int KeepAtLeastZero();
   int KeepZero();
   int KeepNonZero();
   // Term i is to lie at most `above` over its least value, at most `below` under its greatest.
   int NarrowTerm(unsigned i, Wide above, Wide below);
-  bool IsLast(unsigned& open) const;
+  bool IsLast(unsigned& open);
   // The value of the only open argument that makes the sum zero; false when there is none.
   bool Solve(unsigned open, Wide& value) const;
 
   const VokTarnObjectEnvironment& fEnvironment;
+  const VokTarnLinearRelationConstraint& fConstraint;
   const Statement& fStatement;
+  const bool fHasState;
   Wide fLower;
   Wide fUpper;
-  Wide fWidest;
+  Wide fWidest;  // no term is wider
 };
 
 template <class Wide>
 void VokTarnLinearRelationConstraint::Pass<Wide>::Read() {
+  if (fHasState) {
+    fLower = fEnvironment.State(fConstraint.State(sLower));
+    fUpper = fEnvironment.State(fConstraint.State(sUpper));
+    fWidest = fEnvironment.State(fConstraint.State(sWidest));
+    return;
+  }
   fLower = fUpper = -Wide{fStatement.fNumber};
   fWidest = 0;
   for (unsigned i = 0; i < Size(); ++i) {
@@ -81,7 +101,54 @@ void VokTarnLinearRelationConstraint::Pass<Wide>::Read() {
 }
 
 template <class Wide>
-bool VokTarnLinearRelationConstraint::Pass<Wide>::IsLast(unsigned& open) const {
+template <class Narrow>
+int VokTarnLinearRelationConstraint::Pass<Wide>::NarrowOpenTerms(Narrow narrow) {
+  int changed = 0;
+  if (!fHasState) {
+    for (unsigned i = 0; i < Size() && !fEnvironment.IsFailed(); ++i) {
+      changed |= narrow(i);
+    }
+    return changed;
+  }
+  std::vector<unsigned>& order = fConstraint.fOrder;
+  auto count = static_cast<std::size_t>(fEnvironment.State(fConstraint.State(sOpen)));
+  const std::size_t before = count;
+  Wide widest = 0;
+  for (std::size_t k = 0; k < count;) {
+    const unsigned i = order[k];
+    changed |= narrow(i);
+    if (fEnvironment.IsFailed()) {
+      return changed;
+    }
+    if (fEnvironment.IsSingle(i)) {
+      std::swap(order[k], order[--count]);
+      continue;
+    }
+    widest = std::max(widest, GetWidth(i));
+    ++k;
+  }
+  if (count != before) {
+    fEnvironment.SetState(fConstraint.State(sOpen), static_cast<std::int64_t>(count));
+  }
+  if (widest != fWidest) {
+    fEnvironment.SetState(fConstraint.State(sWidest), static_cast<std::int64_t>(widest));
+  }
+  return changed;
+}
+
+template <class Wide>
+bool VokTarnLinearRelationConstraint::Pass<Wide>::IsLast(unsigned& open) {
+  if (fHasState) {
+    const auto count = static_cast<std::size_t>(fEnvironment.State(fConstraint.State(sOpen)));
+    unsigned found = 0;
+    for (std::size_t k = 0; k < count && found < 2; ++k) {
+      if (!fEnvironment.IsSingle(fConstraint.fOrder[k])) {
+        open = fConstraint.fOrder[k];
+        std::swap(fConstraint.fOrder[found++], fConstraint.fOrder[k]);  // found at once the next time
+      }
+    }
+    return found == 1;
+  }
   unsigned count = 0;
   for (unsigned i = 0; i < Size() && count < 2; ++i) {
     if (!fEnvironment.IsSingle(i)) {
@@ -105,7 +172,7 @@ bool VokTarnLinearRelationConstraint::Pass<Wide>::Solve(unsigned open, Wide& val
 }
 
 template <class Wide>
-Decision VokTarnLinearRelationConstraint::Pass<Wide>::Decide(VokTarnRelation relation) const {
+Decision VokTarnLinearRelationConstraint::Pass<Wide>::Decide(VokTarnRelation relation) {
   if (relation == VokTarnRelation::AtMost) {
     return fUpper <= 0 ? Decision::Holds : fLower > 0 ? Decision::Fails : Decision::Unknown;
   }
@@ -114,7 +181,7 @@ Decision VokTarnLinearRelationConstraint::Pass<Wide>::Decide(VokTarnRelation rel
   if (fLower > 0 || fUpper < 0) {
     return differs;
   }
-  if (fWidest == 0) {
+  if (fLower == fUpper) {
     return isEqual ? Decision::Holds : Decision::Fails;
   }
   unsigned open = 0;
@@ -160,10 +227,11 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepAtMostZero() {
   if (fLower > 0) {
     return fEnvironment.Fail();
   }
-  int changed = 0;
-  for (unsigned i = 0; i < Size() && fWidest > -fLower && !fEnvironment.IsFailed(); ++i) {
-    changed |= NarrowTerm(i, -fLower, fWidest);
+  if (fWidest <= -fLower) {
+    fEnvironment.NoteFixpoint();
+    return 0;
   }
+  const int changed = NarrowOpenTerms([&](unsigned i) { return NarrowTerm(i, -fLower, fWidest); });
   if (!fStatement.fHasRepeats) {
     fEnvironment.NoteFixpoint();
   }
@@ -179,10 +247,11 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepAtLeastZero() {
   if (fUpper < 0) {
     return fEnvironment.Fail();
   }
-  int changed = 0;
-  for (unsigned i = 0; i < Size() && fWidest > fUpper && !fEnvironment.IsFailed(); ++i) {
-    changed |= NarrowTerm(i, fWidest, fUpper);
+  if (fWidest <= fUpper) {
+    fEnvironment.NoteFixpoint();
+    return 0;
   }
+  const int changed = NarrowOpenTerms([&](unsigned i) { return NarrowTerm(i, fWidest, fUpper); });
   if (!fStatement.fHasRepeats) {
     fEnvironment.NoteFixpoint();
   }
@@ -200,12 +269,9 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepZero() {
       fEnvironment.NoteFixpoint();
       return changed;
     }
-    int narrowed = 0;
-    for (unsigned i = 0; i < Size(); ++i) {
-      narrowed |= NarrowTerm(i, -fLower, fUpper);
-      if (fEnvironment.IsFailed()) {
-        return 1;
-      }
+    const int narrowed = NarrowOpenTerms([&](unsigned i) { return NarrowTerm(i, -fLower, fUpper); });
+    if (fEnvironment.IsFailed()) {
+      return 1;
     }
     if (narrowed == 0) {
       fEnvironment.NoteFixpoint();
@@ -223,7 +289,7 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::KeepNonZero() {
     fEnvironment.NoteEntailed();
     return 0;
   }
-  if (fWidest == 0) {
+  if (fLower == fUpper) {
     return fEnvironment.Fail();
   }
   unsigned open = 0;
@@ -263,6 +329,51 @@ const VokTarnLinearRelationConstraint::Statement& VokTarnLinearRelationConstrain
   std::ranges::sort(sorted);
   s.fHasRepeats = std::ranges::adjacent_find(sorted) != sorted.end();
   return s;
+}
+
+// A plain <> watches two terms in place of following all.
+bool VokTarnLinearRelationConstraint::HasState() const {
+  return GetStatement().fIsNarrow && (GetRelation() != VokTarnRelation::Different || GetMode() != VokTarnMode::Plain);
+}
+
+void VokTarnLinearRelationConstraint::InitState(const VokTarnObjectEnvironment& environment) const {
+  if (!HasState()) {
+    return;
+  }
+  const Statement& statement = GetStatement();
+  fOrder.resize(statement.fCoefficients.size());
+  std::iota(fOrder.begin(), fOrder.end(), 0U);
+  std::int64_t lower = -statement.fNumber;
+  std::int64_t upper = lower;
+  std::int64_t widest = 0;
+  for (const unsigned i : fOrder) {
+    const std::int64_t c = statement.fCoefficients[i];
+    const std::int64_t first = c * environment.Lower(i);
+    const std::int64_t last = c * environment.Upper(i);
+    lower += std::min(first, last);
+    upper += std::max(first, last);
+    widest = std::max(widest, std::abs(last - first));
+  }
+  environment.SetState(State(sLower), lower);
+  environment.SetState(State(sUpper), upper);
+  environment.SetState(State(sWidest), widest);
+  environment.SetState(State(sOpen), static_cast<std::int64_t>(fOrder.size()));
+}
+
+void VokTarnLinearRelationConstraint::Advise(unsigned argument, const VokTarnSummary& before,
+                                             const VokTarnObjectEnvironment& environment) const {
+  if (argument == GetTerms()) {
+    return;
+  }
+  const std::int64_t c = GetStatement().fCoefficients[argument];
+  const std::int64_t raised = c * (std::int64_t{environment.Lower(argument)} - before.fLower);
+  const std::int64_t lowered = c * (std::int64_t{environment.Upper(argument)} - before.fUpper);
+  if (const std::int64_t change = c > 0 ? raised : lowered; change != 0) {
+    environment.SetState(State(sLower), environment.State(State(sLower)) + change);
+  }
+  if (const std::int64_t change = c > 0 ? lowered : raised; change != 0) {
+    environment.SetState(State(sUpper), environment.State(State(sUpper)) + change);
+  }
 }
 
 VokTarnEvent VokTarnLinearRelationConstraint::GetEvent(unsigned argument, const VokTarnObjectEnvironment&) const {
@@ -334,7 +445,7 @@ int VokTarnLinearRelationConstraint::PropagateIn(const VokTarnObjectEnvironment&
   const VokTarnMode mode = GetMode();
   const VokTarnRelation relation = GetRelation();
   if (mode == VokTarnMode::Plain) {
-    return Pass<Wide>(environment, GetStatement()).Enforce(relation, false);
+    return Pass<Wide>(environment, *this).Enforce(relation, false);
   }
   const unsigned truth = GetTerms();
   if (environment.IsSingle(truth)) {
@@ -343,10 +454,10 @@ int VokTarnLinearRelationConstraint::PropagateIn(const VokTarnObjectEnvironment&
       environment.NoteEntailed();
       return 0;
     }
-    return value == 0 || value == 1 ? Pass<Wide>(environment, GetStatement()).Enforce(relation, value == 0)
+    return value == 0 || value == 1 ? Pass<Wide>(environment, *this).Enforce(relation, value == 0)
                                     : environment.Fail();
   }
-  const Decision decision = Pass<Wide>(environment, GetStatement()).Decide(relation);
+  const Decision decision = Pass<Wide>(environment, *this).Decide(relation);
   if (decision == Decision::Fails || (decision == Decision::Holds && mode == VokTarnMode::Reified)) {
     environment.NoteEntailed();
     return environment.KeepExactly(truth, decision == Decision::Holds ? 1 : 0);

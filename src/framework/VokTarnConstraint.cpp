@@ -87,20 +87,25 @@ int VokTarnConstraint::ActivateByArgument(unsigned, int, VokTarnNetwork* network
   return 1;
 }
 
-int VokTarnConstraint::Filter(const VokTarnObjectEnvironment& environment, int) {
-  int changed = Propagate(environment);
-  if (environment.IsFailed()) {
-    return changed;
+// Whether some argument has more than one value.
+bool VokTarnConstraint::IsOpen(const VokTarnObjectEnvironment& environment) const {
+  const auto isOpen = [&](unsigned i) { return environment.Has(i) && !environment.IsSingle(i); };
+  if (isOpen(fOpen)) {
+    return true;
   }
   for (unsigned i = 0; i < environment.Size(); ++i) {
-    if (environment.Has(i) && !environment.IsSingle(i)) {
-      return changed;
+    if (isOpen(i)) {
+      fOpen = i;
+      return true;
     }
   }
-  if (!IsSatisfied(environment)) {
-    changed |= environment.Fail();
-  }
-  return changed;
+  return false;
+}
+
+int VokTarnConstraint::Filter(const VokTarnObjectEnvironment& environment, int) {
+  const int changed = Propagate(environment);
+  return environment.IsFailed() || IsOpen(environment) || IsSatisfied(environment) ? changed
+                                                                                   : changed | environment.Fail();
 }
 
 std::ostream& VokTarnConstraint::PrintOn(std::ostream& os) const {

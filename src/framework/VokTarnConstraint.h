@@ -66,16 +66,37 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   // Whether the relation holds. Requires: every argument has exactly one value.
   virtual bool IsSatisfied(const VokTarnObjectEnvironment& environment) const = 0;
 
-  // The place in the network's list of constraints, set when the network takes the constraint.
-  void SetIndex(VokULong index) noexcept { fIndex = index; }
+  // ---- Numbers that follow the search
+  // How many 64-bit numbers the network keeps for the constraint: what it has summed up of its arguments, say. Going
+  // back restores them. Asked when the constraint is added.
+  virtual unsigned CountState() const { return 0; }
+  // Sets the numbers, from the arguments as they are; when the constraint is added.
+  virtual void InitState(const VokTarnObjectEnvironment& /*environment*/) const {}
+  // An argument, `before` this, has changed as the constraint waits for; at once, before other changes. The place to
+  // bring the numbers up to date, in O(1). Not asked of a constraint without numbers.
+  virtual void Advise(unsigned /*argument*/, const VokTarnSummary& /*before*/,
+                      const VokTarnObjectEnvironment& /*environment*/) const {}
+
+  // The place in the network's list of constraints, and that of its first number, set when the network takes the
+  // constraint.
+  void SetIndex(VokULong index, VokULong state) noexcept {
+    fIndex = index;
+    fState = state;
+  }
 
  protected:
   // Narrows the arguments. Returns 1 when one changed.
   virtual int Propagate(const VokTarnObjectEnvironment& environment) const = 0;
+  // Its number i in the network.
+  VokULong State(unsigned i) const noexcept { return fState + i; }
 
  private:
+  bool IsOpen(const VokTarnObjectEnvironment& environment) const;
+
   std::vector<VokTarnValueId> fArguments;
   std::vector<VokLong> fConstants;
   VokULong fIndex = 0;
+  VokULong fState = 0;
+  mutable unsigned fOpen = 0;  // an argument that was open when it was last looked for: where to look first
   VokTarnForm fForm = VokTarnForm::Plain;
 };

@@ -134,7 +134,9 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
     throw std::invalid_argument("a constraint does not apply to its arguments");
   }
   const VokULong index = GetConstraintCount();
-  constraint->SetIndex(index);
+  const unsigned numbers = constraint->CountState();
+  constraint->SetIndex(index, static_cast<VokULong>(fState.size()));
+  fState.resize(fState.size() + numbers);
   const std::vector<unsigned> watched = constraint->GetWatched(environment);
   for (const unsigned i : watched) {
     fValues[arguments[i]].fWatches.push_back({index, i});
@@ -144,10 +146,11 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
       VokTarnSlot& slot = fValues[arguments[i]];
       ++slot.fDegree;
       if (watched.empty()) {
-        slot.fWatchers.push_back({index, constraint->GetEvent(i, environment)});
+        slot.fWatchers.push_back({index, i, constraint->GetEvent(i, environment), numbers != 0});
       }
     }
   }
+  constraint->InitState(environment);
   fPriorities.push_back(static_cast<unsigned char>(constraint->GetPriority()));
   fConstraints.push_back(std::move(constraint));
   fStates.push_back(State::Idle);
@@ -283,8 +286,17 @@ void VokTarnNetwork::ClearAgenda() noexcept {
   }
 }
 
+void VokTarnNetwork::SetState(VokULong place, std::int64_t number) {
+  StateNumber& state = fState[place];
+  if (!fLevels.empty() && state.fStamp != fLevels.back().fStamp) {
+    fStateTrail.push_back({state, place});
+    state.fStamp = fLevels.back().fStamp;
+  }
+  state.fNumber = number;
+}
+
 void VokTarnNetwork::PushLevel() {
-  fLevels.push_back({fTrail.size(), fEntailed.size(), ++fStampCounter});
+  fLevels.push_back({fTrail.size(), fStateTrail.size(), fEntailed.size(), ++fStampCounter});
 }
 
 void VokTarnNetwork::PopLevel() {
@@ -300,6 +312,10 @@ void VokTarnNetwork::PopLevel() {
     slot.fSummary = saved.fSummary;
     slot.fStamp = saved.fStamp;
     fTrail.pop_back();
+  }
+  while (fStateTrail.size() > fLevels.back().fStateTrailSize) {
+    fState[fStateTrail.back().fPlace] = fStateTrail.back().fNumber;
+    fStateTrail.pop_back();
   }
   while (fEntailed.size() > fLevels.back().fEntailedSize) {
     fStates[fEntailed.back()] = State::Idle;

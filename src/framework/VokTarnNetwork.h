@@ -127,6 +127,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Makes `copy` equal to `original`, of the same type; notes when memory was too short for that.
   void Copy(VokTarnAny& copy, const VokTarnAny& original);
 
+  // Numbers that belong to constraints, see VokTarnConstraint::CountState.
+  std::int64_t GetState(VokULong place) const noexcept { return fState[place].fNumber; }
+  void SetState(VokULong place, std::int64_t number);
+
   // ---- Levels
   void PushLevel();
   void PopLevel();
@@ -159,8 +163,17 @@ class VOKTARN_EXPORT VokTarnNetwork {
   static constexpr VokULong sNone = 0xFFFFFFFFU;
   // An entailed constraint sleeps until the search goes back to before it became so.
   enum class State : unsigned char { Idle, Waiting, Entailed };
+  struct StateNumber {
+    std::int64_t fNumber;
+    VokULong fStamp;  // as that of a slot
+  };
+  struct SavedNumber {
+    StateNumber fNumber;
+    VokULong fPlace;
+  };
   struct Level {
     std::size_t fTrailSize;
+    std::size_t fStateTrailSize;
     std::size_t fEntailedSize;
     VokULong fStamp;
   };
@@ -190,6 +203,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<State> fStates;              // the same
   std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
   std::vector<Saved> fTrail;
+  std::vector<StateNumber> fState;
+  std::vector<SavedNumber> fStateTrail;
   std::vector<VokULong> fEntailed;  // in the order in which they became so
   std::vector<Level> fLevels;
   std::vector<Pool> fPools;

@@ -9,6 +9,7 @@
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnObjectDescriptor.h"
+#include "framework/VokTarnObjectEnvironment.h"
 
 namespace {
 
@@ -172,7 +173,7 @@ void VokTarnNetwork::NoteChange(VokTarnValueId id) {
 void VokTarnNetwork::Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& before) {
   LogChange(id);
   if (slot.fSummary.fSize == 0) {
-    fFailed = true;
+    fFailed = true;  // no constraint's numbers are read before the way back restores them
     return;
   }
   const bool isInside = slot.fSummary.fLower == before.fLower && slot.fSummary.fUpper == before.fUpper;
@@ -181,6 +182,10 @@ void VokTarnNetwork::Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTar
                                                                                   : VokTarnEvent::Bounds;
   for (const VokTarnSlot::Watcher& watcher : slot.fWatchers) {
     if (watcher.fEvent <= event) {
+      if (watcher.fIsAdvised) {
+        const VokTarnConstraint& constraint = *fConstraints[watcher.fConstraint];
+        constraint.Advise(watcher.fArgument, before, VokTarnObjectEnvironment(*this, constraint.GetArguments()));
+      }
       Schedule(watcher.fConstraint);
     }
   }

@@ -96,6 +96,10 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
     return status;
   }
 
+  // ---- Numbers of the constraint, see VokTarnConstraint::CountState
+  std::int64_t State(VokULong place) const noexcept { return fNetwork.GetState(place); }
+  void SetState(VokULong place, std::int64_t number) const { fNetwork.SetState(place, number); }
+
   // ---- The constraint as a whole
   // The constraint cannot hold, whatever its arguments. Returns 1.
   int Fail() const {

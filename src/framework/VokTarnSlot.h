@@ -8,7 +8,7 @@
 #include "framework/VokTarnConstraintDescriptor.h"
 
 // What has happened to a value, from the most common to the most telling: each implies the ones before it.
-enum class VokTarnEvent : unsigned {
+enum class VokTarnEvent : unsigned char {
   Domain,  // it lost possible values
   Bounds,  // among them the least or the greatest
   Single   // one is left
@@ -37,7 +37,9 @@ struct VokTarnSummary {
 struct VokTarnSlot {
   struct Watcher {
     VokULong fConstraint;
+    unsigned fArgument;   // the value is this argument of it
     VokTarnEvent fEvent;  // the least telling event that the constraint is to see
+    bool fIsAdvised;      // the constraint keeps numbers up to date by it
   };
   // A constraint that is asked when the value becomes single, as one of its arguments.
   struct Watch {
