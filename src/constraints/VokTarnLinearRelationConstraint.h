@@ -61,6 +61,7 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
   // The numbers that the network keeps: the bounds of the sum minus n, the width of the widest term or more, and how
   // many terms at the beginning of fOrder may be open.
   enum StateNumber : unsigned { sLower, sUpper, sWidest, sOpen, sStateSize };
+  static constexpr unsigned sLeastFollowed = 8;  // fewer terms are read as quickly
   bool HasState() const;
   template <class Wide>
   int PropagateIn(const VokTarnObjectEnvironment& environment) const;

@@ -333,7 +333,8 @@ const VokTarnLinearRelationConstraint::Statement& VokTarnLinearRelationConstrain
 
 // A plain <> watches two terms in place of following all.
 bool VokTarnLinearRelationConstraint::HasState() const {
-  return GetStatement().fIsNarrow && (GetRelation() != VokTarnRelation::Different || GetMode() != VokTarnMode::Plain);
+  return GetStatement().fIsNarrow && GetTerms() >= sLeastFollowed &&
+         (GetRelation() != VokTarnRelation::Different || GetMode() != VokTarnMode::Plain);
 }
 
 void VokTarnLinearRelationConstraint::InitState(const VokTarnObjectEnvironment& environment) const {

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/VokTarnSumPlan.h"
+
 namespace fzn {
 
 // A set of integers: ranges that ascend, with gaps between them.
@@ -69,6 +71,7 @@ struct Constraint {
   std::uint32_t fLine;
   std::uint32_t fFirst;  // argument
   std::uint32_t fCount;
+  VokTarnConsistency fConsistency;  // that its annotations ask for
 };
 
 // What is printed of a solution.

@@ -57,7 +57,7 @@ class Parser {
   std::int64_t TakeInteger();
   [[noreturn]] void FailExpecting(const std::string& expected) const;
   void SkipItem();
-  void SkipAnnotations();
+  VokTarnConsistency ParseConstraintAnnotations();
   void SkipParentheses();
 
   // ---- Items
@@ -170,11 +170,19 @@ void Parser::SkipItem() {
   }
 }
 
-void Parser::SkipAnnotations() {
+// How strongly a constraint is to narrow; other annotations of constraints say nothing here.
+VokTarnConsistency Parser::ParseConstraintAnnotations() {
+  VokTarnConsistency consistency = VokTarnConsistency::Default;
   while (Take("::")) {
-    TakeName("the name of an annotation");
+    const std::string_view name = TakeName("the name of an annotation");
     SkipParentheses();
+    if (name == "domain" || name == "domain_propagation") {
+      consistency = VokTarnConsistency::Domain;
+    } else if (name == "bounds" || name == "bounds_propagation" || name == "value_propagation") {
+      consistency = VokTarnConsistency::Bounds;
+    }
   }
+  return consistency;
 }
 
 // What stands in parentheses, if they follow, whatever it is.
@@ -445,7 +453,7 @@ void Parser::ParseConstraint() {
     }
   }
   Expect(")");
-  SkipAnnotations();
+  constraint.fConsistency = ParseConstraintAnnotations();
   if (fScratch.size() < count) {
     return fErrors.AddUnsupported(constraint.fLine, name, count);
   }

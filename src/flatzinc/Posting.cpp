@@ -76,25 +76,19 @@ const Set& Posting::GetSet(unsigned argument) const {
 
 // ---- What is known
 
-namespace {
-
-const VokTarnInteger& GetInteger(const VokTarnNetwork& network, VokTarnValueId id) {
-  return static_cast<const VokTarnInteger&>(network.GetValue(id));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 std::int64_t Posting::GetLower(const Term& term) const {
-  return term.fIsVariable ? GetInteger(fBuilder.fNetwork, GetValue(term)).GetLowerBound() : term.fNumber;
+  return term.fIsVariable ? fBuilder.fNetwork.GetLower(GetValue(term)) : term.fNumber;
 }
 
 std::int64_t Posting::GetUpper(const Term& term) const {
-  return term.fIsVariable ? GetInteger(fBuilder.fNetwork, GetValue(term)).GetUpperBound() : term.fNumber;
+  return term.fIsVariable ? fBuilder.fNetwork.GetUpper(GetValue(term)) : term.fNumber;
 }
 
 bool Posting::IsPossible(const Term& term, std::int64_t value) const {
   return value >= GetLower(term) && value <= GetUpper(term) &&
-         (!term.fIsVariable || GetInteger(fBuilder.fNetwork, GetValue(term)).IsPossible(static_cast<VokLong>(value)));
+         (!term.fIsVariable || fBuilder.fNetwork.IsPossible(GetValue(term), static_cast<VokLong>(value)));
 }
 
 std::int64_t Posting::CountListed(const Term& term) const {
@@ -125,6 +119,10 @@ VokTarnValueId Posting::AddValue(std::int64_t lower, std::int64_t upper) const {
   ToConstant(lower);
   ToConstant(upper);
   return fBuilder.AddValue(MakeRange(lower, upper), {});
+}
+
+VokTarnValueId Posting::AddListed() const {
+  return fBuilder.fNetwork.AddValue(fBuilder.fListing);
 }
 
 void Posting::Post(std::string_view className, std::span<const VokTarnValueId> arguments,

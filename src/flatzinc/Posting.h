@@ -30,6 +30,7 @@ class Posting {
 
   // ---- Arguments, from 0
   std::string_view GetName() const;
+  VokTarnConsistency GetConsistency() const noexcept { return fConstraint.fConsistency; }
   unsigned Size() const noexcept { return fConstraint.fCount; }
   Term GetTerm(unsigned argument) const;                    // an integer or a truth value
   std::span<const Term> GetTerms(unsigned argument) const;  // an array of them
@@ -53,6 +54,8 @@ class Posting {
   std::vector<VokTarnValueId> GetValues(std::span<const Term> terms) const;
   // A new value with this domain. Both ends fit the network's integers, or PostingError.
   VokTarnValueId AddValue(std::int64_t lower, std::int64_t upper) const;
+  // A new value of the type that lists its values, of which nothing is known yet.
+  VokTarnValueId AddListed() const;
   // Adds a constraint of the class that a module publishes under this name. PostingError when none does or when it does
   // not take the arguments.
   void Post(std::string_view className, std::span<const VokTarnValueId> arguments,

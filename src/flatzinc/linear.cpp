@@ -66,7 +66,7 @@ class Linear {
   void PostSingle(const Statement& statement) const;
   bool PostPair(const Statement& statement) const;
   bool PostAsClause() const;
-  bool PostSetSum(const Statement& statement) const;
+  bool PostChain(const Statement& statement) const;
   void PostSum(const Statement& statement) const;
 
   const Posting& fPosting;
@@ -168,7 +168,7 @@ void Linear::Post(const Statement& statement) const {
   const bool isPlain = statement.fMode == VokTarnMode::Plain;
   if (fItems.size() == 1) {
     PostSingle(statement);
-  } else if (!(fItems.size() == 2 && PostPair(statement)) && !(isPlain && PostAsClause()) && !PostSetSum(statement)) {
+  } else if (!(fItems.size() == 2 && PostPair(statement)) && !(isPlain && PostAsClause()) && !PostChain(statement)) {
     PostSum(statement);
   }
 }
@@ -249,42 +249,52 @@ bool Linear::PostAsClause() const {
   return true;
 }
 
-// r = a + b value by value, where a domain has gaps that bounds do not see. A pass over the pairs of values costs more
-// than one over bounds, so all three are to be listed, with few pairs, and most of a hull missing from some domain.
-bool Linear::PostSetSum(const Statement& statement) const {
-  constexpr std::int64_t kMostPairs = 1 << 14;
-  if (statement.fMode != VokTarnMode::Plain || fRelation != VokTarnRelation::Equal || fItems.size() != 3 ||
-      fNumber != 0) {
+// The sum value by value, as a chain of additions, where that is worth its cost and all terms are listed. True when
+// nothing is left for bounds.
+bool Linear::PostChain(const Statement& statement) const {
+  constexpr std::int64_t kMostAdded = 1 << 20;  // pairs of values of two terms
+  if (statement.fMode != VokTarnMode::Plain || fRelation != VokTarnRelation::Equal || fItems.size() < 3) {
     return false;
   }
-  std::vector<VokTarnValueId> operands;
-  VokTarnValueId result = vokNoValue;
-  // The one whose sign no other has.
-  const Int128 signs = fItems[0].fFactor + fItems[1].fFactor + fItems[2].fFactor;
-  bool hasGaps = false;
+  std::vector<VokTarnSumTerm> terms;
+  std::vector<const Item*> order;  // those to be added, then those to be subtracted
   std::int64_t pairs = 1;
-  std::int64_t largest = 1;
-  for (std::size_t i = 0; i < fItems.size(); ++i) {
-    const Item& item = fItems[i];
-    const std::int64_t size = fPosting.CountListed(item.fTerm);
-    if (!IsUnit(i) || size == 0) {
-      return false;
-    }
-    hasGaps = hasGaps || 2 * size < fPosting.GetUpper(item.fTerm) - fPosting.GetLower(item.fTerm);
-    pairs *= size;
-    largest = std::max(largest, size);
-    if (item.fFactor == -signs) {
-      result = item.fValue;
-    } else {
-      operands.push_back(item.fValue);
+  for (const bool isAdded : {true, false}) {
+    for (std::size_t i = 0; i < fItems.size(); ++i) {
+      const Item& item = fItems[i];
+      const std::int64_t size = fPosting.CountListed(item.fTerm);
+      if (!IsUnit(i) || size == 0) {
+        return false;
+      }
+      if ((item.fFactor > 0) == isAdded) {
+        const std::int64_t width = fPosting.GetUpper(item.fTerm) - fPosting.GetLower(item.fTerm);
+        terms.push_back({static_cast<double>(size), static_cast<double>(width)});
+        order.push_back(&item);
+        pairs = order.size() <= 2 ? pairs * size : pairs;
+      }
     }
   }
-  if (operands.size() != 2 || !hasGaps || pairs / largest > kMostPairs) {
+  // The sum is one number; where that is 0 the last term to be subtracted is the sum of the others.
+  const bool hasResult = fNumber == 0 && order.back()->fFactor < 0;
+  const VokTarnSumTerm known = {1, 0};
+  const VokTarnSumPlan plan = VokTarnPlanSum(std::span(terms).first(terms.size() - (hasResult ? 1 : 0)),
+                                             hasResult ? terms.back() : known, fPosting.GetConsistency());
+  if (plan == VokTarnSumPlan::Bounds || pairs > kMostAdded || order.front()->fFactor < 0 || fNumber > kGreatest ||
+      fNumber < kLeast) {
     return false;
   }
-  operands.push_back(result);
-  fPosting.Post("VokTarnAdditionConstraint", operands);
-  return true;
+  const VokTarnValueId result =
+      hasResult ? order.back()->fValue : fPosting.GetValue({false, static_cast<std::int64_t>(fNumber)});
+  const std::size_t count = order.size() - (hasResult ? 1 : 0);
+  VokTarnValueId sum = order.front()->fValue;
+  for (std::size_t k = 1; k < count; ++k) {
+    const VokTarnValueId next = k + 1 == count ? result : fPosting.AddListed();
+    const VokTarnValueId added[] = {sum, order[k]->fValue, next};
+    const VokTarnValueId subtracted[] = {next, order[k]->fValue, sum};
+    fPosting.Post("VokTarnAdditionConstraint", order[k]->fFactor > 0 ? added : subtracted);
+    sum = next;
+  }
+  return plan == VokTarnSumPlan::Chain;
 }
 
 void Linear::PostSum(const Statement& statement) const {

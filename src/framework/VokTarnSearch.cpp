@@ -275,8 +275,7 @@ VokTarnBranch VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
   const VokTarnInteger& x = AsInteger(fNetwork.GetValue(variable));
   const std::optional<VokLong>& phase = fPhases[fPlaces[variable]];
   if (phase && x.IsPossible(*phase)) {
-    if (fNetwork.GetType(variable)->IsListed() || *phase == x.GetLowerBound() ||
-        *phase == x.GetUpperBound()) {
+    if (fNetwork.GetType(variable)->IsListed() || *phase == x.GetLowerBound() || *phase == x.GetUpperBound()) {
       return {variable, VokTarnBranch::Part::Exactly, *phase};
     }
     return {variable, VokTarnBranch::Part::AtMost, *phase};

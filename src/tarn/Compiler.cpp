@@ -241,10 +241,10 @@ VokTarnValueId Compiler::CompileSum(Nodes& nodes, const Sum& sum, VokTarnValueId
     coefficients.push_back(term.fCoefficient);
   }
   const VokTarnOperatorDescriptor* linear = fTable.ChooseList(sSum, GetTypes(operands));
-  if (linear != nullptr && (sum.fIsList || IsLongSum(sum, operands, result))) {
+  const VokTarnSumPlan plan = sum.fIsList ? VokTarnSumPlan::Bounds : PlanSum(sum, operands, result);
+  if (linear != nullptr && plan != VokTarnSumPlan::Chain) {
     VokTarnValueId taken = CanBeResult(*linear, result) ? result : vokNoValue;
-    if (!sum.fIsList && HasFewSmallTerms(operands)) {
-      // Bounds narrow it now, and the chain as soon as some of its terms are known.
+    if (plan == VokTarnSumPlan::Both) {
       taken = CompileChain(nodes, sum, result);
     }
     MergeTerms(operands, coefficients);
@@ -320,42 +320,23 @@ std::optional<std::pair<VokTarnValueId, VokLong>> Compiler::FindShifted(const No
   return std::nullopt;
 }
 
-bool Compiler::HasFewSmallTerms(std::span<const VokTarnValueId> operands) const {
-  constexpr std::size_t sMostTerms = 4;
-  constexpr double sMostValues = 256;
-  return operands.size() > 2 && operands.size() <= sMostTerms &&
-         std::ranges::all_of(operands, [this](VokTarnValueId operand) { return EstimateSize(operand) <= sMostValues; });
-}
-
-// Whether a partial sum may take more values than a set should list. It has no more than the terms before it can make,
-// and, where the result is known, no more than the terms behind it can take from that.
-bool Compiler::IsLongSum(const Sum& sum, std::span<const VokTarnValueId> operands, VokTarnValueId result) const {
-  constexpr std::size_t sMostTerms = 8;
-  constexpr double sMostValues = 1023;
-  if (operands.size() > sMostTerms) {
-    return true;
-  }
-  std::vector<double> behind(operands.size());  // per term, the number of values that the partial sum up to it can take
-  double count = result == vokNoValue ? std::numeric_limits<double>::infinity() : EstimateSize(result);
-  for (std::size_t i = operands.size(); i-- > 0;) {
-    behind[i] = count;
-    count *= EstimateSize(operands[i]);
-  }
-  double before = 1;
-  double span = 0;
+// Sums of up to three terms are narrowed value by value wherever that can be.
+VokTarnSumPlan Compiler::PlanSum(const Sum& sum, std::span<const VokTarnValueId> operands,
+                                 VokTarnValueId result) const {
+  constexpr double kUnknown = std::numeric_limits<double>::infinity();
+  constexpr std::size_t kMostOfDomain = 3;
+  const auto measure = [this](VokTarnValueId id, double factor) {
+    const double width =
+        fNetwork.GetCardinality(id) < 0 ? kUnknown : static_cast<double>(fNetwork.GetUpper(id)) - fNetwork.GetLower(id);
+    return VokTarnSumTerm{EstimateSize(id), width * std::abs(factor)};
+  };
+  std::vector<VokTarnSumTerm> terms;
   for (std::size_t i = 0; i < operands.size(); ++i) {
-    const VokTarnAny& value = fNetwork.GetValue(operands[i]);
-    const auto& integer = static_cast<const VokTarnInteger&>(value);
-    const double width = value.IsUndefined() != 0 ? std::numeric_limits<double>::infinity()
-                                                  : static_cast<double>(integer.GetUpperBound()) -
-                                                        static_cast<double>(integer.GetLowerBound());
-    span += width * std::abs(static_cast<double>(sum.fTerms[i].fCoefficient));
-    before = std::min(before * EstimateSize(operands[i]), span + 1);
-    if (i != 0 && std::min(before, behind[i]) > sMostValues) {
-      return true;
-    }
+    terms.push_back(measure(operands[i], static_cast<double>(sum.fTerms[i].fCoefficient)));
   }
-  return false;
+  const bool isShort = operands.size() <= kMostOfDomain;
+  return VokTarnPlanSum(terms, result == vokNoValue ? VokTarnSumTerm{kUnknown, kUnknown} : measure(result, 1),
+                        isShort ? VokTarnConsistency::Domain : VokTarnConsistency::Default);
 }
 
 double Compiler::EstimateSize(VokTarnValueId value) const {

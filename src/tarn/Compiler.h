@@ -8,6 +8,7 @@
 
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnOperatorTable.h"
+#include "framework/VokTarnSumPlan.h"
 #include "framework/VokTarnSearch.h"
 #include "tarn/Model.h"
 #include "tarn/Sum.h"
@@ -91,8 +92,7 @@ class Compiler {
   std::optional<std::pair<VokTarnValueId, VokLong>> FindShifted(const Nodes& nodes, NodeIndex index) const;
   // Makes one term of those over the same value, where no order of them can leave the integers.
   void MergeTerms(std::vector<VokTarnValueId>& operands, std::vector<VokLong>& coefficients) const;
-  bool HasFewSmallTerms(std::span<const VokTarnValueId> operands) const;
-  bool IsLongSum(const Sum& sum, std::span<const VokTarnValueId> values, VokTarnValueId result) const;
+  VokTarnSumPlan PlanSum(const Sum& sum, std::span<const VokTarnValueId> operands, VokTarnValueId result) const;
   double EstimateSize(VokTarnValueId value) const;
 
   VokTarnOperatorTable::Choice Choose(const Word& name, std::span<const VokTarnValueId> operands) const;
