@@ -7,7 +7,9 @@
 //
 // Strength  That of the type of r: domain consistent for enumerated sets until more than sMAX_CARD sums differ,
 //           bounds for intervals.
-// Cost      Three narrowing calls, each in proportion to the product of two cardinalities at most.
+// Cost      O(least cardinality of an operand) where the values of each lie within 64 numbers. Else three narrowing
+// calls
+//           of the type, each in proportion to the product of two cardinalities at most.
 class VOKTARN_EXPORT VokTarnAdditionConstraint final
     : public VokTarnConstraintOf<VokTarnAdditionConstraint, VokTarnFunctionConstraint> {
  public:

@@ -2,6 +2,8 @@
 // choice of the operator has brought to types that they take.
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <tuple>
 #include <vector>
 
 #include "constraints/VokTarnAdditionConstraint.h"
@@ -49,6 +51,53 @@ bool IsOnePassEnough(const VokTarnObjectEnvironment& environment) {
          !environment.AreSame(kA, kResult) && !environment.AreSame(kB, kResult);
 }
 
+// r = a + b where a word holds the values of each: for each value of one operand, those of the other that lead to a
+// value of r. That tells at once what all three keep. Nothing is said when some are too far apart for words, or are the
+// same.
+std::optional<int> KeepSumsOfWords(const VokTarnObjectEnvironment& environment) {
+  if (environment.AreSame(kA, kB) || environment.AreSame(kA, kResult) || environment.AreSame(kB, kResult)) {
+    return std::nullopt;
+  }
+  const bool isFewer = environment.Cardinality(kA) <= environment.Cardinality(kB);
+  const unsigned few = isFewer ? kA : kB;
+  const unsigned many = isFewer ? kB : kA;
+  const VokTarnBits fewBits = environment.Bits(few);
+  const VokTarnBits manyBits = environment.Bits(many);
+  const VokTarnBits results = environment.Bits(kResult);
+  if (fewBits == 0 || manyBits == 0 || results == 0) {
+    return std::nullopt;
+  }
+  const std::int64_t distance =
+      std::int64_t{environment.Lower(few)} + environment.Lower(many) - environment.Lower(kResult);
+  VokTarnBits keptFew = 0;
+  VokTarnBits keptMany = 0;
+  VokTarnBits keptResults = 0;
+  ForEachBit(fewBits, [&](unsigned place) {
+    const VokTarnBits reached = ShiftBits(manyBits, distance + place) & results;
+    if (reached != 0) {
+      keptFew |= Bit(place);
+      keptMany |= ShiftBits(reached, -(distance + place));
+      keptResults |= reached;
+    }
+  });
+  if (keptFew == 0) {
+    return environment.Fail();
+  }
+  int changed = 0;
+  bool isExact = true;  // but for a range, which keeps its holes
+  for (const auto& [i, before, kept] : {std::tuple(kResult, results, keptResults), std::tuple(few, fewBits, keptFew),
+                                        std::tuple(many, manyBits, keptMany)}) {
+    if (kept != before) {
+      changed |= environment.KeepBits(i, environment.Lower(i), kept);
+      isExact = isExact && !environment.IsRange(i);
+    }
+  }
+  if (isExact) {
+    environment.NoteFixpoint();
+  }
+  return changed;
+}
+
 // r = a * a for a listed a: as a product of two operands it would pair each value of a with all others.
 int KeepSquares(const VokTarnObjectEnvironment& environment) {
   std::vector<VokLong> roots;
@@ -76,6 +125,9 @@ std::optional<std::int64_t> VokTarnAdditionConstraint::Compute(std::int64_t a, s
 }
 
 int VokTarnAdditionConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
+  if (const std::optional<int> changed = KeepSumsOfWords(environment)) {
+    return *changed;
+  }
   const VokTarnInteger& a = environment.Integer(kA);
   const VokTarnInteger& b = environment.Integer(kB);
   const VokTarnInteger& r = environment.Integer(kResult);

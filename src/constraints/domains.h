@@ -51,7 +51,20 @@ void ForEachValue(const VokTarnObjectEnvironment& environment, unsigned i, std::
 }
 
 // The possible values of argument i from `base` to base + 63, a bit for each.
-VokTarnBits BitsFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t base);
+inline VokTarnBits BitsFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t base) {
+  const std::int64_t last = base + static_cast<std::int64_t>(kWordBits) - 1;
+  if (environment.HasNoHoles(i)) {
+    const std::int64_t lower = std::max<std::int64_t>(environment.Lower(i), base);
+    const std::int64_t upper = std::min<std::int64_t>(environment.Upper(i), last);
+    return lower > upper ? 0 : BitRange(static_cast<unsigned>(lower - base), static_cast<unsigned>(upper - base));
+  }
+  if (const VokTarnBits bits = environment.Bits(i); bits != 0) {
+    return ShiftBits(bits, environment.Lower(i) - base);
+  }
+  VokTarnBits bits = 0;
+  ForEachValue(environment, i, base, last, [&](VokLong v) { bits |= Bit(static_cast<unsigned>(v - base)); });
+  return bits;
+}
 
 // Takes away the values, which are possible values of argument i, a type that lists them.
 int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokLong> values);

@@ -455,8 +455,7 @@ int VokTarnLinearRelationConstraint::PropagateIn(const VokTarnObjectEnvironment&
       environment.NoteEntailed();
       return 0;
     }
-    return value == 0 || value == 1 ? Pass<Wide>(environment, *this).Enforce(relation, value == 0)
-                                    : environment.Fail();
+    return value == 0 || value == 1 ? Pass<Wide>(environment, *this).Enforce(relation, value == 0) : environment.Fail();
   }
   const Decision decision = Pass<Wide>(environment, *this).Decide(relation);
   if (decision == Decision::Fails || (decision == Decision::Holds && mode == VokTarnMode::Reified)) {

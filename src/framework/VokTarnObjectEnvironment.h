@@ -48,7 +48,10 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
                                      : fNetwork.IsPossible(fArguments[i], static_cast<VokLong>(v)));
   }
   // See VokTarnNetwork::GetBits.
-  VokTarnBits Bits(unsigned i) const { return fNetwork.GetBits(fArguments[i]); }
+  VokTarnBits Bits(unsigned i) const {
+    const VokTarnBits bits = Slot(i).fSummary.fBits;
+    return bits != 0 ? bits : fNetwork.GetBits(fArguments[i]);
+  }
   // The possible values where the type lists them, see VokTarnObjectDescriptor::Lister.
   std::span<const VokLong> Members(unsigned i) const {
     const VokTarnSlot& slot = Slot(i);
