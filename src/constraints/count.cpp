@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <numeric>
 #include <vector>
 
 #include "constraints/VokTarnCountConstraint.h"
@@ -99,8 +100,71 @@ bool VokTarnCountConstraint::IsSatisfied(const VokTarnObjectEnvironment& environ
   return count == ExactValue(environment, kResult);
 }
 
+unsigned VokTarnCountConstraint::CountState(const VokTarnObjectEnvironment& environment) const {
+  return environment.IsSingle(kValue) && environment.Size() > kFirst ? unsigned{sStateSize} : 0U;
+}
+
+void VokTarnCountConstraint::InitState(const VokTarnObjectEnvironment& environment) const {
+  if (CountState(environment) == 0) {
+    return;
+  }
+  fOrder.resize(environment.Size() - kFirst);
+  std::iota(fOrder.begin(), fOrder.end(), kFirst);
+  const auto settled = std::partition(fOrder.begin(), fOrder.end(), [&](unsigned i) { return IsOpen(environment, i); });
+  fPlaces.resize(environment.Size());
+  for (unsigned place = 0; place < fOrder.size(); ++place) {
+    fPlaces[fOrder[place]] = place;
+  }
+  environment.SetState(State(sOpen), settled - fOrder.begin());
+  environment.SetState(State(sCertain),
+                       std::count_if(settled, fOrder.end(), [&](unsigned i) { return IsCertain(environment, i); }));
+}
+
+bool VokTarnCountConstraint::Advise(unsigned argument, const VokTarnSummary&,
+                                    const VokTarnObjectEnvironment& environment) const {
+  if (argument < kFirst) {
+    return true;
+  }
+  const auto open = static_cast<unsigned>(environment.State(State(sOpen)));
+  const unsigned place = fPlaces[argument];
+  if (place >= open || IsOpen(environment, argument)) {
+    return false;
+  }
+  std::swap(fOrder[place], fOrder[open - 1]);
+  fPlaces[fOrder[place]] = place;
+  fPlaces[argument] = open - 1;
+  environment.SetState(State(sOpen), open - 1);
+  if (IsCertain(environment, argument)) {
+    environment.SetState(State(sCertain), environment.State(State(sCertain)) + 1);
+  }
+  return true;
+}
+
+// As NarrowMembers. A member that is settled meanwhile leaves its place to one behind it, which has had its turn.
+int VokTarnCountConstraint::NarrowOpenMembers(const VokTarnObjectEnvironment& environment) const {
+  const std::int64_t certain = environment.State(State(sCertain));
+  const std::int64_t open = environment.State(State(sOpen));
+  int changed = environment.KeepBetween(kResult, certain, certain + open);
+  if (environment.IsFailed() || open == 0) {
+    return changed;
+  }
+  const bool all = environment.Lower(kResult) == certain + open;
+  if (!all && environment.Upper(kResult) != certain) {
+    environment.NoteFixpoint();
+    return changed;
+  }
+  for (auto place = static_cast<std::size_t>(open); place-- > 0 && !environment.IsFailed();) {
+    changed |= all ? environment.KeepExactly(fOrder[place], environment.Lower(kValue))
+                   : environment.Remove(fOrder[place], environment.Lower(kValue));
+  }
+  return changed;
+}
+
 int VokTarnCountConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
-  const int candidates = environment.Value(kValue).GetCardinality();
+  if (HasState()) {
+    return NarrowOpenMembers(environment);
+  }
+  const int candidates = environment.Cardinality(kValue);
   const int changed = candidates > 1 && candidates <= kMostCandidates ? NarrowValue(environment) : 0;
   return environment.IsFailed() ? changed : changed | NarrowMembers(environment);
 }

@@ -361,20 +361,28 @@ void VokTarnLinearRelationConstraint::InitState(const VokTarnObjectEnvironment& 
   environment.SetState(State(sOpen), static_cast<std::int64_t>(fOrder.size()));
 }
 
-void VokTarnLinearRelationConstraint::Advise(unsigned argument, const VokTarnSummary& before,
+bool VokTarnLinearRelationConstraint::Advise(unsigned argument, const VokTarnSummary& before,
                                              const VokTarnObjectEnvironment& environment) const {
   if (argument == GetTerms()) {
-    return;
+    return true;
   }
-  const std::int64_t c = GetStatement().fCoefficients[argument];
+  const std::int64_t c = fStatement.fCoefficients[argument];
   const std::int64_t raised = c * (std::int64_t{environment.Lower(argument)} - before.fLower);
   const std::int64_t lowered = c * (std::int64_t{environment.Upper(argument)} - before.fUpper);
-  if (const std::int64_t change = c > 0 ? raised : lowered; change != 0) {
-    environment.SetState(State(sLower), environment.State(State(sLower)) + change);
+  const std::int64_t lower = environment.State(State(sLower)) + (c > 0 ? raised : lowered);
+  const std::int64_t upper = environment.State(State(sUpper)) + (c > 0 ? lowered : raised);
+  if ((c > 0 ? raised : lowered) != 0) {
+    environment.SetState(State(sLower), lower);
   }
-  if (const std::int64_t change = c > 0 ? lowered : raised; change != 0) {
-    environment.SetState(State(sUpper), environment.State(State(sUpper)) + change);
+  if ((c > 0 ? lowered : raised) != 0) {
+    environment.SetState(State(sUpper), upper);
   }
+  if (GetMode() != VokTarnMode::Plain) {
+    return true;
+  }
+  const std::int64_t widest = environment.State(State(sWidest));
+  const bool isNarrowed = widest <= -lower && (GetRelation() == VokTarnRelation::AtMost ? upper > 0 : widest <= upper);
+  return !isNarrowed || lower == upper;
 }
 
 VokTarnEvent VokTarnLinearRelationConstraint::GetEvent(unsigned argument, const VokTarnObjectEnvironment&) const {

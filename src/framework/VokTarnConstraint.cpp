@@ -88,7 +88,7 @@ int VokTarnConstraint::ActivateByArgument(unsigned, int, VokTarnNetwork* network
 }
 
 // Whether some argument has more than one value.
-bool VokTarnConstraint::IsOpen(const VokTarnObjectEnvironment& environment) const {
+bool VokTarnConstraint::HasOpenArgument(const VokTarnObjectEnvironment& environment) const {
   const auto isOpen = [&](unsigned i) { return environment.Has(i) && !environment.IsSingle(i); };
   if (isOpen(fOpen)) {
     return true;
@@ -104,8 +104,9 @@ bool VokTarnConstraint::IsOpen(const VokTarnObjectEnvironment& environment) cons
 
 int VokTarnConstraint::Filter(const VokTarnObjectEnvironment& environment, int) {
   const int changed = Propagate(environment);
-  return environment.IsFailed() || IsOpen(environment) || IsSatisfied(environment) ? changed
-                                                                                   : changed | environment.Fail();
+  return environment.IsFailed() || HasOpenArgument(environment) || IsSatisfied(environment)
+             ? changed
+             : changed | environment.Fail();
 }
 
 std::ostream& VokTarnConstraint::PrintOn(std::ostream& os) const {

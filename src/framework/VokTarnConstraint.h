@@ -69,13 +69,16 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   // ---- Numbers that follow the search
   // How many 64-bit numbers the network keeps for the constraint: what it has summed up of its arguments, say. Going
   // back restores them. Asked when the constraint is added.
-  virtual unsigned CountState() const { return 0; }
+  virtual unsigned CountState(const VokTarnObjectEnvironment& /*environment*/) const { return 0; }
   // Sets the numbers, from the arguments as they are; when the constraint is added.
   virtual void InitState(const VokTarnObjectEnvironment& /*environment*/) const {}
   // An argument, `before` this, has changed as the constraint waits for; at once, before other changes. The place to
-  // bring the numbers up to date, in O(1). Not asked of a constraint without numbers.
-  virtual void Advise(unsigned /*argument*/, const VokTarnSummary& /*before*/,
-                      const VokTarnObjectEnvironment& /*environment*/) const {}
+  // bring the numbers up to date, in O(1). Not asked of a constraint without numbers. Returns whether the constraint is
+  // to be filtered: false where it would change nothing and some argument is open still.
+  virtual bool Advise(unsigned /*argument*/, const VokTarnSummary& /*before*/,
+                      const VokTarnObjectEnvironment& /*environment*/) const {
+    return true;
+  }
 
   // The place in the network's list of constraints, and that of its first number, set when the network takes the
   // constraint.
@@ -91,7 +94,7 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   VokULong State(unsigned i) const noexcept { return fState + i; }
 
  private:
-  bool IsOpen(const VokTarnObjectEnvironment& environment) const;
+  bool HasOpenArgument(const VokTarnObjectEnvironment& environment) const;
 
   std::vector<VokTarnValueId> fArguments;
   std::vector<VokLong> fConstants;

@@ -134,7 +134,7 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
     throw std::invalid_argument("a constraint does not apply to its arguments");
   }
   const VokULong index = GetConstraintCount();
-  const unsigned numbers = constraint->CountState();
+  const unsigned numbers = constraint->CountState(environment);
   constraint->SetIndex(index, static_cast<VokULong>(fState.size()));
   fState.resize(fState.size() + numbers);
   const std::vector<unsigned> watched = constraint->GetWatched(environment);

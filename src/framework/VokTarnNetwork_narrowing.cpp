@@ -184,7 +184,9 @@ void VokTarnNetwork::Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTar
     if (watcher.fEvent <= event) {
       if (watcher.fIsAdvised) {
         const VokTarnConstraint& constraint = *fConstraints[watcher.fConstraint];
-        constraint.Advise(watcher.fArgument, before, VokTarnObjectEnvironment(*this, constraint.GetArguments()));
+        if (!constraint.Advise(watcher.fArgument, before, VokTarnObjectEnvironment(*this, constraint.GetArguments()))) {
+          continue;
+        }
       }
       Schedule(watcher.fConstraint);
     }
