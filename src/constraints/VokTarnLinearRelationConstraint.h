@@ -31,9 +31,7 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
   VokTarnEvent GetEvent(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
   std::vector<unsigned> GetWatched(const VokTarnObjectEnvironment& environment) const override;
   unsigned MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
-  unsigned CountState(const VokTarnObjectEnvironment&) const override {
-    return HasState() ? unsigned{sStateSize} : 0U;
-  }
+  unsigned CountState(const VokTarnObjectEnvironment&) const override { return HasState() ? unsigned{sStateSize} : 0U; }
   void InitState(const VokTarnObjectEnvironment& environment) const override;
   bool Advise(unsigned argument, const VokTarnSummary& before,
               const VokTarnObjectEnvironment& environment) const override;

@@ -16,40 +16,14 @@ namespace {
 
 // The least possible value of argument i from v on; the greatest up to v. Requires: it is not undefined.
 std::optional<std::int64_t> FindFrom(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
-  if (v <= environment.Lower(i)) {
-    return environment.Lower(i);
-  }
-  if (v > environment.Upper(i)) {
-    return std::nullopt;
-  }
-  if (environment.HasNoHoles(i)) {
-    return v;
-  }
-  const std::span<const VokLong> members = environment.Members(i);
-  const auto number = static_cast<VokLong>(v);
-  if (!members.empty()) {
-    return *std::lower_bound(members.begin(), members.end(), number);
-  }
-  const VokTarnInteger& x = environment.Integer(i);
-  return x.IsPossible(number) ? number : x.GetNextExactValue(number);
+  return v <= environment.Lower(i)  ? std::optional<std::int64_t>(environment.Lower(i))
+         : v > environment.Upper(i) ? std::nullopt
+                                    : std::optional<std::int64_t>(environment.FindFrom(i, static_cast<VokLong>(v)));
 }
 std::optional<std::int64_t> FindUpTo(const VokTarnObjectEnvironment& environment, unsigned i, std::int64_t v) {
-  if (v >= environment.Upper(i)) {
-    return environment.Upper(i);
-  }
-  if (v < environment.Lower(i)) {
-    return std::nullopt;
-  }
-  if (environment.HasNoHoles(i)) {
-    return v;
-  }
-  const std::span<const VokLong> members = environment.Members(i);
-  const auto number = static_cast<VokLong>(v);
-  if (!members.empty()) {
-    return *(std::upper_bound(members.begin(), members.end(), number) - 1);
-  }
-  const VokTarnInteger& x = environment.Integer(i);
-  return x.IsPossible(number) ? number : x.GetPrevExactValue(number);
+  return v >= environment.Upper(i)  ? std::optional<std::int64_t>(environment.Upper(i))
+         : v < environment.Lower(i) ? std::nullopt
+                                    : std::optional<std::int64_t>(environment.FindUpTo(i, static_cast<VokLong>(v)));
 }
 
 // The least and the greatest |x|.

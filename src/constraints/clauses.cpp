@@ -113,32 +113,32 @@ int VokTarnClauseConstraint::Propagate(const VokTarnObjectEnvironment& environme
 
 // ---- Disjunction
 
-// All of them: MoveWatch sees who matters.
-std::vector<unsigned> VokTarnDisjunctionConstraint::GetWatched(const VokTarnObjectEnvironment& environment) const {
-  std::vector<unsigned> all(environment.Size());
-  for (unsigned i = 0; i < environment.Size(); ++i) {
-    all[i] = i;
-  }
-  return all;
-}
-
-unsigned VokTarnDisjunctionConstraint::MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const {
-  if (argument == GetResult() || environment.Lower(argument) == GetAim(argument)) {
-    return sWake;
-  }
-  const auto isLost = [&](unsigned i) { return environment.IsSingle(i) && environment.Lower(i) != GetAim(i); };
-  if (argument != fLookedAt[0] && argument != fLookedAt[1]) {
-    // While both stand, one more that is lost tells nothing. At the start, and where one was all, they need not.
-    return isLost(fLookedAt[0]) || isLost(fLookedAt[1]) ? sWake : argument;
-  }
-  // Looked at from now on: a member that is open or holds.
+void VokTarnDisjunctionConstraint::InitState(const VokTarnObjectEnvironment& environment) const {
+  const std::int64_t members = GetResult();
+  environment.SetState(State(sLeft), members);
+  environment.SetState(State(sPlaces), members * (members - 1) / 2);
   for (unsigned i = 0; i < GetResult(); ++i) {
-    if (i != fLookedAt[0] && i != fLookedAt[1] && !isLost(i)) {
-      fLookedAt[fLookedAt[0] == argument ? 0 : 1] = i;
-      return argument;
+    if (environment.IsSingle(i)) {
+      NoteMember(i, environment);
     }
   }
-  return sWake;
+}
+
+// The member has one value now. Whether that calls for a filtering.
+bool VokTarnDisjunctionConstraint::NoteMember(unsigned i, const VokTarnObjectEnvironment& environment) const {
+  if (environment.Lower(i) == GetAim(i)) {
+    environment.SetState(State(sHolds), 1);
+    return true;
+  }
+  const std::int64_t left = environment.State(State(sLeft)) - 1;
+  environment.SetState(State(sLeft), left);
+  environment.SetState(State(sPlaces), environment.State(State(sPlaces)) - i);
+  return left <= 1;
+}
+
+bool VokTarnDisjunctionConstraint::Advise(unsigned argument, const VokTarnSummary&,
+                                          const VokTarnObjectEnvironment& environment) const {
+  return argument == GetResult() || NoteMember(argument, environment);
 }
 
 bool VokTarnDisjunctionConstraint::IsApplicable(const VokTarnObjectEnvironment& environment) const {
@@ -161,35 +161,33 @@ bool VokTarnDisjunctionConstraint::IsSatisfied(const VokTarnObjectEnvironment& e
 }
 
 int VokTarnDisjunctionConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
-  int changed = KeepTruths(environment);
+  int changed = 0;
+  if (environment.State(State(sAreTruths)) == 0) {
+    changed = KeepTruths(environment);
+    environment.SetState(State(sAreTruths), 1);
+  }
   if (environment.IsFailed()) {
     return changed;
   }
   const unsigned result = GetResult();
-  unsigned open[2] = {0, 0};
-  unsigned count = 0;
-  for (unsigned i = 0; i < result; ++i) {
-    if (!environment.IsSingle(i)) {
-      open[count < 2 ? count : 1] = i;
-      ++count;
-    } else if (environment.Lower(i) == GetAim(i)) {
-      environment.NoteEntailed();
-      return changed | environment.KeepExactly(result, GetAimOfResult());
-    }
+  const std::int64_t left = environment.State(State(sLeft));
+  if (environment.State(State(sHolds)) != 0) {
+    environment.NoteEntailed();
+    return changed | environment.KeepExactly(result, GetAimOfResult());
   }
-  if (count == 0) {
+  if (left == 0) {
     return changed | environment.KeepExactly(result, 1 - GetAimOfResult());
   }
-  if (environment.IsSingle(result) && environment.Lower(result) != GetAimOfResult()) {
+  if (!environment.IsSingle(result)) {
+    return changed;
+  }
+  if (environment.Lower(result) != GetAimOfResult()) {
     for (unsigned i = 0; i < result && !environment.IsFailed(); ++i) {
       changed |= environment.KeepExactly(i, 1 - GetAim(i));
     }
-    return changed;
-  }
-  if (count >= 2) {
-    std::ranges::copy(open, fLookedAt);
-  } else if (environment.IsSingle(result)) {
-    changed |= environment.KeepExactly(open[0], GetAim(open[0]));
+  } else if (left == 1) {
+    const auto last = static_cast<unsigned>(environment.State(State(sPlaces)));
+    changed |= environment.KeepExactly(last, GetAim(last));
   }
   return changed;
 }

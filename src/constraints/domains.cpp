@@ -30,17 +30,12 @@ std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, 
   if (lower > upper) {
     return range.fUpper + 1;
   }
-  const auto v = static_cast<VokLong>(lower);
-  if (environment.MayBe(i, v)) {
-    return v;
-  }
-  const std::int64_t next = environment.Integer(i).GetNextExactValue(v);
+  const std::int64_t next = environment.FindFrom(i, static_cast<VokLong>(lower));
   return next <= upper ? next : range.fUpper + 1;
 }
 
 std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
-  const auto v = static_cast<VokLong>(std::min<std::int64_t>(range.fUpper, environment.Upper(i)));
-  return environment.MayBe(i, v) ? v : environment.Integer(i).GetPrevExactValue(v);
+  return environment.FindUpTo(i, static_cast<VokLong>(std::min<std::int64_t>(range.fUpper, environment.Upper(i))));
 }
 
 }  // namespace

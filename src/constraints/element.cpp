@@ -40,29 +40,12 @@ void FindPlaces(const VokTarnObjectEnvironment& environment, std::vector<VokLong
   ForEachValue(environment, kIndex, 1, std::int64_t{environment.Size()} - kBeforeFirst - 1, see);
 }
 
-// The least possible value of a member from v on, the greatest up to v. Require: there is one.
-VokLong FirstFrom(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
-  if (v <= environment.Lower(i) || environment.HasNoHoles(i)) {
-    return std::max(v, environment.Lower(i));
-  }
-  const VokTarnInteger& x = environment.Integer(i);
-  return x.IsPossible(v) ? v : x.GetNextExactValue(v);
-}
-
-VokLong LastUpTo(const VokTarnObjectEnvironment& environment, unsigned i, VokLong v) {
-  if (v >= environment.Upper(i) || environment.HasNoHoles(i)) {
-    return std::min(v, environment.Upper(i));
-  }
-  const VokTarnInteger& x = environment.Integer(i);
-  return x.IsPossible(v) ? v : x.GetPrevExactValue(v);
-}
-
 int KeepBoundsOfMembers(const VokTarnObjectEnvironment& environment, const std::vector<VokLong>& places) {
   VokLong lower = SubIntBase::sMax;
   VokLong upper = SubIntBase::sMin;
   for (const VokLong place : places) {
-    lower = std::min(lower, FirstFrom(environment, Place(place), environment.Lower(kResult)));
-    upper = std::max(upper, LastUpTo(environment, Place(place), environment.Upper(kResult)));
+    lower = std::min(lower, environment.FindFrom(Place(place), environment.Lower(kResult)));
+    upper = std::max(upper, environment.FindUpTo(Place(place), environment.Upper(kResult)));
   }
   return environment.KeepBetween(kResult, lower, upper);
 }

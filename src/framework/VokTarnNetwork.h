@@ -69,6 +69,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokLong GetUpper(VokTarnValueId id) const noexcept { return fValues[id].fSummary.fUpper; }
   // Of an integer: whether v is possible.
   bool IsPossible(VokTarnValueId id, VokLong v) const;
+  // The least value of an integer from v on, its greatest up to v. Require: there is one.
+  VokLong FindFrom(VokTarnValueId id, VokLong v) const;
+  VokLong FindUpTo(VokTarnValueId id, VokLong v) const;
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;

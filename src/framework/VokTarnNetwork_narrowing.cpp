@@ -101,6 +101,37 @@ bool VokTarnNetwork::IsPossible(VokTarnValueId id, VokLong v) const {
   return static_cast<const VokTarnInteger&>(*slot.fObject).IsPossible(v);
 }
 
+VokLong VokTarnNetwork::FindFrom(VokTarnValueId id, VokLong v) const {
+  const VokTarnSlot& slot = fValues[id];
+  if (v <= slot.fSummary.fLower || slot.HasNoHoles() || slot.fSummary.fSize < 0) {
+    return std::max(v, slot.fSummary.fLower);
+  }
+  if (const VokTarnBits bits = FindBits(slot); bits != 0) {
+    return v + static_cast<VokLong>(FirstBit(bits >> static_cast<unsigned>(v - slot.fSummary.fLower)));
+  }
+  if (slot.fLister != nullptr) {
+    return *std::ranges::lower_bound(slot.fLister(*slot.fObject), v);
+  }
+  const auto& integer = static_cast<const VokTarnInteger&>(*slot.fObject);
+  return integer.IsPossible(v) ? v : integer.GetNextExactValue(v);
+}
+
+VokLong VokTarnNetwork::FindUpTo(VokTarnValueId id, VokLong v) const {
+  const VokTarnSlot& slot = fValues[id];
+  if (v >= slot.fSummary.fUpper || slot.HasNoHoles() || slot.fSummary.fSize < 0) {
+    return std::min(v, slot.fSummary.fUpper);
+  }
+  if (const VokTarnBits bits = FindBits(slot); bits != 0) {
+    const auto place = static_cast<unsigned>(v - slot.fSummary.fLower);
+    return slot.fSummary.fLower + static_cast<VokLong>(LastBit(bits & BitRange(0, place)));
+  }
+  if (slot.fLister != nullptr) {
+    return *(std::ranges::upper_bound(slot.fLister(*slot.fObject), v) - 1);
+  }
+  const auto& integer = static_cast<const VokTarnInteger&>(*slot.fObject);
+  return integer.IsPossible(v) ? v : integer.GetPrevExactValue(v);
+}
+
 // Brings the object up to date.
 void VokTarnNetwork::Refresh(const VokTarnSlot& slot) const {
   slot.fIsStale = false;

@@ -47,7 +47,9 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
            (slot.fSummary.fBits != 0 ? (slot.fSummary.fBits >> static_cast<unsigned>(v - slot.fSummary.fLower) & 1) != 0
                                      : fNetwork.IsPossible(fArguments[i], static_cast<VokLong>(v)));
   }
-  // See VokTarnNetwork::GetBits.
+  // See VokTarnNetwork.
+  VokLong FindFrom(unsigned i, VokLong v) const { return fNetwork.FindFrom(fArguments[i], v); }
+  VokLong FindUpTo(unsigned i, VokLong v) const { return fNetwork.FindUpTo(fArguments[i], v); }
   VokTarnBits Bits(unsigned i) const {
     const VokTarnBits bits = Slot(i).fSummary.fBits;
     return bits != 0 ? bits : fNetwork.GetBits(fArguments[i]);
