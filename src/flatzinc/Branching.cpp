@@ -28,9 +28,9 @@ VokLong FindMiddle(const VokTarnNetwork& network, VokTarnValueId id) {
 }
 
 // One value, first or last; inside an interval, which cannot lose it alone, the values up to it.
-VokTarnBranch TakeValue(const VokTarnNetwork& network, VokTarnValueId id, VokLong v, VokTarnBranch::Part part) {
+VokTarnAtom TakeValue(const VokTarnNetwork& network, VokTarnValueId id, VokLong v, VokTarnAtom::Relation relation) {
   const bool isEnd = v == network.GetLower(id) || v == network.GetUpper(id);
-  return {id, isEnd || HoldsHoles(network, id) ? part : VokTarnBranch::Part::AtMost, v};
+  return {id, isEnd || HoldsHoles(network, id) ? relation : VokTarnAtom::Relation::AtMost, v};
 }
 
 std::string GetText(const Model& model, const Argument& argument) {
@@ -190,7 +190,7 @@ void AnnotatedBrancher::AddOthers(const Model& model, const Values& values) {
   }
 }
 
-bool AnnotatedBrancher::Choose(const VokTarnNetwork& network, unsigned depth, VokTarnBranch& branch) {
+bool AnnotatedBrancher::Choose(const VokTarnNetwork& network, unsigned depth, VokTarnAtom& branch) {
   // What was known at this depth still is, unless the search has been above it since: then it has been cut off.
   if (fPositions.size() > depth + 1) {
     fPositions.resize(depth + 1);
@@ -208,7 +208,7 @@ bool AnnotatedBrancher::Choose(const VokTarnNetwork& network, unsigned depth, Vo
       for (std::size_t i = position.fPlace; i < group.fValues.size(); ++i) {
         const VokTarnValueId id = group.fValues[i];
         if (network.GetCardinality(id) > 1 && AsInteger(network, id).IsPossible(group.fGiven[i])) {
-          branch = TakeValue(network, id, group.fGiven[i], VokTarnBranch::Part::Exactly);
+          branch = TakeValue(network, id, group.fGiven[i], VokTarnAtom::Relation::Equal);
           return true;
         }
       }
@@ -276,61 +276,61 @@ VokLong AnnotatedBrancher::FindMember(const VokTarnNetwork& network, VokTarnValu
   return static_cast<VokLong>(network.GetLower(id) + static_cast<std::int64_t>(place));
 }
 
-VokTarnBranch AnnotatedBrancher::ChooseValue(const VokTarnNetwork& network, VokTarnValueId id, ValueChoice choice) {
-  using Part = VokTarnBranch::Part;
+VokTarnAtom AnnotatedBrancher::ChooseValue(const VokTarnNetwork& network, VokTarnValueId id, ValueChoice choice) {
+  using Relation = VokTarnAtom::Relation;
   const VokLong lower = network.GetLower(id);
   const VokLong upper = network.GetUpper(id);
   const auto size = static_cast<std::uint64_t>(network.GetCardinality(id));
-  const auto take = [&](VokLong v, Part part) { return TakeValue(network, id, v, part); };
+  const auto take = [&](VokLong v, Relation relation) { return TakeValue(network, id, v, relation); };
   switch (choice) {
     case ValueChoice::Min:
     case ValueChoice::Given:
       break;
     case ValueChoice::Max:
-      return {id, Part::Exactly, upper};
+      return {id, Relation::Equal, upper};
     case ValueChoice::Median:
-      return take(FindMember(network, id, (size - 1) / 2), Part::Exactly);
+      return take(FindMember(network, id, (size - 1) / 2), Relation::Equal);
     case ValueChoice::Middle: {
       const VokLong middle = FindMiddle(network, id);
       const VokTarnInteger& x = AsInteger(network, id);
       if (x.IsPossible(middle)) {
-        return take(middle, Part::Exactly);
+        return take(middle, Relation::Equal);
       }
       const std::int64_t below = x.GetPrevExactValue(middle);
       const std::int64_t above = x.GetNextExactValue(middle);
-      return take(static_cast<VokLong>(above - middle < middle - below ? above : below), Part::Exactly);
+      return take(static_cast<VokLong>(above - middle < middle - below ? above : below), Relation::Equal);
     }
     case ValueChoice::Split:
-      return {id, Part::AtMost, FindMiddle(network, id)};
+      return {id, Relation::AtMost, FindMiddle(network, id)};
     case ValueChoice::ReverseSplit:
-      return {id, Part::AtLeast, FindMiddle(network, id) + 1};
+      return {id, Relation::AtLeast, FindMiddle(network, id) + 1};
     case ValueChoice::Interval: {
       if (!HoldsHoles(network, id) || size == static_cast<std::uint64_t>(std::int64_t{upper} - lower) + 1) {
-        return {id, Part::AtMost, FindMiddle(network, id)};
+        return {id, Relation::AtMost, FindMiddle(network, id)};
       }
       VokLong last = lower;
       while (AsInteger(network, id).IsPossible(last + 1)) {
         ++last;
       }
-      return {id, Part::AtMost, last};
+      return {id, Relation::AtMost, last};
     }
     case ValueChoice::Random:
-      return take(FindMember(network, id, fRandom.Next() % size), Part::Exactly);
+      return take(FindMember(network, id, fRandom.Next() % size), Relation::Equal);
     case ValueChoice::SplitRandom: {
       const VokLong middle = FindMiddle(network, id);
-      return fRandom.Next() % 2 == 0 ? VokTarnBranch{id, Part::AtMost, middle}
-                                     : VokTarnBranch{id, Part::AtLeast, middle + 1};
+      return fRandom.Next() % 2 == 0 ? VokTarnAtom{id, Relation::AtMost, middle}
+                                     : VokTarnAtom{id, Relation::AtLeast, middle + 1};
     }
     case ValueChoice::OutMin:
-      return {id, Part::AllBut, lower};
+      return {id, Relation::Unequal, lower};
     case ValueChoice::OutMax:
-      return {id, Part::AllBut, upper};
+      return {id, Relation::Unequal, upper};
     case ValueChoice::OutMedian:
-      return take(FindMember(network, id, (size - 1) / 2), Part::AllBut);
+      return take(FindMember(network, id, (size - 1) / 2), Relation::Unequal);
     case ValueChoice::OutRandom:
-      return take(FindMember(network, id, fRandom.Next() % size), Part::AllBut);
+      return take(FindMember(network, id, fRandom.Next() % size), Relation::Unequal);
   }
-  return {id, Part::Exactly, lower};
+  return {id, Relation::Equal, lower};
 }
 
 void AnnotatedBrancher::OnFailure(const VokTarnNetwork& network) {

@@ -29,7 +29,7 @@ class AnnotatedBrancher : public VokTarnBrancher {
   // Names that are not known go to GetUnknown; their groups fall to the last group, or their choices to the default.
   AnnotatedBrancher(const Model& model, const VokTarnNetwork& network, const Values& values, std::uint64_t seed);
 
-  bool Choose(const VokTarnNetwork& network, unsigned depth, VokTarnBranch& branch) override;
+  bool Choose(const VokTarnNetwork& network, unsigned depth, VokTarnAtom& branch) override;
   void OnFailure(const VokTarnNetwork& network) override;
 
   // The next choice is on a network that need not be as far as at the last one.
@@ -91,7 +91,7 @@ class AnnotatedBrancher : public VokTarnBrancher {
   Choice Find(const std::pair<const char*, Choice> (&table)[size], const std::string& name, Choice otherwise);
   std::size_t ChoosePlace(const VokTarnNetwork& network, const Group& group, std::size_t from) const;
   bool IsBetter(const VokTarnNetwork& network, VariableChoice choice, VokTarnValueId a, VokTarnValueId b) const;
-  VokTarnBranch ChooseValue(const VokTarnNetwork& network, VokTarnValueId value, ValueChoice choice);
+  VokTarnAtom ChooseValue(const VokTarnNetwork& network, VokTarnValueId value, ValueChoice choice);
   VokLong FindMember(const VokTarnNetwork& network, VokTarnValueId value, std::uint64_t place) const;
 
   std::vector<Group> fGroups;

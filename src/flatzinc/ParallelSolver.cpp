@@ -160,11 +160,11 @@ void ParallelSolver::AddHalves(const Part& part, std::vector<Part>& halves) {
   if (Apply(part)) {
     halves.push_back(part);
     fSearch.GetBrancher().Forget();
-    VokTarnBranch branch{};
+    VokTarnAtom branch{};
     if (fSearch.GetBrancher().Choose(network, 0, branch)) {
       halves.push_back(part);
       halves[halves.size() - 2].push_back(branch);
-      halves.back().push_back(branch.GetRest());
+      halves.back().push_back(branch.Negate());
     }
   }
   network.PopLevel();
@@ -173,8 +173,8 @@ void ParallelSolver::AddHalves(const Part& part, std::vector<Part>& halves) {
 // False when the part has no solution, as far as propagation sees.
 bool ParallelSolver::Apply(const Part& part) {
   VokTarnNetwork& network = fBuilder.GetNetwork();
-  for (const VokTarnBranch& branch : part) {
-    VokTarnNarrow(network, branch);
+  for (const VokTarnAtom& branch : part) {
+    network.Keep(branch);
     if (network.Propagate() == VokTarnNetwork::Outcome::Failed) {
       return false;
     }

@@ -30,7 +30,7 @@ class ParallelSolver : public Solver {
   std::optional<std::int64_t> GetBound() const override { return fBound; }
 
  private:
-  using Part = std::vector<VokTarnBranch>;  // choices, each made where the ones before are
+  using Part = std::vector<VokTarnAtom>;  // choices, each made where the ones before are
 
   struct Shared;
   struct Worker {

@@ -206,6 +206,10 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
     if (PollInterrupt()) {
       return Outcome::Interrupted;
     }
+    if (fClauses.HasWork()) {
+      fClauses.Propagate();
+      continue;
+    }
     const VokULong index = TakeWaiting();
     if (index == sNone) {
       return Outcome::Fixpoint;
@@ -277,6 +281,7 @@ void VokTarnNetwork::LogChange(VokTarnValueId id) {
 }
 
 void VokTarnNetwork::ClearAgenda() noexcept {
+  fClauses.DropWork();
   for (Queue& queue : fAgenda) {
     for (; queue.fFirst != queue.fConstraints.size(); ++queue.fFirst) {
       fStates[queue.fConstraints[queue.fFirst]] = State::Idle;

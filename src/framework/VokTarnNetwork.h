@@ -9,6 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "framework/VokTarnAtom.h"
+#include "framework/VokTarnClauses.h"
 #include "framework/VokTarnConstraint.h"
 #include "framework/VokTarnInteger.h"
 #include "framework/VokTarnMemoryWatch.h"
@@ -109,6 +111,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // Keeps base + k for each bit k. Requires: GetBits(id) is not 0.
   int KeepBits(VokTarnValueId id, std::int64_t base, VokTarnBits bits);
   int MakeNil(VokTarnValueId id);
+  // Makes an atom true.
+  int Keep(const VokTarnAtom& atom);
+  // Whether an atom is true of all possible values. It is false when its negation is true.
+  bool IsTrue(const VokTarnAtom& atom) const;
   // The possible values of an integer above its lower bound, bit 0 for that one; 0 where a word does not hold them.
   VokTarnBits GetBits(VokTarnValueId id) const { return FindBits(fValues[id]); }
   // Write access to the value itself, for the operations of its type. NoteChange after each change, or the network does
@@ -129,6 +135,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   Spare TakeSpare(const VokTarnObjectDescriptor* type);
   // Makes `copy` equal to `original`, of the same type; notes when memory was too short for that.
   void Copy(VokTarnAny& copy, const VokTarnAny& original);
+
+  // What is known besides the constraints. The network propagates it first.
+  VokTarnClauses& GetClauses() noexcept { return fClauses; }
 
   // Numbers that belong to constraints, see VokTarnConstraint::CountState.
   std::int64_t GetState(VokULong place) const noexcept { return fState[place].fNumber; }
@@ -205,6 +214,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<unsigned char> fPriorities;  // by constraint
   std::vector<State> fStates;              // the same
   std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
+  VokTarnClauses fClauses{*this};
   std::vector<Saved> fTrail;
   std::vector<StateNumber> fState;
   std::vector<SavedNumber> fStateTrail;

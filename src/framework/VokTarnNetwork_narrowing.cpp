@@ -207,6 +207,9 @@ void VokTarnNetwork::Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTar
     fFailed = true;  // no constraint's numbers are read before the way back restores them
     return;
   }
+  if (!fClauses.IsEmpty()) {
+    fClauses.NoteChange(id, before, slot.fSummary);
+  }
   const bool isInside = slot.fSummary.fLower == before.fLower && slot.fSummary.fUpper == before.fUpper;
   const VokTarnEvent event = slot.fSummary.fSize == 1                             ? VokTarnEvent::Single
                              : isInside && slot.fKind != VokTarnSlot::Kind::Other ? VokTarnEvent::Domain
@@ -490,4 +493,33 @@ int VokTarnNetwork::KeepSubset(VokTarnValueId id, std::span<const VokLong> value
     bits |= Bit(static_cast<unsigned>(v - slot.fSummary.fLower));
   }
   return Shrink(id, slot, MakeSet(slot.fSummary.fLower, bits));
+}
+
+int VokTarnNetwork::Keep(const VokTarnAtom& atom) {
+  switch (atom.fRelation) {
+    case VokTarnAtom::Relation::Equal:
+      return KeepExactly(atom.fValue, atom.fNumber);
+    case VokTarnAtom::Relation::Unequal:
+      return Remove(atom.fValue, atom.fNumber);
+    case VokTarnAtom::Relation::AtMost:
+      return KeepAtMost(atom.fValue, atom.fNumber);
+    case VokTarnAtom::Relation::AtLeast:
+      break;
+  }
+  return KeepAtLeast(atom.fValue, atom.fNumber);
+}
+
+bool VokTarnNetwork::IsTrue(const VokTarnAtom& atom) const {
+  const VokTarnSummary& summary = fValues[atom.fValue].fSummary;
+  switch (atom.fRelation) {
+    case VokTarnAtom::Relation::Equal:
+      return summary.fLower == atom.fNumber && summary.fUpper == atom.fNumber;
+    case VokTarnAtom::Relation::Unequal:
+      return !IsPossible(atom.fValue, atom.fNumber);
+    case VokTarnAtom::Relation::AtMost:
+      return summary.fUpper <= atom.fNumber;
+    case VokTarnAtom::Relation::AtLeast:
+      break;
+  }
+  return summary.fLower >= atom.fNumber;
 }

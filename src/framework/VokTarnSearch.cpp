@@ -93,7 +93,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
         fStatistics.fFailures >= fOptions.fFailLimit) {
       return Status::Stopped;
     }
-    const VokTarnNetwork::Outcome outcome = TightenBound() ? Propagate() : VokTarnNetwork::Outcome::Failed;
+    const VokTarnNetwork::Outcome outcome = TightenBound() ? fNetwork.Propagate() : VokTarnNetwork::Outcome::Failed;
     if (outcome == VokTarnNetwork::Outcome::Interrupted) {
       return Status::Stopped;
     }
@@ -108,7 +108,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     if (fChoices.empty()) {
       NoteBound();
     }
-    if (VokTarnBranch branch{}; fBrancher != nullptr && fBrancher->Choose(fNetwork, GetDepth(), branch)) {
+    if (VokTarnAtom branch{}; fBrancher != nullptr && fBrancher->Choose(fNetwork, GetDepth(), branch)) {
       Take(branch);
       continue;
     }
@@ -143,15 +143,6 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     fExhausted = !Backtrack();
   }
   return fUndecided != vokNoValue ? Status::Undecided : Status::Exhausted;
-}
-
-// Propagates the constraints, and the no-goods whenever these have come to rest.
-VokTarnNetwork::Outcome VokTarnSearch::Propagate() {
-  VokTarnNetwork::Outcome outcome = fNetwork.Propagate();
-  while (outcome == VokTarnNetwork::Outcome::Fixpoint && fOptions.fLearns && fNoGoods.Narrow(fChanged)) {
-    outcome = fNetwork.Propagate();
-  }
-  return outcome;
 }
 
 // Less is better.
@@ -231,9 +222,9 @@ bool VokTarnSearch::IsRestartDue() const noexcept {
 
 // Leaves every choice. What was refuted at the root stays refuted.
 void VokTarnSearch::BeginAgain() {
-  std::vector<VokTarnBranch> path;
+  std::vector<VokTarnAtom> path;
   for (const Choice& choice : fChoices) {
-    path.push_back(choice.fBranch);
+    path.push_back(choice.fAtom);
   }
   while (!fChoices.empty()) {
     LeaveLevel();
@@ -271,16 +262,16 @@ void VokTarnSearch::NotePhases() {
 }
 
 // The part of an open variable's values that it had last; the least at first, and where another value has gone.
-VokTarnBranch VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
+VokTarnAtom VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
   const VokTarnInteger& x = AsInteger(fNetwork.GetValue(variable));
   const std::optional<VokLong>& phase = fPhases[fPlaces[variable]];
   if (phase && x.IsPossible(*phase)) {
     if (fNetwork.GetType(variable)->IsListed() || *phase == x.GetLowerBound() || *phase == x.GetUpperBound()) {
-      return {variable, VokTarnBranch::Part::Exactly, *phase};
+      return {variable, VokTarnAtom::Relation::Equal, *phase};
     }
-    return {variable, VokTarnBranch::Part::AtMost, *phase};
+    return {variable, VokTarnAtom::Relation::AtMost, *phase};
   }
-  return {variable, VokTarnBranch::Part::Exactly, x.GetLowerBound()};
+  return {variable, VokTarnAtom::Relation::Equal, x.GetLowerBound()};
 }
 
 VokTarnValueId VokTarnSearch::ChooseVariable() {
@@ -381,9 +372,9 @@ void VokTarnSearch::Open(Choice choice) {
 }
 
 // Goes on with the part of a value's domain; the rest is for later.
-void VokTarnSearch::Take(const VokTarnBranch& branch) {
+void VokTarnSearch::Take(const VokTarnAtom& branch) {
   Open({branch.fValue, {nullptr, {&fNetwork, 0}}, branch, false});
-  VokTarnNarrow(fNetwork, branch);
+  fNetwork.Keep(branch);
   if (fObserver != nullptr) {
     fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));
   }
@@ -405,9 +396,9 @@ bool VokTarnSearch::Backtrack() {
   fNetwork.PopLevel();
   if (choice.fRest == nullptr) {
     if (fOptions.fLearns) {
-      fNoGoods.NoteRefuted(GetDepth(), choice.fBranch);
+      fNoGoods.NoteRefuted(GetDepth(), choice.fAtom);
     }
-    VokTarnNarrow(fNetwork, choice.fBranch.GetRest());
+    fNetwork.Keep(choice.fAtom.Negate());
   } else {
     fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
     fNetwork.NoteChange(choice.fVariable);
@@ -450,7 +441,7 @@ bool VokTarnSearch::TightenObjective(VokLong wanted) {
   if (isMinimized ? value.GetLowerBound() > wanted : value.GetUpperBound() < wanted) {
     fNetwork.Fail();
   } else if (isMinimized ? value.GetUpperBound() > wanted : value.GetLowerBound() < wanted) {
-    VokTarnNarrow(fNetwork, {id, isMinimized ? VokTarnBranch::Part::AtMost : VokTarnBranch::Part::AtLeast, wanted});
+    fNetwork.Keep({id, isMinimized ? VokTarnAtom::Relation::AtMost : VokTarnAtom::Relation::AtLeast, wanted});
   }
   return !fNetwork.IsFailed();
 }

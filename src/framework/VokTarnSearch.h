@@ -136,7 +136,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   struct Choice {
     VokTarnValueId fVariable;
     VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched; null:
-    VokTarnBranch fBranch;        // the first part, what remains is its rest
+    VokTarnAtom fAtom;          // what was assumed first, its negation remains
     bool fIsAuxiliary;            // an intermediate value: one completion is enough
   };
 
@@ -165,12 +165,11 @@ class VOKTARN_EXPORT VokTarnSearch {
   };
 
   Status Run();
-  VokTarnNetwork::Outcome Propagate();
   bool Backtrack();
   void Split(VokTarnValueId variable);
-  void Take(const VokTarnBranch& branch);
+  void Take(const VokTarnAtom& branch);
   void Open(Choice choice);
-  VokTarnBranch RecallPhase(VokTarnValueId variable) const;
+  VokTarnAtom RecallPhase(VokTarnValueId variable) const;
   void NotePhases();
   VokTarnValueId ChooseVariable();
   Rank GetRank(unsigned place, int cardinality) const;

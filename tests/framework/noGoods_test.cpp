@@ -9,7 +9,7 @@
 namespace {
 
 using support::LoadedModules;
-using Part = VokTarnBranch::Part;
+using Relation = VokTarnAtom::Relation;
 using Status = VokTarnSearch::Status;
 
 // x = 2 and y <= 3 stood when z = 1 was refuted, and before that y <= 3 when only x = 2 stood.
@@ -17,18 +17,21 @@ TEST(NoGoods, LeaveTheLastPartOnceTheOthersAreReached) {
   const LoadedModules modules;
   const struct {
     const char* fType;
-    std::vector<VokTarnBranch> fChoices;
+    std::vector<VokTarnAtom> fChoices;
     std::string fValues;
     bool fNarrows;
   } rows[] = {
-      {"enum int", {{0, Part::Exactly, 2}, {1, Part::AtMost, 2}}, "2 { 0, 1, 2 } { 0, 2, 3, 4, 5 }", true},
-      {"enum int", {{2, Part::Exactly, 1}, {1, Part::AtMost, 3}}, "{ 0, 1, 3, 4, 5 } { 0, 1, 2, 3 } 1", true},
-      {"enum int", {{2, Part::Exactly, 1}, {0, Part::Exactly, 2}}, "2 { 4, 5 } 1", true},
-      {"enum int", {{2, Part::AllBut, 1}, {0, Part::Exactly, 2}}, "2 { 0, 1, 2, 3, 4, 5 } { 0, 2, 3, 4, 5 }", false},
-      {"enum int", {{1, Part::AtLeast, 4}, {2, Part::Exactly, 1}}, "{ 0, 1, 2, 3, 4, 5 } { 4, 5 } 1", false},
+      {"enum int", {{0, Relation::Equal, 2}, {1, Relation::AtMost, 2}}, "2 { 0, 1, 2 } { 0, 2, 3, 4, 5 }", true},
+      {"enum int", {{2, Relation::Equal, 1}, {1, Relation::AtMost, 3}}, "{ 0, 1, 3, 4, 5 } { 0, 1, 2, 3 } 1", true},
+      {"enum int", {{2, Relation::Equal, 1}, {0, Relation::Equal, 2}}, "2 { 4, 5 } 1", true},
+      {"enum int",
+       {{2, Relation::Unequal, 1}, {0, Relation::Equal, 2}},
+       "2 { 0, 1, 2, 3, 4, 5 } { 0, 2, 3, 4, 5 }",
+       false},
+      {"enum int", {{1, Relation::AtLeast, 4}, {2, Relation::Equal, 1}}, "{ 0, 1, 2, 3, 4, 5 } { 4, 5 } 1", false},
       // An interval holds what lies inside.
-      {"interval int", {{0, Part::Exactly, 2}, {1, Part::AtMost, 2}}, "2 [0, 2] [0, 5]", false},
-      {"interval int", {{2, Part::Exactly, 1}, {0, Part::Exactly, 2}}, "2 [4, 5] 1", true},
+      {"interval int", {{0, Relation::Equal, 2}, {1, Relation::AtMost, 2}}, "2 [0, 2] [0, 5]", false},
+      {"interval int", {{2, Relation::Equal, 1}, {0, Relation::Equal, 2}}, "2 [4, 5] 1", true},
   };
   for (const auto& row : rows) {
     VokTarnNetwork network;
@@ -37,18 +40,19 @@ TEST(NoGoods, LeaveTheLastPartOnceTheOthersAreReached) {
       ids.push_back(modules.Add(network, row.fType, "[0, 5]"));
     }
     VokTarnNoGoods noGoods(network);
-    noGoods.NoteRefuted(3, {1, Part::Exactly, 0});  // of a branch that was left
-    noGoods.NoteRefuted(2, {2, Part::Exactly, 1});
-    noGoods.Learn(std::vector<VokTarnBranch>{{0, Part::Exactly, 2}, {1, Part::AtMost, 3}});
+    noGoods.NoteRefuted(3, {1, Relation::Equal, 0});  // of a branch that was left
+    noGoods.NoteRefuted(2, {2, Relation::Equal, 1});
+    noGoods.Learn(std::vector<VokTarnAtom>{{0, Relation::Equal, 2}, {1, Relation::AtMost, 3}});
     std::vector<VokTarnValueId> changed;
-    bool hasNarrowed = false;
+    network.SetChangeLog(&changed);
     for (const bool again : {false, true}) {
       network.PushLevel();
-      hasNarrowed = false;
-      for (const VokTarnBranch& choice : row.fChoices) {
-        VokTarnNarrow(network, choice);
-        changed = {choice.fValue};
-        hasNarrowed = noGoods.Narrow(changed) || hasNarrowed;
+      bool hasNarrowed = false;
+      for (const VokTarnAtom& choice : row.fChoices) {
+        network.Keep(choice);
+        network.ClearChangeLog();
+        network.Propagate();
+        hasNarrowed = hasNarrowed || !changed.empty();
       }
       if (again) {
         EXPECT_EQ(hasNarrowed, row.fNarrows) << row.fType << row.fValues;
@@ -58,6 +62,7 @@ TEST(NoGoods, LeaveTheLastPartOnceTheOthersAreReached) {
       }
       network.PopLevel();
     }
+    network.SetChangeLog(nullptr);
   }
 }
 
@@ -67,12 +72,11 @@ TEST(NoGoods, FailWhenNothingIsLeft) {
   const VokTarnValueId x = modules.Add(network, "enum int", "[0, 2]");
   const VokTarnValueId y = modules.Add(network, "enum int", "[0, 2]");
   VokTarnNoGoods noGoods(network);
-  noGoods.NoteRefuted(1, {y, Part::Exactly, 1});
-  noGoods.Learn(std::vector<VokTarnBranch>{{x, Part::AtMost, 1}});
-  VokTarnNarrow(network, {x, Part::AtMost, 0});
-  VokTarnNarrow(network, {y, Part::Exactly, 1});
-  EXPECT_TRUE(noGoods.Narrow({x, y}));
-  EXPECT_TRUE(network.IsFailed());
+  noGoods.NoteRefuted(1, {y, Relation::Equal, 1});
+  noGoods.Learn(std::vector<VokTarnAtom>{{x, Relation::AtMost, 1}});
+  network.Keep({x, Relation::AtMost, 0});
+  network.Keep({y, Relation::Equal, 1});
+  EXPECT_EQ(network.Propagate(), VokTarnNetwork::Outcome::Failed);
 }
 
 // Random problems that a search begins again in: the best objective is that of a search which learns nothing.

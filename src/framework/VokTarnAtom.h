@@ -1,0 +1,27 @@
+#pragma once
+
+#include "framework/VokTarnConstraintDescriptor.h"
+
+// The smallest statement about a value of a network: an integer, or a truth value as 0 and 1, is (is not) a number, is
+// at most (at least) one. Choices and clauses are made of atoms.
+struct VokTarnAtom {
+  enum class Relation : unsigned char { Equal, Unequal, AtMost, AtLeast };
+
+  VokTarnValueId fValue;
+  Relation fRelation;
+  VokLong fNumber;
+
+  VokTarnAtom Negate() const noexcept {
+    switch (fRelation) {
+      case Relation::Equal:
+        return {fValue, Relation::Unequal, fNumber};
+      case Relation::Unequal:
+        return {fValue, Relation::Equal, fNumber};
+      case Relation::AtMost:
+        return {fValue, Relation::AtLeast, fNumber + 1};
+      case Relation::AtLeast:
+        break;
+    }
+    return {fValue, Relation::AtMost, fNumber - 1};
+  }
+};
