@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Plants faults in a part of the product, one at a time, and counts those that its tests find.
 
-usage: mutation.py [PART] [COUNT [SEED]]      300 faults, seed 1
+usage: mutation.py [PART] [COUNT [SEED [FIRST]]]      300 faults, seed 1, from the first place of the draw
 
 PART is module (without one), framework, constraints, flatzinc or tarn. A fault is a small change of one line: a
 comparison, an arithmetic or a logical operator exchanged, a constant moved by one, a condition negated, a statement
@@ -231,16 +231,16 @@ class Tree:
 def main():
     words = sys.argv[1:]
     name = words.pop(0) if words and not words[0].isdigit() else "module"
-    if name not in PARTS or len(words) > 2 or not all(word.isdigit() for word in words):
+    if name not in PARTS or len(words) > 3 or not all(word.isdigit() for word in words):
         sys.exit(__doc__.split("\n")[2])
-    count, seed = (int(a) for a in (words + ["300", "1"][len(words):]))
+    count, seed, first = (int(a) for a in (words + ["300", "1", "0"][len(words):]))
     reasons = known()
     tree = Tree(name)
     # By a hash of its own for each fault: an edit of the sources leaves the draw of all others as it is.
     drawn = sorted(faults(tree.part), key=lambda f: hashlib.sha256(repr((seed, f[0], *f[2:])).encode()).digest())
     killed, harmless, unexplained = 0, [], []
     begin = time.time()
-    for fault in drawn:
+    for place, fault in enumerate(drawn[first:], first):
         tried = killed + len(harmless) + len(unexplained)
         if tried == count:
             break
@@ -253,7 +253,7 @@ def main():
         elif result is None:
             (harmless if reason else unexplained).append(f"{where}\n    {reason or 'no reason is known'}")
         if result != "":
-            print(f"{tried + 1:4} {time.time() - begin:6.0f} s  {result or ('harmless' if reason else 'SURVIVED')}  {where}", flush=True)
+            print(f"{place:4} {time.time() - begin:6.0f} s  {result or ('harmless' if reason else 'SURVIVED')}  {where}", flush=True)
     share = 100 * killed / max(1, killed + len(unexplained))
     print(f"\n{killed} found, {len(harmless)} known to change nothing, {len(unexplained)} survived: {share:.1f} % "
           f"of those that can be found (of {len(drawn)} possible, seed {seed})")

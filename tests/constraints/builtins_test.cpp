@@ -79,13 +79,15 @@ class Builtins : public testing::TestWithParam<unsigned> {
   Posed MakeLinear();
   Posed MakeTable();
   Posed MakeRegular();
+  Posed MakeAllDifferent();
   VokTarnValueId AddArgument(VokTarnNetwork& network, int from, int to);
   void Post(VokTarnNetwork& network, const char* name, std::span<const VokTarnValueId> ids,
             std::span<const VokLong> constants);
-  void Check(const Posed& posed);
+  void Check(const Posed& posed, unsigned trial);
 
   support::LoadedModules fModules;
   std::mt19937 fRandom{20261123};
+  std::int64_t fLoose = 0;  // values left without a support
 };
 
 Posed Builtins::MakeLinear() {
@@ -96,7 +98,8 @@ Posed Builtins::MakeLinear() {
   const Value scale = Random(0, 5) == 0 ? Value{1} << Random(20, 60) : 1;
   Values factors(n);
   std::ranges::generate(factors, [&] { return Random(-3, 3) * scale; });
-  const Value number = Random(-6, 6) * scale + Random(0, 9) / 9;
+  const Value more = Random(0, 9) / 9;
+  const Value number = Random(-6, 6) * scale + more;
   Constants constants = {relation, mode};
   const auto append = [&constants](Value v) {
     const auto [low, high] = VokSplitWide(v);
@@ -168,6 +171,34 @@ Posed Builtins::MakeRegular() {
                   v < 1 || v > count || state == 0 ? 0 : steps[static_cast<std::size_t>((state - 1) * count + v - 1)];
             }
             return finals.contains(state);
+          },
+          true};
+}
+
+// Few values for as many arguments, shifted now and then: in one word of bits, or into clusters that are farther apart.
+Posed Builtins::MakeAllDifferent() {
+  const int n = Random(2, 5);
+  const int apart = Random(0, 1) * 70;
+  std::vector<std::pair<int, int>> arguments;
+  Constants shifts;
+  for (int i = 0; i < n; ++i) {
+    const int from = Random(0, 1);
+    arguments.emplace_back(from, from + Random(1, 4));
+    shifts.push_back(Random(0, 2) == 0 ? apart : Random(-1, 1));
+  }
+  if (Random(0, 2) == 0) {
+    shifts.clear();
+  }
+  return {"AllDifferent",
+          arguments,
+          shifts,
+          Strength::Domain,
+          [=](const Values& x) {
+            std::set<Value> values;
+            for (std::size_t i = 0; i < x.size(); ++i) {
+              values.insert(x[i] + (shifts.empty() ? 0 : shifts[i]));
+            }
+            return values.size() == x.size();
           },
           true};
 }
@@ -256,6 +287,8 @@ Posed Builtins::MakePosed(unsigned kind) {
       return MakeTable();
     case 9:
       return MakeRegular();
+    case 10:
+      return MakeAllDifferent();
     default: {
       const VokLong function = Random(0, 4);
       const bool isOfTruth = function == 0 && Random(0, 1) == 0;
@@ -310,7 +343,7 @@ void Builtins::Post(VokTarnNetwork& network, const char* name, std::span<const V
   network.AddConstraint(std::unique_ptr<VokTarnConstraint>(type->Create(ids, VokTarnForm::Plain, constants)));
 }
 
-void Builtins::Check(const Posed& posed) {
+void Builtins::Check(const Posed& posed, unsigned trial) {
   VokTarnNetwork network;
   std::vector<VokTarnValueId> ids;
   std::vector<Values> domains;
@@ -369,7 +402,8 @@ void Builtins::Check(const Posed& posed) {
   network.SetInterrupt([&network] { return network.GetPropagations() > 20000; });
   // Down and up at random; the solutions that each level has left.
   std::vector<std::vector<Values>> levels = {solutions};
-  for (int step = 0; step < 12 && !HasFailure(); ++step) {
+  for (unsigned step = 0; step < 12 && !HasFailure(); ++step) {
+    fRandom.seed(trial * 16 + step + 16);  // no walk depends on what another one draws
     const VokTarnNetwork::Outcome outcome = network.Propagate();
     if (outcome == VokTarnNetwork::Outcome::Interrupted) {
       return;
@@ -386,7 +420,9 @@ void Builtins::Check(const Posed& posed) {
         const bool isSupported = std::ranges::any_of(levels.back(), [&](const Values& s) { return s[i] == v; });
         const bool isTold = strength == Strength::Domain ||
                             (strength == Strength::Bounds && (v == x.GetLowerBound() || v == x.GetUpperBound()));
-        EXPECT_TRUE(x.IsPossible(static_cast<VokLong>(v)) ? isSupported || !isTold : !isSupported)
+        const bool isLeft = x.IsPossible(static_cast<VokLong>(v));
+        fLoose += isLeft && !isSupported ? 1 : 0;
+        EXPECT_TRUE(isLeft ? isSupported || !isTold : !isSupported)
             << text.str() << " left " << support::Show(x) << " of argument " << i << " at level " << network.GetLevel()
             << ", wrong for " << v;
       }
@@ -432,12 +468,18 @@ void Builtins::Check(const Posed& posed) {
   }
 }
 
+// Beyond the promises, none may get weaker unseen: so many values without a support are left, and no more.
+constexpr std::int64_t kLoose[] = {8743, 5813, 6651, 314, 571, 1408, 2191, 19628, 81603, 59707, 10925, 82386};
+
 TEST_P(Builtins, LoseNoSupportAndKeepTheirPromises) {
-  for (unsigned trial = 0; trial < 4000 * static_cast<unsigned>(support::SoakFactor()) && !HasFailure(); ++trial) {
-    Check(MakePosed(GetParam()));
+  const unsigned trials = 4000 * static_cast<unsigned>(support::SoakFactor());
+  for (unsigned trial = 0; trial < trials && !HasFailure(); ++trial) {
+    fRandom.seed(trial);
+    Check(MakePosed(GetParam()), trial);
   }
+  EXPECT_TRUE(trials > 4000 || fLoose <= kLoose[GetParam()]) << fLoose;
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, Builtins, testing::Range(0U, 11U));
+INSTANTIATE_TEST_SUITE_P(Kinds, Builtins, testing::Range(0U, 12U));
 
 }  // namespace
