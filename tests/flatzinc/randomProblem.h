@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <span>
 #include <string>
@@ -119,7 +120,12 @@ RandomProblem Shrink(RandomProblem problem, Fails fails) {
 
 class ProblemMaker {
  public:
-  ProblemMaker(unsigned seed, std::span<const RandomRow> rows, bool hasWideNumbers)
+  // Whether a problem takes these values of its variables.
+  using Check = std::function<bool(const RandomProblem&, const std::vector<std::int64_t>&)>;
+
+  // Most constraints are drawn anew a few times until they take values that are chosen before: else hardly a problem
+  // with some of them would have a solution.
+  ProblemMaker(unsigned seed, std::span<const RandomRow> rows, bool hasWideNumbers, const Check& check)
       : fRandom(seed), fHasWideNumbers(hasWideNumbers) {
     for (int i = Pick(1, 3); i > 0; --i) {
       DeclareInteger();
@@ -128,17 +134,19 @@ class ProblemMaker {
       fTruths.push_back("b" + std::to_string(i));
       fProblem.fVariables.push_back({fTruths.back(), "bool", {}, {0, 1}});
     }
-    for (int i = Pick(1, 4); i > 0; --i) {
+    std::vector<std::int64_t> values;
+    for (const RandomVariable& variable : fProblem.fVariables) {
+      values.push_back(
+          variable.fCandidates[static_cast<std::size_t>(Pick(0, static_cast<int>(variable.fCandidates.size()) - 1))]);
+    }
+    for (int i = Pick(1, 6); i > 0; --i) {
       const RandomRow& row = rows[static_cast<std::size_t>(Pick(0, static_cast<int>(rows.size()) - 1))];
-      const bool isSum = std::string_view(row.fName).starts_with("int_lin");
-      fCover = Pick(0, 3);
-      fLength = Pick(0, 6) == 0 ? 0 : isSum && Pick(0, 19) == 0 ? Pick(8, 12) : Pick(1, 4);
-      std::string text;
-      for (const char* letter = row.fArguments; *letter != '\0'; ++letter) {
-        text += (text.empty() ? "" : ",") + Argument(*letter);
+      RandomProblem alone = fProblem;
+      for (int tries = Pick(0, 9) == 0 ? 1 : 12; tries > 0; --tries) {
+        alone.fConstraints = {MakeConstraint(row)};
+        tries = tries > 1 && check(alone, values) ? 0 : tries;
       }
-      static const char* const hints[] = {" :: domain", " :: bounds", " :: value_propagation", " :: defines_var(x0)"};
-      fProblem.fConstraints.push_back(row.fName + ("(" + text + ")") + (Pick(0, 9) == 0 ? hints[Pick(0, 3)] : ""));
+      fProblem.fConstraints.push_back(alone.fConstraints.front());
     }
     for (int i = Pick(0, 2); i > 0; --i) {
       fProblem.fAnnotations.push_back(MakeAnnotation(3));
@@ -200,6 +208,18 @@ class ProblemMaker {
       fNatural.push_back(x);
     }
     fProblem.fVariables.push_back(std::move(variable));
+  }
+
+  std::string MakeConstraint(const RandomRow& row) {
+    const bool isSum = std::string_view(row.fName).starts_with("int_lin");
+    fCover = Pick(0, 3);
+    fLength = Pick(0, 6) == 0 ? 0 : isSum && Pick(0, 19) == 0 ? Pick(8, 12) : Pick(1, 4);
+    std::string text;
+    for (const char* letter = row.fArguments; *letter != '\0'; ++letter) {
+      text += (text.empty() ? "" : ",") + Argument(*letter);
+    }
+    static const char* const hints[] = {" :: domain", " :: bounds", " :: value_propagation", " :: defines_var(x0)"};
+    return row.fName + ("(" + text + ")") + (Pick(0, 9) == 0 ? hints[Pick(0, 3)] : "");
   }
 
   // Whatever a problem's author may say of the search, sensible or not.
