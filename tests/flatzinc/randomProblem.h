@@ -152,8 +152,7 @@ class ProblemMaker {
       fProblem.fAnnotations.push_back(MakeAnnotation(3));
     }
     if (Pick(0, 2) == 0) {
-      fProblem.fGoal =
-          std::string(Pick(0, 1) == 0 ? "minimize " : "maximize ") + (Pick(0, 9) == 0 ? "3" : PickOf(fIntegers));
+      fProblem.fGoal = Join({Pick(0, 1) == 0 ? "minimize " : "maximize ", Pick(0, 9) == 0 ? "3" : PickOf(fIntegers)});
     }
   }
 
@@ -241,7 +240,7 @@ class ProblemMaker {
     const auto integers = [&] { return Array(count, [this] { return Pick(0, 9) == 0 ? "4" : PickOf(fIntegers); }); };
     const auto truths = [&] { return Array(count, [this] { return Truth(); }); };
     const std::string choices =
-        std::string(",") + variables[Pick(0, std::size(variables) - 1)] + "," + values[Pick(0, std::size(values) - 1)];
+        Join({",", variables[Pick(0, std::size(variables) - 1)], ",", values[Pick(0, std::size(values) - 1)]});
     switch (Pick(0, depth > 0 ? 9 : 7)) {
       case 0:
       case 1:
@@ -251,12 +250,12 @@ class ProblemMaker {
         return {"bool_search(" + truths() + choices + ",complete)", {}};
       case 4:
       case 5:
-        return {std::string(Pick(0, 1) == 0 ? "warm_start(" : "warm_start_int(") + integers() + "," +
-                    Array(count, [this] { return std::to_string(Pick(-3, 7)); }) + ")",
+        return {Join({Pick(0, 1) == 0 ? "warm_start(" : "warm_start_int(", integers(), ",",
+                      Array(count, [this] { return std::to_string(Pick(-3, 7)); }), ")"}),
                 {}};
       case 6:
-        return {std::string(Pick(0, 1) == 0 ? "warm_start(" : "warm_start_bool(") + truths() + "," +
-                    Array(count, [this] { return Pick(0, 1) == 0 ? "false" : "true"; }) + ")",
+        return {Join({Pick(0, 1) == 0 ? "warm_start(" : "warm_start_bool(", truths(), ",",
+                      Array(count, [this] { return Pick(0, 1) == 0 ? "false" : "true"; }), ")"}),
                 {}};
       case 7:
         return {others[Pick(0, std::size(others) - 1)], {}};
@@ -284,6 +283,14 @@ class ProblemMaker {
   }
   std::string Natural() { return fNatural.empty() || Pick(0, 1) == 0 ? Constant(0, 3) : PickOf(fNatural); }
 
+  // What is drawn for the parts is drawn in their order, which operator + leaves to the compiler.
+  static std::string Join(std::initializer_list<std::string> parts) {
+    std::string text;
+    for (const std::string& part : parts) {
+      text += part;
+    }
+    return text;
+  }
   template <class Make>
   std::string Array(int length, Make make) {
     std::string text;
@@ -342,7 +349,7 @@ class ProblemMaker {
       case 'T':
         return Array(fLength * Pick(0, 6), [this] { return Constant(-2, 3); });
       default:
-        return "2,3," + Array(6, [this] { return Constant(0, 2); }) + "," + Constant(1, 2) + "," + Set(Pick(0, 2));
+        return Join({"2,3,", Array(6, [this] { return Constant(0, 2); }), ",", Constant(1, 2), ",", Set(Pick(0, 2))});
     }
   }
 
