@@ -207,6 +207,7 @@ class Globals : public testing::Test {
 
   Posed MakePosed(unsigned kind);
   VokTarnValueId AddArgument(VokTarnNetwork& network, int from, int to);
+  void Post(VokTarnNetwork& network, const Posed& posed, std::span<const VokTarnValueId> ids);
   void Check(const Posed& posed);
 
   support::LoadedModules fModules;
@@ -307,6 +308,14 @@ VokTarnValueId Globals::AddArgument(VokTarnNetwork& network, int from, int to) {
   }
 }
 
+void Globals::Post(VokTarnNetwork& network, const Posed& posed, std::span<const VokTarnValueId> ids) {
+  const std::string name = std::string("VokTarn") + posed.fName + "Constraint";
+  const auto* type = dynamic_cast<const VokTarnConstraintDescriptor*>(
+      fModules.fManager.OpenModule("VokFenAbstractTypes")->FindDescriptor(name));
+  ASSERT_NE(type, nullptr) << name;
+  network.AddConstraint(std::unique_ptr<VokTarnConstraint>(type->Create(ids, VokTarnForm::Plain, posed.fConstants)));
+}
+
 void Globals::Check(const Posed& posed) {
   VokTarnNetwork network;
   std::vector<VokTarnValueId> ids;
@@ -361,11 +370,7 @@ void Globals::Check(const Posed& posed) {
       }
     }
   }
-  const std::string name = std::string("VokTarn") + posed.fName + "Constraint";
-  const auto* type = dynamic_cast<const VokTarnConstraintDescriptor*>(
-      fModules.fManager.OpenModule("VokFenAbstractTypes")->FindDescriptor(name));
-  ASSERT_NE(type, nullptr) << name;
-  network.AddConstraint(std::unique_ptr<VokTarnConstraint>(type->Create(ids, VokTarnForm::Plain, posed.fConstants)));
+  Post(network, posed, ids);
   network.SetInterrupt([&network] { return network.GetPropagations() > 20000; });
   const VokTarnNetwork::Outcome outcome = network.Propagate();
   if (outcome == VokTarnNetwork::Outcome::Failed) {
@@ -447,6 +452,29 @@ TEST_F(Globals, TakeNoArgumentsThatDoNotFit) {
     }
     EXPECT_EQ(applicable, count) << name;
   }
+}
+
+// What fits, with one constant exchanged.
+TEST_F(Globals, TakeFewOfTheConstantsThatDoNotFit) {
+  constexpr VokLong strange[] = {-2147483647 - 1, -1, 0, 1, 4, 2147483647};
+  int applicable = 0;
+  for (unsigned trial = 0; trial < 6000; ++trial) {
+    Posed posed = MakePosed(trial % 15);
+    VokTarnNetwork network;
+    std::vector<VokTarnValueId> ids;
+    for (std::size_t i = 0; i < posed.fArguments.size(); ++i) {
+      ids.push_back(network.AddValue(fModules.Type("int")));
+    }
+    if (!posed.fConstants.empty()) {
+      posed.fConstants[trial / 15 % posed.fConstants.size()] = strange[Random(0, 5)];
+    }
+    try {
+      Post(network, posed, ids);
+      ++applicable;
+    } catch (const std::invalid_argument&) {
+    }
+  }
+  EXPECT_EQ(applicable, 5096);
 }
 
 }  // namespace
