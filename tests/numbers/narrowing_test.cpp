@@ -2,6 +2,7 @@
 // of a type that it does not know.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -173,6 +174,118 @@ TEST(NumberNarrowing, AtTheEndsOfTheRange) {
   ForeignInteger x;
   EXPECT_EQ(Single(3).CalcInverseNegativeValue(x), 1);
   EXPECT_EQ(x.GetValues(), std::set<VokLong>{-3});
+}
+
+std::string Text(const ForeignInteger& x) {
+  return x.IsUndefined() != 0 ? "Any" : testing::PrintToString(x.GetValues());
+}
+
+// What every integer type has from the start, on all pairs of small sets: relations are exact, arithmetic does nothing.
+TEST(NumberNarrowing, OfATypeWithoutOperationsOfItsOwn) {
+  constexpr VokLong members[] = {-2, 0, 1, 2, 4};
+  std::vector<ForeignInteger> domains(1);
+  for (unsigned bits = 0; bits < 32; ++bits) {
+    std::set<VokLong> values;
+    for (unsigned k = 0; k < 5; ++k) {
+      if ((bits >> k & 1U) != 0) {
+        values.insert(members[k]);
+      }
+    }
+    domains.emplace_back(values);
+  }
+  using Change = std::function<int(ForeignInteger&)>;
+  const auto check = [](const char* name, const ForeignInteger& x, const Change& change, const ForeignInteger& result) {
+    ForeignInteger after = x;
+    const int status = change(after);
+    EXPECT_EQ(Text(after), Text(result)) << name << " from " << Text(x);
+    EXPECT_EQ(status, Text(x) == Text(result) ? 0 : 1) << name << " from " << Text(x);
+  };
+  const ForeignInteger any, nil(std::set<VokLong>{});
+  for (const ForeignInteger& x : domains) {
+    const std::set<VokLong>& values = x.GetValues();
+    const auto pinned = [&](VokLong v) {
+      return x.IsUndefined() != 0 || values.contains(v) ? ForeignInteger({v}) : nil;
+    };
+    check(
+        "least", x, [](auto& z) { return z.CalcMinValue(); }, pinned(-VokTarnInteger::sGreatest));
+    check(
+        "greatest", x, [](auto& z) { return z.CalcMaxValue(); }, pinned(VokTarnInteger::sGreatest));
+    check(
+        "zero", x, [](auto& z) { return z.CalcZeroValue(); }, pinned(0));
+    check(
+        "one", x, [](auto& z) { return z.CalcOneValue(); }, pinned(1));
+    for (VokLong v = -3; v <= 5; ++v) {
+      EXPECT_EQ(x.IsPossible(v), x.IsUndefined() != 0 || values.contains(v)) << Text(x) << v;
+    }
+    for (const ForeignInteger& y : domains) {
+      const std::set<VokLong>& others = y.GetValues();
+      const bool isNil = x.IsNil() != 0 || y.IsNil() != 0;
+      const bool isOpen = x.IsUndefined() != 0 || y.IsUndefined() != 0;
+      for (const Operation& op : support::Operations()) {
+        const ForeignInteger& narrowed = op.narrowed == 0 ? x : y;
+        const ForeignInteger& other = op.narrowed == 0 ? y : x;
+        ForeignInteger expected = narrowed;
+        if (op.name.ends_with(" y")) {
+          const bool isEqual = op.name.ends_with(" = y");
+          const Values first(values.begin(), values.end()), second(others.begin(), others.end());
+          const Values kept = support::Supported(op, first, second, {});
+          expected = other.IsNil() != 0            ? nil
+                     : other.IsUndefined() != 0    ? narrowed
+                     : narrowed.IsUndefined() != 0 ? (isEqual ? other : any)
+                                                   : ForeignInteger({kept.begin(), kept.end()});
+        }
+        ForeignInteger partner = other;
+        check(
+            op.name.c_str(), narrowed,
+            [&](auto& z) { return op.narrowed == 0 ? op.run(z, partner, partner) : op.run(partner, z, z); }, expected);
+      }
+      ForeignInteger all = x.IsUndefined() != 0 || y.IsUndefined() == 0 ? x : any;
+      for (const VokLong v : others) {
+        all.AddExactValue(v);
+      }
+      check(
+          "unite", x, [&](auto& z) { return z.Unite(y); }, all);
+      ForeignInteger unequal = y.IsNil() != 0 ? nil : x;
+      if (others.size() == 1) {
+        unequal.RemoveExactValue(*others.begin());
+      }
+      check(
+          "<>", x, [&](auto& z) { return z.CalcUnequalValue(y); }, unequal);
+      check(
+          "inv <>", x, [&](auto& z) { return y.CalcInverseUnequalValue(z); }, unequal);
+      const auto decides = [&](const char* name, const auto& decide, auto holds) {
+        bool can[2] = {isOpen, isOpen};
+        for (const VokLong v : values) {
+          for (const VokLong w : others) {
+            can[holds(v, w) ? 1 : 0] = true;
+          }
+        }
+        Boolean truth;
+        const int status = decide(truth);
+        EXPECT_EQ(status, isNil || can[0] != can[1] ? 1 : 0) << name << ' ' << Text(x) << Text(y);
+        EXPECT_EQ(truth.IsPossible(0) != 0, !isNil && can[0]) << name << ' ' << Text(x) << Text(y);
+        EXPECT_EQ(truth.IsPossible(1) != 0, !isNil && can[1]) << name << ' ' << Text(x) << Text(y);
+      };
+      decides(
+          "==", [&](Boolean& truth) { return x.CalcIsEqual(y, truth); }, std::equal_to<>());
+      decides(
+          "<<", [&](Boolean& truth) { return x.CalcIsLess(y, truth); }, std::less<>());
+      decides(
+          "<==", [&](Boolean& truth) { return x.CalcIsLessOrEqual(y, truth); }, std::less_equal<>());
+      const bool meets = std::ranges::any_of(values, [&](VokLong v) { return others.contains(v); });
+      EXPECT_EQ(x.IsIntersected(y), !isNil && (isOpen || meets)) << Text(x) << Text(y);
+    }
+  }
+  // An undefined value takes over so many values, and no more.
+  for (const VokLong count : {1023, 1024}) {
+    std::set<VokLong> values;
+    for (VokLong v = 0; v < count; ++v) {
+      values.insert(2 * v);
+    }
+    check(
+        "=", any, [&](auto& z) { return z.CalcEqualValue(ForeignInteger(values)); },
+        count > 1023 ? any : ForeignInteger(values));
+  }
 }
 
 }  // namespace
