@@ -221,9 +221,13 @@ Posed Globals::MakePosed(unsigned kind) {
   std::vector<VokLong> constants;
   switch (kind) {
     case 0:
-      Extend(arguments, 2, 0, n);
+      constants = {Flag()};
+      for (int m = Random(0, 3); m > 0; --m) {
+        constants.push_back(Random(0, 9) == 0 ? 1000 : Random(0, 4));
+      }
+      Extend(arguments, static_cast<int>(constants.size()) - 1, 0, n);
       Extend(arguments, n + 1, 0, 4);
-      return {"GlobalCardinality", IsCardinality, Strength::Sound, arguments, {Flag(), Random(0, 4), Random(0, 4)}};
+      return {"GlobalCardinality", IsCardinality, Strength::Sound, arguments, constants};
     case 1:
       Extend(arguments, 1, 0, n);
       Extend(arguments, n, -1, 5);
@@ -399,15 +403,15 @@ void Globals::Check(const Posed& posed) {
 TEST_F(Globals, LoseNoSupportAndKeepTheirPromises) {
   const int trials = 60000 * support::SoakFactor();
   for (int trial = 0; trial < trials && !HasFailure(); ++trial) {
+    fRandom.seed(static_cast<unsigned>(trial));
     Check(MakePosed(static_cast<unsigned>(trial) % 15));
   }
   // Beyond the promises, none may get weaker unseen: so many values without a support are left, and no more.
   const std::map<std::string, std::int64_t> most = {
-      {"GlobalCardinality", 674}, {"Among", 1455},      {"NumberOfValues", 2689},     {"Table", 227},
-      {"Regular", 105},           {"Cumulative", 4439}, {"Disjunctive", 5485},        {"NonOverlap", 272},
-      {"Circuit", 2410},          {"Inverse", 1498},    {"LexicographicOrder", 1143}, {"ValuePrecedence", 937},
-      {"ExtremePlace", 715},      {"Sort", 2110},       {"BinPacking", 409},
-  };
+      {"GlobalCardinality", 552}, {"Among", 1260},      {"NumberOfValues", 2733},     {"Table", 238},
+      {"Regular", 135},           {"Cumulative", 4582}, {"Disjunctive", 5529},        {"NonOverlap", 253},
+      {"Circuit", 2531},          {"Inverse", 1485},    {"LexicographicOrder", 1141}, {"ValuePrecedence", 865},
+      {"ExtremePlace", 767},      {"Sort", 2089},       {"BinPacking", 573}};
   for (const auto& [name, loose] : fLoose) {
     EXPECT_TRUE(trials > 60000 || loose <= most.at(name)) << name << ' ' << loose;
   }
@@ -474,7 +478,7 @@ TEST_F(Globals, TakeFewOfTheConstantsThatDoNotFit) {
     } catch (const std::invalid_argument&) {
     }
   }
-  EXPECT_EQ(applicable, 5096);
+  EXPECT_EQ(applicable, 5101);
 }
 
 }  // namespace
