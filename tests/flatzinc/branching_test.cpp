@@ -2,6 +2,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <fstream>
 #include <system_error>
 
 #include "flatzinc/Builder.h"
@@ -201,6 +203,32 @@ TEST(Branching, AForkThatFailsIsTold) {
     _exit(2);
   };
   EXPECT_EXIT(search(), testing::ExitedWithCode(0), "");
+}
+
+// A process that is killed leaves the search open.
+TEST(Branching, AProcessThatIsLostLeavesTheSearchOpen) {
+  const support::LoadedModules modules;
+  fzn::ErrorList errors("f");
+  const fzn::Model model = fzn::Parse("var 0..99: x; var 0..99: y; var 0..99: z; solve satisfy;", errors);
+  VokTarnNetwork network;
+  fzn::Builder builder(modules.fManager, network, model, errors);
+  ASSERT_TRUE(builder.Build());
+  fzn::Solver::Options options;
+  options.fProcesses = 2;
+  const auto kill = [] {
+    std::ifstream children("/proc/thread-self/children");
+    for (pid_t child = 0; children >> child;) {
+      ::kill(child, SIGKILL);
+    }
+    return false;
+  };
+  std::vector<std::string> unknown;
+  const auto solver = fzn::MakeSolver(builder, options, kill, unknown);
+  fzn::Solver::Status status = fzn::Solver::Status::Solution;
+  while (status == fzn::Solver::Status::Solution) {
+    status = solver->Next();
+  }
+  EXPECT_EQ(status, fzn::Solver::Status::Undecided);
 }
 
 }  // namespace

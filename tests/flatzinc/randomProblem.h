@@ -127,10 +127,11 @@ class ProblemMaker {
   // with some of them would have a solution.
   ProblemMaker(unsigned seed, std::span<const RandomRow> rows, bool hasWideNumbers, const Check& check)
       : fRandom(seed), fHasWideNumbers(hasWideNumbers) {
-    for (int i = Pick(1, 3); i > 0; --i) {
+    const int integers = Pick(1, 3);
+    for (int i = integers; i > 0; --i) {
       DeclareInteger();
     }
-    for (int i = Pick(0, 2); i > 0; --i) {
+    for (int i = Pick(0, 5 - integers); i > 0; --i) {
       fTruths.push_back("b" + std::to_string(i));
       fProblem.fVariables.push_back({fTruths.back(), "bool", {}, {0, 1}});
     }

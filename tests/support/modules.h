@@ -3,12 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "framework/VokTarnConstraint.h"
 #include "framework/VokTarnModuleManager.h"
 #include "framework/VokTarnNetwork.h"
+#include "framework/VokTarnObjectEnvironment.h"
 #include "framework/VokTarnOperatorTable.h"
 
 namespace support {
@@ -51,6 +55,28 @@ class LoadedModules {
     const auto choice = fTable.Choose(op, types);
     EXPECT_TRUE(choice.has_value()) << op;
     return choice ? fTable.Apply(network, *choice, operands, vokNoValue, wantResult) : vokNoValue;
+  }
+
+  // Posts the class VokTarn..Constraint; which takes them.
+  const VokTarnConstraint* PostClass(VokTarnNetwork& network, const std::string& name,
+                                     std::span<const VokTarnValueId> ids, std::span<const VokLong> constants) {
+    const auto* type = dynamic_cast<const VokTarnConstraintDescriptor*>(
+        fManager.OpenModule("VokFenAbstractTypes")->FindDescriptor("VokTarn" + name + "Constraint"));
+    EXPECT_NE(type, nullptr) << name;
+    std::unique_ptr<VokTarnConstraint> made(type->Create(ids, VokTarnForm::Plain, constants));
+    const VokTarnConstraint* const constraint = made.get();
+    network.AddConstraint(std::move(made));
+    return constraint;
+  }
+
+  // Whether the class says of these values that it holds.
+  bool IsSatisfied(const std::string& name, std::span<const std::int64_t> values, std::span<const VokLong> constants) {
+    VokTarnNetwork network;
+    std::vector<VokTarnValueId> ids;
+    for (const std::int64_t v : values) {
+      ids.push_back(Add(network, "int", std::to_string(v)));
+    }
+    return PostClass(network, name, ids, constants)->IsSatisfied(VokTarnObjectEnvironment(network, ids));
   }
 };
 
