@@ -210,7 +210,14 @@ std::string FindMistake(const RandomProblem& problem, const fzn::Solver::Options
     if (!errors.IsEmpty() || !builder.Build()) {
       const std::string text = errors.GetText();
       ++effort.fRefused;
-      return text.find("fit") != std::string::npos || text.find(" bits") != std::string::npos ? "" : text;
+      const auto tells = [&text](const char* what) { return text.find(what) != std::string::npos; };
+      // Arrays of two sizes are refused by the check of solutions, too; to it a reified statement of them is false.
+      if (tells("same length") || tells("in size")) {
+        return tells("_reif") || tells("_imp") || Enumerate(problem, checker).empty()
+                   ? ""
+                   : text + ", and there are solutions";
+      }
+      return tells("fit") || tells(" bits") || tells("does not take") ? "" : text;
     }
     std::vector<std::string> unknown;
     const auto solver = fzn::MakeSolver(
@@ -279,11 +286,11 @@ void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count, con
 }
 
 TEST(RandomProblems, BuiltinsHaveTheSolutionsOfTheirMeaning) {
-  CompareWithEnumeration(sBuiltins, 3000, {6, 21328, 4097, 54031, 13871});
+  CompareWithEnumeration(sBuiltins, 3000, {24, 21282, 4326, 50808, 12785});
 }
 
 TEST(RandomProblems, OtherConstraintsHaveTheSolutionsOfTheirMeaning) {
-  CompareWithEnumeration(sOthers, 4500, {282, 51989, 25932, 105486, 122696});
+  CompareWithEnumeration(sOthers, 4500, {356, 51434, 25987, 108631, 122645});
 }
 
 // A problem that fails is told without what does not matter.
