@@ -43,8 +43,8 @@ PARTS = {
                    [(p, "-" + LONG) for p in ("module", "io", "domain", "memory", "narrowing", "constraints")]
                    + [("narrowing", LONG)], 95),
     "framework": Part(["src/framework"], ["bin/libVokTarn.so"],
-                      [("framework", "-NoGoods.Lose*"), ("framework", "NoGoods.Lose*"), ("numbers", "*"), ("flatzinc", "*"),
-                       ("memory", "*"), ("tarn", "*"), ("cli", CLI)]),
+                      [("framework", "-NoGoods.Lose*"), ("framework", "NoGoods.Lose*"), ("numbers", "*"), ("constraints", "*"),
+                       ("flatzinc", "*"), ("memory", "*"), ("tarn", "*"), ("cli", CLI)]),
     "constraints": Part(["src/constraints"], ["bin/libVokFenAbstractTypes.so"],
                         [("constraints", "*"), ("flatzinc", "*"), ("tarn", "*"), ("cli", CLI)]),
     "flatzinc": Part(["src/flatzinc"], ["src/flatzinc/libtarn_flatzinc.a", "bin/flatzinc_tests", "bin/tarn"],
