@@ -262,7 +262,9 @@ TEST_F(Rows, LoseNoSupportAndCheckAssignments) {
       const auto function = functions.find(std::string(name));
       ASSERT_NE(function, functions.end()) << "no oracle for " << name;
       ++checked;
+      EXPECT_EQ(row->GetNumberOfArguments(), row->GetOperandCount() + 1) << name;
       EXPECT_EQ(row->GetConstraint()->GetNumberOfArguments(), row->GetOperandCount() + 1) << name;
+      EXPECT_NE(row->IsDerivedFrom(VokTarnObjectDescriptor::sIdent), 0) << name;
       for (int trial = 0; trial < 400 * support::SoakFactor() && !HasFailure(); ++trial) {
         CheckOnce(*row, function->second, trial % 8 == 0, !kRelations.contains(name) || trial % 4 != 0);
       }
