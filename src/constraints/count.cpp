@@ -150,7 +150,9 @@ int VokTarnCountConstraint::NarrowOpenMembers(const VokTarnObjectEnvironment& en
   }
   const bool all = environment.Lower(kResult) == certain + open;
   if (!all && environment.Upper(kResult) != certain) {
-    environment.NoteFixpoint();
+    if (changed == 0) {
+      environment.NoteFixpoint();  // else the result may be a member, too
+    }
     return changed;
   }
   for (auto place = static_cast<std::size_t>(open); place-- > 0 && !environment.IsFailed();) {

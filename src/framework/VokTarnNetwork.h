@@ -197,6 +197,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   void Save(VokTarnValueId id, VokTarnSlot& slot);
   int Shrink(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& now);
   int Refill(VokTarnValueId id, VokTarnSlot& slot, std::span<const VokLong> values);
+  int TakeOver(VokTarnValueId id, VokTarnSlot& slot, std::span<const VokLong> values);
   int KeepEnd(VokTarnValueId id, VokTarnSlot& slot, std::int64_t limit, bool isUpper);
   void Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& before);
   Outcome Filter();

@@ -33,6 +33,12 @@ VokTarnSummary MakeSet(std::int64_t base, VokTarnBits bits) {
   return {hasHoles ? bits >> first : 0, static_cast<VokLong>(base + first), static_cast<VokLong>(base + last), size};
 }
 
+// How many values an undefined value takes over.
+std::size_t GetLimit(const VokTarnSlot& slot) {
+  constexpr std::size_t kOtherwise = 1023;
+  return slot.fShape == Shape::Listed ? slot.fType->GetLimit() : kOtherwise;
+}
+
 bool IsInRange(std::int64_t v) {
   return v >= std::numeric_limits<VokLong>::min() && v <= std::numeric_limits<VokLong>::max();
 }
@@ -250,6 +256,26 @@ int VokTarnNetwork::Refill(VokTarnValueId id, VokTarnSlot& slot, std::span<const
   return 1;
 }
 
+// An undefined value takes the values over, as far as its type has them; one that cannot hold them stays undefined.
+int VokTarnNetwork::TakeOver(VokTarnValueId id, VokTarnSlot& slot, std::span<const VokLong> values) {
+  if (slot.fShape == Shape::Listed) {
+    return Refill(id, slot, values);
+  }
+  auto& value = static_cast<VokTarnInteger&>(Touch(id));
+  bool isHeld = value.SetExactValue(values.front()) != 0;
+  for (const VokLong v : values.subspan(1)) {
+    isHeld = isHeld && value.AddExactValue(v) != 0;
+  }
+  if (!isHeld) {
+    value.SetUndefinedValue();
+  }
+  if (value.IsUndefined() != 0) {
+    return 0;
+  }
+  NoteChange(id);
+  return 1;
+}
+
 int VokTarnNetwork::MakeNil(VokTarnValueId id) {
   Touch(id).SetNilValue();
   NoteChange(id);
@@ -340,14 +366,14 @@ int VokTarnNetwork::KeepBetween(VokTarnValueId id, std::int64_t lower, std::int6
     if (lower == upper) {
       return KeepExactly(id, lower);
     }
-    if (slot.fShape == Shape::Listed) {
+    if (slot.fShape != Shape::Range) {
       const auto count = static_cast<std::uint64_t>(upper - lower) + 1;
-      if (count > slot.fType->GetLimit()) {
+      if (count > GetLimit(slot)) {
         return 0;
       }
       std::vector<VokLong> values(count);
       std::iota(values.begin(), values.end(), static_cast<VokLong>(lower));
-      return Refill(id, slot, values);
+      return TakeOver(id, slot, values);
     }
   }
   if (!IsCompact(slot)) {
@@ -445,8 +471,8 @@ int VokTarnNetwork::KeepListed(VokTarnValueId id, std::span<const VokLong> value
   if (values.empty()) {
     return MakeNil(id);
   }
-  if (slot.fSummary.fSize < 0 && slot.fShape == Shape::Listed) {
-    return values.size() > slot.fType->GetLimit() ? 0 : Refill(id, slot, values);
+  if (slot.fSummary.fSize < 0 && slot.fShape != Shape::Range) {
+    return values.size() > GetLimit(slot) ? 0 : TakeOver(id, slot, values);
   }
   const int changed = KeepBetween(id, values.front(), values.back());
   if (fFailed || slot.fSummary.fSize <= 1 || slot.fShape == Shape::Range) {

@@ -136,7 +136,7 @@ class VOKTARN_EXPORT VokTarnSearch {
   struct Choice {
     VokTarnValueId fVariable;
     VokTarnNetwork::Spare fRest;  // what remains of the variable's domain when the first part has been searched; null:
-    VokTarnAtom fAtom;          // what was assumed first, its negation remains
+    VokTarnAtom fAtom;            // what was assumed first, its negation remains
     bool fIsAuxiliary;            // an intermediate value: one completion is enough
   };
 
