@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "base/range.h"
 #include "constraints/VokTarnConstraintOf.h"
-#include "constraints/VokTarnNumberRange.h"
 
 // n is the number of those among x1, .., xk that lie in a set, for the arguments (n, x1, .., xk), integers of any
 // types. The constants are the set's ranges (lower1, upper1, lower2, ..), which ascend with gaps between them.
@@ -33,6 +33,6 @@ class VOKTARN_EXPORT VokTarnAmongConstraint final : public VokTarnConstraintOf<V
   void IndexRanges() const;
 
   // The ranges of the set and those of its complement; made when they are needed first.
-  mutable std::vector<VokTarnNumberRange> fInside;
-  mutable std::vector<VokTarnNumberRange> fOutside;
+  mutable std::vector<VokTarnRange> fInside;
+  mutable std::vector<VokTarnRange> fOutside;
 };

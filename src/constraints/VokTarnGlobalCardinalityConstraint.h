@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "base/range.h"
 #include "constraints/VokTarnConstraintOf.h"
-#include "constraints/VokTarnNumberRange.h"
 
 // Each ci is the number of those among x1, .., xn that equal vi, for the arguments (c1, .., cm, x1, .., xn), integers
 // of any types. The constants are (closed, v1, .., vm); where closed is not 0 no x has a value beside these.
@@ -46,7 +46,7 @@ class VOKTARN_EXPORT VokTarnGlobalCardinalityConstraint final
   // needed first.
   mutable std::vector<VokLong> fCover;
   mutable std::vector<unsigned> fSlots;
-  mutable std::vector<VokTarnNumberRange> fRanges;  // the same values
+  mutable std::vector<VokTarnRange> fRanges;  // the same values
   // Where the values are near to each other: by value, from the least, one more than its place, or 0.
   mutable std::vector<unsigned> fPlaces;
 };

@@ -36,7 +36,7 @@ void VokTarnAmongConstraint::IndexRanges() const {
   fInside.clear();
   std::int64_t next = std::numeric_limits<VokLong>::min();
   for (std::size_t c = 0; c < GetConstants().size(); c += 2) {
-    const VokTarnNumberRange range = {GetConstants()[c], GetConstants()[c + 1]};
+    const VokTarnRange range = {GetConstants()[c], GetConstants()[c + 1]};
     fInside.push_back(range);
     if (next < range.fLower) {
       fOutside.push_back({next, range.fLower - 1});

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/division.h"
+
 namespace {
 
 using Range = VokTarnRange;
@@ -13,38 +15,21 @@ constexpr std::int64_t kFar = std::int64_t{1} << 40;  // beyond every integer of
 constexpr Range kNone = {1, 0};
 constexpr Range kAll = {-kFar, kFar};
 
-Range Unite(Range a, Range b) {
-  return a.IsEmpty() ? b : b.IsEmpty() ? a : Range{std::min(a.lower, b.lower), std::max(a.upper, b.upper)};
-}
-Range Intersect(Range a, Range b) {
-  return {std::max(a.lower, b.lower), std::min(a.upper, b.upper)};
-}
-Range Negate(Range a) {
-  return {-a.upper, -a.lower};
-}
 Range Positive(Range a) {
-  return Intersect(a, {1, kFar});
+  return a.Intersect({1, kFar});
 }
-// b > 0.
-std::int64_t DivideDown(std::int64_t a, std::int64_t b) {
-  return a / b - (a % b < 0 ? 1 : 0);
-}
-std::int64_t DivideUp(std::int64_t a, std::int64_t b) {
-  return a / b + (a % b > 0 ? 1 : 0);
-}
-
 // The union of what a function says for a positive y, and of what it says for -y with the given turn of the rest.
 template <class Rule>
 Range ForBothSigns(Range y, Rule rule) {
   const Range positive = Positive(y);
-  const Range negative = Positive(Negate(y));
-  return Unite(positive.IsEmpty() ? kNone : rule(positive, false), negative.IsEmpty() ? kNone : rule(negative, true));
+  const Range negative = Positive(y.Negate());
+  return (positive.IsEmpty() ? kNone : rule(positive, false)).Unite(negative.IsEmpty() ? kNone : rule(negative, true));
 }
 
 // ---- Product
 
 Range Multiply(Range x, Range y) {
-  const std::int64_t corners[] = {x.lower * y.lower, x.lower * y.upper, x.upper * y.lower, x.upper * y.upper};
+  const std::int64_t corners[] = {x.fLower * y.fLower, x.fLower * y.fUpper, x.fUpper * y.fLower, x.fUpper * y.fUpper};
   const auto [least, greatest] = std::ranges::minmax(corners);
   return {least, greatest};
 }
@@ -55,9 +40,9 @@ Range FindFactor(Range y, Range z) {
     return kAll;
   }
   return ForBothSigns(y, [z](Range divisor, bool isTurned) {
-    const Range w = isTurned ? Negate(z) : z;
-    return Range{DivideUp(w.lower, w.lower > 0 ? divisor.upper : divisor.lower),
-                 DivideDown(w.upper, w.upper > 0 ? divisor.lower : divisor.upper)};
+    const Range w = isTurned ? z.Negate() : z;
+    return Range{DivideUp(w.fLower, w.fLower > 0 ? divisor.fUpper : divisor.fLower),
+                 DivideDown(w.fUpper, w.fUpper > 0 ? divisor.fLower : divisor.fUpper)};
   });
 }
 
@@ -65,16 +50,16 @@ Range FindFactor(Range y, Range z) {
 
 Range Divide(Range x, Range y) {
   return ForBothSigns(y, [x](Range divisor, bool isTurned) {
-    const Range w = isTurned ? Negate(x) : x;
-    return Range{w.lower / (w.lower >= 0 ? divisor.upper : divisor.lower),
-                 w.upper / (w.upper >= 0 ? divisor.lower : divisor.upper)};
+    const Range w = isTurned ? x.Negate() : x;
+    return Range{w.fLower / (w.fLower >= 0 ? divisor.fUpper : divisor.fLower),
+                 w.fUpper / (w.fUpper >= 0 ? divisor.fLower : divisor.fUpper)};
   });
 }
 
 Range FindDividend(Range y, Range z) {
   return ForBothSigns(y, [z](Range divisor, bool isTurned) {
-    const std::int64_t lower = z.lower > 0 ? z.lower * divisor.lower : (z.lower - 1) * divisor.upper + 1;
-    const std::int64_t upper = z.upper < 0 ? z.upper * divisor.lower : (z.upper + 1) * divisor.upper - 1;
+    const std::int64_t lower = z.fLower > 0 ? z.fLower * divisor.fLower : (z.fLower - 1) * divisor.fUpper + 1;
+    const std::int64_t upper = z.fUpper < 0 ? z.fUpper * divisor.fLower : (z.fUpper + 1) * divisor.fUpper - 1;
     return isTurned ? Range{-upper, -lower} : Range{lower, upper};
   });
 }
@@ -82,60 +67,60 @@ Range FindDividend(Range y, Range z) {
 // The positive y with z = x / y.
 Range FindPositiveDivisor(Range x, Range z) {
   Range y = {1, kFar};
-  if (z.upper < 0) {
-    x = Negate(x);
-    z = Negate(z);
+  if (z.fUpper < 0) {
+    x = x.Negate();
+    z = z.Negate();
   }
-  if (z.lower > 0) {
-    y.upper = DivideDown(x.upper, z.lower);
+  if (z.fLower > 0) {
+    y.fUpper = DivideDown(x.fUpper, z.fLower);
   }
-  if (z.lower >= 0 && x.lower >= 0) {
-    y.lower = x.lower / (z.upper + 1) + 1;
+  if (z.fLower >= 0 && x.fLower >= 0) {
+    y.fLower = x.fLower / (z.fUpper + 1) + 1;
   }
   return y;
 }
 
 Range FindDivisor(Range x, Range y, Range z) {
-  const Range positive = Intersect(FindPositiveDivisor(x, z), Positive(y));
-  const Range negative = Intersect(FindPositiveDivisor(Negate(x), z), Positive(Negate(y)));
-  return Unite(positive, negative.IsEmpty() ? kNone : Negate(negative));
+  const Range positive = FindPositiveDivisor(x, z).Intersect(Positive(y));
+  const Range negative = FindPositiveDivisor(x.Negate(), z).Intersect(Positive(y.Negate()));
+  return positive.Unite(negative.IsEmpty() ? kNone : negative.Negate());
 }
 
 // ---- Remainder
 
 Range FindRemainder(Range x, Range y) {
-  const std::int64_t most = std::max(std::abs(y.lower), std::abs(y.upper)) - 1;
+  const std::int64_t most = std::max(std::abs(y.fLower), std::abs(y.fUpper)) - 1;
   if (most < 0) {
     return kNone;
   }
-  const Range divisor = Positive(y.lower < 0 ? Negate(y) : y);
-  if (y.lower == y.upper && x.lower / divisor.lower == x.upper / divisor.lower) {
-    return {x.lower % divisor.lower, x.upper % divisor.lower};
+  const Range divisor = Positive(y.fLower < 0 ? y.Negate() : y);
+  if (y.fLower == y.fUpper && x.fLower / divisor.fLower == x.fUpper / divisor.fLower) {
+    return {x.fLower % divisor.fLower, x.fUpper % divisor.fLower};
   }
-  return {std::max(-most, std::min<std::int64_t>(x.lower, 0)), std::min(most, std::max<std::int64_t>(x.upper, 0))};
+  return {std::max(-most, std::min<std::int64_t>(x.fLower, 0)), std::min(most, std::max<std::int64_t>(x.fUpper, 0))};
 }
 
 // With a divisor that is known, the ends of x move to the next number whose remainder may be.
 Range FindNumerator(Range x, Range y, Range z) {
   constexpr int kMostSteps = 64;
-  Range result = {z.lower > 0 ? z.lower : -kFar, z.upper < 0 ? z.upper : kFar};
-  result = Intersect(result, x);
-  if (y.lower == y.upper && y.lower != 0) {
-    for (int k = 0; k < kMostSteps && !result.IsEmpty() && !z.Has(result.lower % y.lower); ++k) {
-      ++result.lower;
+  Range result = {z.fLower > 0 ? z.fLower : -kFar, z.fUpper < 0 ? z.fUpper : kFar};
+  result = result.Intersect(x);
+  if (y.fLower == y.fUpper && y.fLower != 0) {
+    for (int k = 0; k < kMostSteps && !result.IsEmpty() && !z.Has(result.fLower % y.fLower); ++k) {
+      ++result.fLower;
     }
-    for (int k = 0; k < kMostSteps && !result.IsEmpty() && !z.Has(result.upper % y.lower); ++k) {
-      --result.upper;
+    for (int k = 0; k < kMostSteps && !result.IsEmpty() && !z.Has(result.fUpper % y.fLower); ++k) {
+      --result.fUpper;
     }
   }
   return result;
 }
 
 Range FindModulus(Range y, Range z) {
-  const std::int64_t least = z.lower > 0 ? z.lower + 1 : z.upper < 0 ? 1 - z.upper : 1;
+  const std::int64_t least = z.fLower > 0 ? z.fLower + 1 : z.fUpper < 0 ? 1 - z.fUpper : 1;
   return ForBothSigns(y, [least](Range divisor, bool isTurned) {
-    const Range kept = Intersect(divisor, {least, kFar});
-    return isTurned && !kept.IsEmpty() ? Negate(kept) : kept;
+    const Range kept = divisor.Intersect({least, kFar});
+    return isTurned && !kept.IsEmpty() ? kept.Negate() : kept;
   });
 }
 
@@ -168,8 +153,8 @@ std::int64_t RootUp(std::int64_t v, std::int64_t exponent) {
 }
 
 Range FindMagnitude(Range x) {
-  const std::int64_t most = std::max(std::abs(x.lower), std::abs(x.upper));
-  return {x.Has(0) ? 0 : std::min(std::abs(x.lower), std::abs(x.upper)), most};
+  const std::int64_t most = std::max(std::abs(x.fLower), std::abs(x.fUpper));
+  return {x.Has(0) ? 0 : std::min(std::abs(x.fLower), std::abs(x.fUpper)), most};
 }
 
 std::int64_t RaiseSigned(std::int64_t base, std::int64_t exponent) {
@@ -178,54 +163,54 @@ std::int64_t RaiseSigned(std::int64_t base, std::int64_t exponent) {
 }
 
 Range FindPower(Range x, Range y) {
-  if (y.lower < 0) {
+  if (y.fLower < 0) {
     // Negative exponents give -1, 0 and 1.
-    const Range rest = y.upper < 0 ? kNone : FindPower(x, {0, y.upper});
-    return Unite({-1, 1}, rest);
+    const Range rest = y.fUpper < 0 ? kNone : FindPower(x, {0, y.fUpper});
+    return rest.Unite({-1, 1});
   }
   const Range magnitude = FindMagnitude(x);
-  if (x.lower > 0) {
-    return {Raise(x.lower, y.lower), Raise(x.upper, y.upper)};
+  if (x.fLower > 0) {
+    return {Raise(x.fLower, y.fLower), Raise(x.fUpper, y.fUpper)};
   }
-  if (y.lower == y.upper) {
-    return y.lower % 2 != 0 ? Range{RaiseSigned(x.lower, y.lower), RaiseSigned(x.upper, y.lower)}
-                            : Range{Raise(magnitude.lower, y.lower), Raise(magnitude.upper, y.lower)};
+  if (y.fLower == y.fUpper) {
+    return y.fLower % 2 != 0 ? Range{RaiseSigned(x.fLower, y.fLower), RaiseSigned(x.fUpper, y.fLower)}
+                             : Range{Raise(magnitude.fLower, y.fLower), Raise(magnitude.fUpper, y.fLower)};
   }
-  const std::int64_t most = Raise(std::max<std::int64_t>(magnitude.upper, 1), y.upper);
-  return {x.lower < 0 ? -most : 0, most};
+  const std::int64_t most = Raise(std::max<std::int64_t>(magnitude.fUpper, 1), y.fUpper);
+  return {x.fLower < 0 ? -most : 0, most};
 }
 
 Range FindBase(Range x, Range y, Range z) {
-  if (y.lower < 1) {
+  if (y.fLower < 1) {
     return x;
   }
-  if (y.lower == y.upper && y.lower % 2 != 0) {
+  if (y.fLower == y.fUpper && y.fLower % 2 != 0) {
     const auto root = [&](std::int64_t v, bool isUp) {
-      return v >= 0 ? (isUp ? RootUp(v, y.lower) : RootDown(v, y.lower))
-                    : -(isUp ? RootDown(-v, y.lower) : RootUp(-v, y.lower));
+      return v >= 0 ? (isUp ? RootUp(v, y.fLower) : RootDown(v, y.fLower))
+                    : -(isUp ? RootDown(-v, y.fLower) : RootUp(-v, y.fLower));
     };
-    return Intersect(x, {root(z.lower, true), root(z.upper, false)});
+    return x.Intersect({root(z.fLower, true), root(z.fUpper, false)});
   }
   // |x| ^ y lies between what |z| can be.
   const Range magnitude = FindMagnitude(z);
-  const std::int64_t most = RootDown(magnitude.upper, y.lower);
-  const std::int64_t least = RootUp(magnitude.lower, y.upper);
-  return Unite(Intersect(x, {least, most}), Intersect(x, {-most, -least}));
+  const std::int64_t most = RootDown(magnitude.fUpper, y.fLower);
+  const std::int64_t least = RootUp(magnitude.fLower, y.fUpper);
+  return x.Intersect({least, most}).Unite(x.Intersect({-most, -least}));
 }
 
 Range FindExponent(Range x, Range y, Range z) {
-  if (x.lower < 2 || y.lower < 0) {
+  if (x.fLower < 2 || y.fLower < 0) {
     return y;
   }
-  while (!y.IsEmpty() && Raise(x.lower, y.upper) > z.upper) {
-    if (y.upper > 63) {
-      y.upper = 63;
+  while (!y.IsEmpty() && Raise(x.fLower, y.fUpper) > z.fUpper) {
+    if (y.fUpper > 63) {
+      y.fUpper = 63;
     } else {
-      --y.upper;
+      --y.fUpper;
     }
   }
-  while (!y.IsEmpty() && Raise(x.upper, y.lower) < z.lower) {
-    ++y.lower;
+  while (!y.IsEmpty() && Raise(x.fUpper, y.fLower) < z.fLower) {
+    ++y.fLower;
   }
   return y;
 }
@@ -280,8 +265,8 @@ VokTarnRange FindFirst(VokTarnFunction function, Range x, Range y, Range z) {
     case VokTarnFunction::Magnitude:
       break;
   }
-  const Range magnitude = Intersect(z, {0, kFar});
-  return magnitude.IsEmpty() ? kNone : Unite(Intersect(x, magnitude), Intersect(x, Negate(magnitude)));
+  const Range magnitude = z.Intersect({0, kFar});
+  return magnitude.IsEmpty() ? kNone : x.Intersect(magnitude).Unite(x.Intersect(magnitude.Negate()));
 }
 
 VokTarnRange FindSecond(VokTarnFunction function, Range x, Range y, Range z) {

@@ -5,16 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/range.h"
 #include "framework/VokTarnRelation.h"
-
-// A range of integers; empty where the lower end is above the upper.
-struct VokTarnRange {
-  std::int64_t lower;
-  std::int64_t upper;
-
-  bool IsEmpty() const noexcept { return lower > upper; }
-  bool Has(std::int64_t v) const noexcept { return lower <= v && v <= upper; }
-};
 
 // f(x, y); none where it is not defined. Powers beyond the integers of the network are clipped to a number beyond them.
 std::optional<std::int64_t> Apply(VokTarnFunction function, std::int64_t x, std::int64_t y) noexcept;

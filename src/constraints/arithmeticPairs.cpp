@@ -93,7 +93,7 @@ class Results {
         fMembers(environment.Members(kZ)),
         fIsMarked(environment.IsListed(kZ) && fMembers.size() <= kMostMarked),
         fMarks(fIsMarked ? fMembers.size() : 0),
-        fSeen{fBounds.upper, fBounds.lower} {}
+        fSeen{fBounds.fUpper, fBounds.fLower} {}
 
   // Whether z is a possible value, which is seen then.
   bool See(std::int64_t z) {
@@ -101,7 +101,7 @@ class Results {
       return false;
     }
     if (fIsMarked) {
-      const auto place = fIsWhole ? fMembers.begin() + (z - fBounds.lower)
+      const auto place = fIsWhole ? fMembers.begin() + (z - fBounds.fLower)
                                   : std::lower_bound(fMembers.begin(), fMembers.end(), static_cast<VokLong>(z));
       if (*place != z) {
         return false;
@@ -110,11 +110,11 @@ class Results {
     } else if (!fIsWhole && !fEnvironment.MayBe(kZ, z)) {
       return false;
     }
-    fSeen = {std::min(fSeen.lower, z), std::max(fSeen.upper, z)};
+    fSeen = {std::min(fSeen.fLower, z), std::max(fSeen.fUpper, z)};
     return true;
   }
   bool AreAllSeen() const noexcept {
-    return fIsMarked ? fMarks.CountOpen() == 0 : fSeen.lower == fBounds.lower && fSeen.upper == fBounds.upper;
+    return fIsMarked ? fMarks.CountOpen() == 0 : fSeen.fLower == fBounds.fLower && fSeen.fUpper == fBounds.fUpper;
   }
   int Keep() const {
     if (!fIsMarked) {
@@ -178,8 +178,8 @@ struct Cover {
       range = {lower, upper};
       return;
     }
-    hasGap = hasGap || lower > range.upper + 1 || upper < range.lower - 1;
-    range = {std::min(lower, range.lower), std::max(upper, range.upper)};
+    hasGap = hasGap || lower > range.fUpper + 1 || upper < range.fLower - 1;
+    range = {std::min(lower, range.fLower), std::max(upper, range.fUpper)};
   }
 };
 
@@ -204,20 +204,20 @@ bool KeepWholeQuotients(const VokTarnObjectEnvironment& environment, int& change
     const bool isTurned = divisor < 0;
     const VokLong magnitude = isTurned ? -divisor : divisor;
     const VokTarnRange of = isTurned ? VokTarnRange{-upper, -lower} : VokTarnRange{lower, upper};
-    const VokTarnRange seen = {std::max<std::int64_t>(static_cast<VokLong>(of.lower) / magnitude, results.lower),
-                               std::min<std::int64_t>(static_cast<VokLong>(of.upper) / magnitude, results.upper)};
+    const VokTarnRange seen = {std::max<std::int64_t>(static_cast<VokLong>(of.fLower) / magnitude, results.fLower),
+                               std::min<std::int64_t>(static_cast<VokLong>(of.fUpper) / magnitude, results.fUpper)};
     if (seen.IsEmpty()) {
       continue;
     }
     y.Add(divisor, divisor);
-    z.Add(seen.lower, seen.upper);
-    const std::int64_t least = seen.lower > 0 ? seen.lower * magnitude : (seen.lower - 1) * magnitude + 1;
-    const std::int64_t greatest = seen.upper < 0 ? seen.upper * magnitude : (seen.upper + 1) * magnitude - 1;
-    const VokTarnRange kept = {std::max(least, of.lower), std::min(greatest, of.upper)};
+    z.Add(seen.fLower, seen.fUpper);
+    const std::int64_t least = seen.fLower > 0 ? seen.fLower * magnitude : (seen.fLower - 1) * magnitude + 1;
+    const std::int64_t greatest = seen.fUpper < 0 ? seen.fUpper * magnitude : (seen.fUpper + 1) * magnitude - 1;
+    const VokTarnRange kept = {std::max(least, of.fLower), std::min(greatest, of.fUpper)};
     if (isTurned) {
-      x.Add(-kept.upper, -kept.lower);
+      x.Add(-kept.fUpper, -kept.fLower);
     } else {
-      x.Add(kept.lower, kept.upper);
+      x.Add(kept.fLower, kept.fUpper);
     }
   }
   if (x.hasGap || y.hasGap || z.hasGap) {

@@ -95,7 +95,7 @@ int KeepThoseOfMagnitudes(const VokTarnObjectEnvironment& environment) {
 }  // namespace
 
 int KeepRange(const VokTarnObjectEnvironment& environment, unsigned i, VokTarnRange range) {
-  return environment.KeepBetween(i, range.lower, range.upper);
+  return environment.KeepBetween(i, range.fLower, range.fUpper);
 }
 
 int KeepMagnitude(const VokTarnObjectEnvironment& environment) {
@@ -146,11 +146,11 @@ int KeepTruthProduct(const VokTarnObjectEnvironment& environment, unsigned truth
   if (!environment.IsSingle(truth)) {
     if (!z().Has(0)) {
       changed |= environment.KeepExactly(truth, 1);
-    } else if (z().upper < x().lower || z().lower > x().upper) {
+    } else if (z().fUpper < x().fLower || z().fLower > x().fUpper) {
       changed |= environment.KeepExactly(truth, 0);
     } else {
       changed |=
-          KeepRange(environment, kZ, {std::min<std::int64_t>(x().lower, 0), std::max<std::int64_t>(x().upper, 0)});
+          KeepRange(environment, kZ, {std::min<std::int64_t>(x().fLower, 0), std::max<std::int64_t>(x().fUpper, 0)});
       if (environment.HasNoHoles(kZ)) {
         environment.NoteFixpoint();
       }

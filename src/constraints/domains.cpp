@@ -24,7 +24,7 @@ int RemoveListed(const VokTarnObjectEnvironment& environment, unsigned i, std::s
 namespace {
 
 // The least value of argument i within the range; one above the range when there is none.
-std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
+std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnRange& range) {
   const std::int64_t lower = std::max<std::int64_t>(range.fLower, environment.Lower(i));
   const std::int64_t upper = std::min<std::int64_t>(range.fUpper, environment.Upper(i));
   if (lower > upper) {
@@ -34,23 +34,23 @@ std::int64_t FindFirst(const VokTarnObjectEnvironment& environment, unsigned i, 
   return next <= upper ? next : range.fUpper + 1;
 }
 
-std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
+std::int64_t FindLast(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnRange& range) {
   return environment.FindUpTo(i, static_cast<VokLong>(std::min<std::int64_t>(range.fUpper, environment.Upper(i))));
 }
 
 }  // namespace
 
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range) {
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnRange& range) {
   return FindFirst(environment, i, range) <= range.fUpper;
 }
 
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges) {
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnRange> ranges) {
   return std::any_of(ranges.begin(), ranges.end(),
-                     [&](const VokTarnNumberRange& range) { return HasValueIn(environment, i, range); });
+                     [&](const VokTarnRange& range) { return HasValueIn(environment, i, range); });
 }
 
-int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges) {
-  const auto isTouched = [&](const VokTarnNumberRange& range) { return HasValueIn(environment, i, range); };
+int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnRange> ranges) {
+  const auto isTouched = [&](const VokTarnRange& range) { return HasValueIn(environment, i, range); };
   const auto first = std::find_if(ranges.begin(), ranges.end(), isTouched);
   if (first == ranges.end()) {
     return environment.MakeNil(i);

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "constraints/VokTarnNumberRange.h"
+#include "base/range.h"
 #include "constraints/narrowing.h"
 #include "constraints/scratchValues.h"
 
@@ -121,11 +121,11 @@ int KeepWhere(const VokTarnObjectEnvironment& environment, unsigned i, std::int6
 }
 
 // Whether argument i has a value in the range, in some range of a list.
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnNumberRange& range);
-bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges);
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, const VokTarnRange& range);
+bool HasValueIn(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnRange> ranges);
 // Argument i keeps those of its values that are in the ranges, which ascend; a type that does not list its values keeps
 // the others between them.
-int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnNumberRange> ranges);
+int KeepRanges(const VokTarnObjectEnvironment& environment, unsigned i, std::span<const VokTarnRange> ranges);
 
 // Whether all arguments are different values of the network.
 bool AreDistinct(std::span<const VokTarnValueId> arguments);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/division.h"
 #include "constraints/VokTarnLinearConstraint.h"
 #include "constraints/narrowing.h"
 #include "numbers/SubIntBase.h"
@@ -19,14 +20,6 @@ constexpr std::int64_t kNoLimit = std::int64_t{1} << 62;
 
 bool IsInside(std::int64_t v) {
   return v >= -kLargest && v <= kLargest;
-}
-
-std::int64_t DivideDown(std::int64_t a, std::int64_t b) {
-  return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
-}
-
-std::int64_t DivideUp(std::int64_t a, std::int64_t b) {
-  return a / b + (a % b != 0 && (a < 0) == (b < 0) ? 1 : 0);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <limits>
 #include <numeric>
 
+#include "base/division.h"
 #include "constraints/VokTarnLinearRelationConstraint.h"
 #include "constraints/narrowing.h"
 
@@ -14,12 +15,6 @@ __extension__ using Int128 = __int128;
 
 constexpr unsigned kNumber = 2;  // place of the number among the constants; a coefficient takes two each behind it
 constexpr unsigned kMostPasses = 8;
-
-// b > 0.
-template <class Wide>
-Wide DivideDown(Wide a, Wide b) {
-  return a / b - (a % b < 0 ? 1 : 0);
-}
 
 // Clamped to 64 bits: beyond every integer of the network all the same.
 template <class Wide>

@@ -16,12 +16,12 @@ constexpr std::int64_t kWidestWindow = 4096;
 
 // The greatest number of ranges that do not overlap: in the order of their ends, each that begins after the one taken
 // last. `ranges` is sorted.
-std::int64_t CountDisjoint(std::vector<VokTarnNumberRange>& ranges) {
+std::int64_t CountDisjoint(std::vector<VokTarnRange>& ranges) {
   std::sort(ranges.begin(), ranges.end(),
-            [](const VokTarnNumberRange& a, const VokTarnNumberRange& b) { return a.fUpper < b.fUpper; });
+            [](const VokTarnRange& a, const VokTarnRange& b) { return a.fUpper < b.fUpper; });
   std::int64_t count = 0;
   std::int64_t last = std::int64_t{SubIntBase::sMin} - 1;
-  for (const VokTarnNumberRange& range : ranges) {
+  for (const VokTarnRange& range : ranges) {
     if (range.fLower > last) {
       ++count;
       last = range.fUpper;
@@ -65,8 +65,8 @@ bool VokTarnNumberOfValuesConstraint::IsSatisfied(const VokTarnObjectEnvironment
 }
 
 int VokTarnNumberOfValuesConstraint::Propagate(const VokTarnObjectEnvironment& environment) const {
-  thread_local std::vector<VokTarnNumberRange> ranges;
-  thread_local std::vector<VokTarnNumberRange> known;
+  thread_local std::vector<VokTarnRange> ranges;
+  thread_local std::vector<VokTarnRange> known;
   ranges.clear();
   known.clear();
   for (unsigned i = kFirst; i < environment.Size(); ++i) {
@@ -77,9 +77,9 @@ int VokTarnNumberOfValuesConstraint::Propagate(const VokTarnObjectEnvironment& e
   }
   const std::int64_t open = static_cast<std::int64_t>(ranges.size() - known.size());
   const std::int64_t least = CountDisjoint(ranges);
-  const auto isEqual = [](const VokTarnNumberRange& a, const VokTarnNumberRange& b) { return a.fLower == b.fLower; };
+  const auto isEqual = [](const VokTarnRange& a, const VokTarnRange& b) { return a.fLower == b.fLower; };
   std::sort(known.begin(), known.end(),
-            [](const VokTarnNumberRange& a, const VokTarnNumberRange& b) { return a.fLower < b.fLower; });
+            [](const VokTarnRange& a, const VokTarnRange& b) { return a.fLower < b.fLower; });
   known.erase(std::unique(known.begin(), known.end(), isEqual), known.end());
   const auto certain = static_cast<std::int64_t>(known.size());
   int changed = environment.KeepBetween(kResult, least, CountPossible(environment, certain + open));
@@ -95,7 +95,7 @@ int VokTarnNumberOfValuesConstraint::Propagate(const VokTarnObjectEnvironment& e
       changed |= KeepRanges(environment, i, known);
       continue;
     }
-    for (const VokTarnNumberRange& value : known) {
+    for (const VokTarnRange& value : known) {
       changed |= environment.Remove(i, static_cast<VokLong>(value.fLower));
     }
   }

@@ -7,15 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "base/range.h"
 #include "framework/VokTarnSumPlan.h"
 
 namespace fzn {
 
 // A set of integers: ranges that ascend, with gaps between them.
-struct Range {
-  std::int64_t fLower;
-  std::int64_t fUpper;
-};
+using Range = VokTarnRange;
 using Set = std::vector<Range>;
 
 // What stands in the place of an integer or a truth value: a constant, or a variable by its place in the model. Truth

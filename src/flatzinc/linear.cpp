@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "base/division.h"
 #include "flatzinc/bounds.h"
 #include "flatzinc/sets.h"
 
@@ -28,10 +29,6 @@ void RequireRoom(Int128 v) {
   if (v > kRoom || v < -kRoom) {
     throw PostingError("the constants of the sum have more than 120 bits");
   }
-}
-
-Int128 DivideDown(Int128 a, Int128 b) {
-  return a / b - (a % b < 0 ? 1 : 0);
 }
 
 // A linear relation in its simplest form: no constants, no repetitions, no common divisor.

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/range.h"
 #include "framework/VokTarnInteger.h"
 #include "tarn/Diagnostic.h"
 #include "tarn/TextStream.h"
@@ -30,23 +31,18 @@ std::string Print(const VokTarnAny& value) {
   return text.str();
 }
 
-struct Range {
-  VokLong fLower;
-  VokLong fUpper;
-};
-
 // What an integer type can hold: the ends of its undefined value. Nothing for other types.
-std::optional<Range> GetRange(const VokTarnAny& undefined) {
+std::optional<VokTarnRange> GetRange(const VokTarnAny& undefined) {
   if (undefined.IsDerivedFrom(VokTarnInteger::sIdent) == 0) {
     return std::nullopt;
   }
   const auto& integer = static_cast<const VokTarnInteger&>(undefined);
-  return Range{integer.GetLowerBound(), integer.GetUpperBound()};
+  return VokTarnRange{integer.GetLowerBound(), integer.GetUpperBound()};
 }
 
 // Refuses numbers that the type cannot hold before the type reads them: what a text form makes of such a number is
 // its own affair, but it is not the number.
-void CheckNumbers(const Range& range, const std::string& text, std::size_t offset) {
+void CheckNumbers(const VokTarnRange& range, const std::string& text, std::size_t offset) {
   for (std::size_t first = text.find_first_of(sDigits); first != std::string::npos;) {
     const std::size_t end = std::min(text.find_first_not_of(sDigits, first), text.size());
     const std::size_t start = first > 0 && text[first - 1] == '-' ? first - 1 : first;
@@ -142,7 +138,7 @@ void ReadDomain(ScratchValue& value, VokTarnType type, std::span<const VokTarnTy
     return;
   }
   const std::string undefined = Print(value.Get());
-  if (const std::optional<Range> range = GetRange(value.Get())) {
+  if (const std::optional<VokTarnRange> range = GetRange(value.Get())) {
     CheckNumbers(*range, text, offset);
   }
   const std::size_t start = offset + text.find_first_not_of(sBlanks);
@@ -167,7 +163,7 @@ void ReadDomain(ScratchValue& value, VokTarnType type, std::span<const VokTarnTy
 }
 
 bool ReadLiteral(ScratchValue& value, const std::string& text) {
-  const std::optional<Range> range = GetRange(value.Get());
+  const std::optional<VokTarnRange> range = GetRange(value.Get());
   const std::optional<std::size_t> read = value.Read(text);
   if (!read || *read < text.size() || value.Get().GetCardinality() != 1) {
     return false;
