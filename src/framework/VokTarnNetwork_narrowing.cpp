@@ -201,6 +201,9 @@ VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
 
 void VokTarnNetwork::NoteChange(VokTarnValueId id) {
   VokTarnSlot& slot = fValues[id];
+  if (slot.fIsStale) {
+    return;  // it has been narrowed by number since it was touched: what the object says is no longer asked for
+  }
   const VokTarnSummary before = slot.fSummary;
   slot.fSummary = Summarize(slot);
   Announce(id, slot, before);
@@ -474,7 +477,12 @@ int VokTarnNetwork::KeepListed(VokTarnValueId id, std::span<const VokLong> value
   if (slot.fSummary.fSize < 0 && slot.fShape != Shape::Range) {
     return values.size() > GetLimit(slot) ? 0 : TakeOver(id, slot, values);
   }
-  const int changed = KeepBetween(id, values.front(), values.back());
+  const auto first = std::ranges::lower_bound(values, slot.fSummary.fLower);
+  const auto behind = std::ranges::upper_bound(values, slot.fSummary.fUpper);
+  if (first >= behind) {
+    return MakeNil(id);
+  }
+  const int changed = KeepBetween(id, *first, *(behind - 1));
   if (fFailed || slot.fSummary.fSize <= 1 || slot.fShape == Shape::Range) {
     return changed;
   }
