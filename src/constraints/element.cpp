@@ -44,8 +44,12 @@ int KeepBoundsOfMembers(const VokTarnObjectEnvironment& environment, const std::
   VokLong lower = SubIntBase::sMax;
   VokLong upper = SubIntBase::sMin;
   for (const VokLong place : places) {
-    lower = std::min(lower, environment.FindFrom(Place(place), environment.Lower(kResult)));
-    upper = std::max(upper, environment.FindUpTo(Place(place), environment.Upper(kResult)));
+    const unsigned i = Place(place);
+    // The result may be the index too, and have changed since the places were found.
+    if (environment.Upper(i) >= environment.Lower(kResult) && environment.Lower(i) <= environment.Upper(kResult)) {
+      lower = std::min(lower, environment.FindFrom(i, environment.Lower(kResult)));
+      upper = std::max(upper, environment.FindUpTo(i, environment.Upper(kResult)));
+    }
   }
   return environment.KeepBetween(kResult, lower, upper);
 }
