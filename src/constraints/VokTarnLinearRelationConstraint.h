@@ -50,6 +50,8 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
     std::int64_t fNumber = 0;
     bool fIsNarrow = false;  // every sum of terms has less than 63 bits
     bool fHasRepeats = false;
+    bool fHasState = false;
+    bool fIsRead = false;
   };
 
   VokTarnRelation GetRelation() const noexcept { return static_cast<VokTarnRelation>(GetConstants()[0]); }
@@ -57,12 +59,18 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
   unsigned GetTerms() const noexcept {
     return static_cast<unsigned>(GetArguments().size()) - (GetMode() == VokTarnMode::Plain ? 0U : 1U);
   }
-  const Statement& GetStatement() const;
+  const Statement& GetStatement() const {
+    if (!fStatement.fIsRead) {
+      ReadStatement();
+    }
+    return fStatement;
+  }
+  void ReadStatement() const;
   // The numbers that the network keeps: the bounds of the sum minus n, the width of the widest term or more, and how
   // many terms at the beginning of fOrder may be open.
   enum StateNumber : unsigned { sLower, sUpper, sWidest, sOpen, sStateSize };
   static constexpr unsigned sLeastFollowed = 8;  // fewer terms are read as quickly
-  bool HasState() const;
+  bool HasState() const { return GetStatement().fHasState; }
   template <class Wide>
   int PropagateIn(const VokTarnObjectEnvironment& environment) const;
 

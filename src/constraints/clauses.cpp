@@ -176,16 +176,19 @@ int VokTarnDisjunctionConstraint::Propagate(const VokTarnObjectEnvironment& envi
     return changed | environment.KeepExactly(result, GetAimOfResult());
   }
   if (left == 0) {
+    environment.NoteEntailed();
     return changed | environment.KeepExactly(result, 1 - GetAimOfResult());
   }
   if (!environment.IsSingle(result)) {
     return changed;
   }
   if (environment.Lower(result) != GetAimOfResult()) {
+    environment.NoteEntailed();
     for (unsigned i = 0; i < result && !environment.IsFailed(); ++i) {
       changed |= environment.KeepExactly(i, 1 - GetAim(i));
     }
   } else if (left == 1) {
+    environment.NoteEntailed();
     const auto last = static_cast<unsigned>(environment.State(State(sPlaces)));
     changed |= environment.KeepExactly(last, GetAim(last));
   }

@@ -35,7 +35,7 @@ class VokTarnLinearRelationConstraint::Pass {
       : fEnvironment(environment),
         fConstraint(constraint),
         fStatement(constraint.GetStatement()),
-        fHasState(constraint.HasState()) {
+        fHasState(fStatement.fHasState) {
     Read();
   }
 
@@ -306,11 +306,8 @@ int VokTarnLinearRelationConstraint::Pass<Wide>::Enforce(VokTarnRelation relatio
   return KeepAtLeastZero();
 }
 
-const VokTarnLinearRelationConstraint::Statement& VokTarnLinearRelationConstraint::GetStatement() const {
+void VokTarnLinearRelationConstraint::ReadStatement() const {
   Statement& s = fStatement;
-  if (s.fCoefficients.size() == GetTerms()) {
-    return s;
-  }
   const std::span<const VokLong> constants = GetConstants();
   s.fNumber = VokJoinWide(constants[kNumber], constants[kNumber + 1]);
   Int128 most = s.fNumber < 0 ? -Int128{s.fNumber} : Int128{s.fNumber};
@@ -323,13 +320,10 @@ const VokTarnLinearRelationConstraint::Statement& VokTarnLinearRelationConstrain
   std::vector<VokTarnValueId> sorted(GetArguments().begin(), GetArguments().end());
   std::ranges::sort(sorted);
   s.fHasRepeats = std::ranges::adjacent_find(sorted) != sorted.end();
-  return s;
-}
-
-// A plain <> watches two terms in place of following all.
-bool VokTarnLinearRelationConstraint::HasState() const {
-  return GetStatement().fIsNarrow && GetTerms() >= sLeastFollowed &&
-         (GetRelation() != VokTarnRelation::Different || GetMode() != VokTarnMode::Plain);
+  // A plain <> watches two terms in place of following all.
+  s.fHasState = s.fIsNarrow && GetTerms() >= sLeastFollowed &&
+                (GetRelation() != VokTarnRelation::Different || GetMode() != VokTarnMode::Plain);
+  s.fIsRead = true;
 }
 
 void VokTarnLinearRelationConstraint::InitState(const VokTarnObjectEnvironment& environment) const {

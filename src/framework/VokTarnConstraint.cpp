@@ -87,24 +87,26 @@ int VokTarnConstraint::ActivateByArgument(unsigned, int, VokTarnNetwork* network
   return 1;
 }
 
-// Whether some argument has more than one value.
+// Whether some argument has more than one value. From where one was found last, around: arguments mostly become known
+// in some order.
 bool VokTarnConstraint::HasOpenArgument(const VokTarnObjectEnvironment& environment) const {
-  const auto isOpen = [&](unsigned i) { return environment.Has(i) && !environment.IsSingle(i); };
-  if (isOpen(fOpen)) {
-    return true;
-  }
-  for (unsigned i = 0; i < environment.Size(); ++i) {
-    if (isOpen(i)) {
+  const unsigned size = environment.Size();
+  unsigned i = fOpen < size ? fOpen : 0;
+  for (unsigned seen = 0; seen < size; ++seen) {
+    if (environment.Has(i) && !environment.IsSingle(i)) {
       fOpen = i;
       return true;
     }
+    i = i + 1 < size ? i + 1 : 0;
   }
   return false;
 }
 
 int VokTarnConstraint::Filter(const VokTarnObjectEnvironment& environment, int) {
+  environment.BeginFiltering();
   const int changed = Propagate(environment);
-  return environment.IsFailed() || HasOpenArgument(environment) || IsSatisfied(environment)
+  // What is entailed holds whatever is still open, and needs no check when nothing is.
+  return environment.IsFailed() || environment.IsEntailed() || HasOpenArgument(environment) || IsSatisfied(environment)
              ? changed
              : changed | environment.Fail();
 }

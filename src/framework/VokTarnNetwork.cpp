@@ -218,8 +218,6 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
     VokTarnConstraint& constraint = *fConstraints[index];
     fRunning = index;
     fIsRunningWoken = false;
-    fIsAtFixpoint = false;
-    fIsEntailed = false;
     constraint.Filter(VokTarnObjectEnvironment(*this, constraint.GetArguments()), 0);
     fRunning = sNone;
     if (fFailed) {

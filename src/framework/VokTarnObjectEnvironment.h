@@ -113,11 +113,14 @@ class VOKTARN_EXPORT VokTarnObjectEnvironment {
   }
   // 1 when a contradiction has been found: nothing more need be narrowed.
   bool IsFailed() const noexcept { return fIsFailed; }
+  // What the filtering before has noted is over.
+  void BeginFiltering() const noexcept { fNetwork.fIsAtFixpoint = fNetwork.fIsEntailed = false; }
   // Filtering the constraint once more would change nothing: its own changes need not wake it.
   void NoteFixpoint() const noexcept { fNetwork.fIsAtFixpoint = true; }
   // The constraint holds whatever values the arguments take of those that are left: it is not filtered again until the
   // search goes back.
   void NoteEntailed() const noexcept { fNetwork.fIsEntailed = true; }
+  bool IsEntailed() const noexcept { return fNetwork.fIsEntailed; }
 
  private:
   const VokTarnSlot& Slot(unsigned i) const noexcept { return fSlots[fArguments[i]]; }
