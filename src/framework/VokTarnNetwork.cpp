@@ -236,6 +236,36 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
   return Outcome::Failed;
 }
 
+// Tells those who wait for it that the value has changed.
+void VokTarnNetwork::Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& before) {
+  LogChange(id);
+  if (slot.fSummary.fSize == 0) {
+    fFailed = true;  // no constraint's numbers are read before the way back restores them
+    return;
+  }
+  if (!fClauses.IsEmpty()) {
+    fClauses.NoteChange(id, before, slot.fSummary);
+  }
+  const bool isInside = slot.fSummary.fLower == before.fLower && slot.fSummary.fUpper == before.fUpper;
+  const VokTarnEvent event = slot.fSummary.fSize == 1                             ? VokTarnEvent::Single
+                             : isInside && slot.fKind != VokTarnSlot::Kind::Other ? VokTarnEvent::Domain
+                                                                                  : VokTarnEvent::Bounds;
+  for (const VokTarnSlot::Watcher& watcher : slot.fWatchers) {
+    if (watcher.fEvent <= event) {
+      if (watcher.fIsAdvised) {
+        const VokTarnConstraint& constraint = *fConstraints[watcher.fConstraint];
+        if (!constraint.Advise(watcher.fArgument, before, VokTarnObjectEnvironment(*this, constraint.GetArguments()))) {
+          continue;
+        }
+      }
+      Schedule(watcher.fConstraint);
+    }
+  }
+  if (event == VokTarnEvent::Single) {
+    AskWatches(slot);
+  }
+}
+
 // Asks those who watch the value, which has become single, what they watch from now on. It is never the same value:
 // they watch what is still open.
 void VokTarnNetwork::AskWatches(VokTarnSlot& slot) {

@@ -8,8 +8,8 @@
 
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnOperatorTable.h"
-#include "framework/VokTarnSumPlan.h"
 #include "framework/VokTarnSearch.h"
+#include "framework/VokTarnSumPlan.h"
 #include "tarn/Model.h"
 #include "tarn/Sum.h"
 
