@@ -11,9 +11,10 @@ install(TARGETS tarn VokTarn VokFenAbstractTypes VokFenNumbers VokFenEnumInteger
 install(FILES $<TARGET_FILE_DIR:tarn>/fzn-tarn DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # A header with a class bears its name; the others serve the libraries' own sources.
-install(DIRECTORY src/base src/framework src/numbers src/constraints src/domain src/tarn DESTINATION ${voktarn_include_dir}
+install(DIRECTORY src/framework src/numbers src/constraints src/domain src/tarn DESTINATION ${voktarn_include_dir}
   FILES_MATCHING PATTERN "[A-Z]*.h"
   PATTERN commands EXCLUDE PATTERN kernels EXCLUDE)
+install(DIRECTORY src/base DESTINATION ${voktarn_include_dir} FILES_MATCHING PATTERN "*.h")
 
 # ---- For find_package and pkg-config
 install(EXPORT VokTarnTargets NAMESPACE VokTarn:: DESTINATION ${voktarn_package_dir})

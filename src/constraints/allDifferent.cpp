@@ -3,6 +3,7 @@
 #include <limits>
 #include <vector>
 
+#include "base/bits.h"
 #include "constraints/VokTarnAllDifferentConstraint.h"
 #include "constraints/domains.h"
 #include "constraints/narrowing.h"

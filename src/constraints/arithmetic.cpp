@@ -6,6 +6,7 @@
 #include <tuple>
 #include <vector>
 
+#include "base/bits.h"
 #include "constraints/VokTarnAdditionConstraint.h"
 #include "constraints/VokTarnMultiplicationConstraint.h"
 #include "constraints/VokTarnPowerConstraint.h"

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "base/bits.h"
 #include "base/range.h"
 #include "constraints/narrowing.h"
 #include "constraints/scratchValues.h"

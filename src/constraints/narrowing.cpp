@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/bits.h"
 #include "numbers/VokFenIntervalInteger.h"
 #include "numbers/VokFenSingleInteger.h"
 

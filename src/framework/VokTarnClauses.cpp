@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/bits.h"
 #include "framework/VokTarnNetwork.h"
 
 namespace {

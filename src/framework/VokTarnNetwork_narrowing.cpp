@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 
+#include "base/bits.h"
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnObjectDescriptor.h"

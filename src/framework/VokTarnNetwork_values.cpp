@@ -3,6 +3,7 @@
 #include <array>
 #include <numeric>
 
+#include "base/bits.h"
 #include "framework/VokTarnBoolean.h"
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnObjectDescriptor.h"

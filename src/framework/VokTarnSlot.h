@@ -1,9 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
-#include "base/bits.h"
 #include "framework/VokTarnAny.h"
 #include "framework/VokTarnConstraintDescriptor.h"
 
@@ -13,6 +13,9 @@ enum class VokTarnEvent : unsigned char {
   Bounds,  // among them the least or the greatest
   Single   // one is left
 };
+
+// A set of numbers near each other, a bit for each; base/bits.h works on it.
+using VokTarnBits = std::uint64_t;
 
 // What a network knows of a value without asking it.
 struct VokTarnSummary {
@@ -62,9 +65,8 @@ struct VokTarnSlot {
   bool HasNoHoles() const noexcept { return fSummary.HasNoHoles() || (fShape == Shape::Range && fSummary.fSize > 0); }
 
   VokTarnAny* fObject;
-  mutable VokTarnSummary
-      fSummary;     // but for bits that are found out when they are asked for, it changes with the value
-  VokULong fStamp;  // the stamp of the level at which the value was saved last
+  mutable VokTarnSummary fSummary;  // bits may be found out when they are asked for
+  VokULong fStamp;                  // the stamp of the level at which the value was saved last
   Shape fShape;
   Kind fKind;
   bool fIsLogged;
