@@ -159,9 +159,9 @@ void ParallelSolver::AddHalves(const Part& part, std::vector<Part>& halves) {
   network.PushLevel();
   if (Apply(part)) {
     halves.push_back(part);
-    fSearch.GetBrancher().Forget();
+    fSearch.GetChoices().Forget();
     VokTarnAtom branch{};
-    if (fSearch.GetBrancher().Choose(network, 0, branch)) {
+    if (fSearch.GetChoices().Choose(network, 0, branch)) {
       halves.push_back(part);
       halves[halves.size() - 2].push_back(branch);
       halves.back().push_back(branch.Negate());

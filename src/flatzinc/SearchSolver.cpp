@@ -28,10 +28,10 @@ std::optional<VokTarnSearch::Objective> SearchSolver::FindObjective(Builder& bui
 SearchSolver::SearchSolver(Builder& builder, const Options& options, std::vector<std::string>& unknown)
     : fBuilder(builder),
       fOptions(options),
-      fBrancher(
-          builder.GetModel(), builder.GetNetwork(), [&builder](std::size_t i) { return builder.GetValue(i); },
-          options.fSeed) {
-  unknown.insert(unknown.end(), fBrancher.GetUnknown().begin(), fBrancher.GetUnknown().end());
+      fAnnotations(builder.GetModel(), builder.GetNetwork().GetValueCount(),
+                   [&builder](std::size_t i) { return builder.GetValue(i); }),
+      fChoices(builder.GetNetwork(), fAnnotations.GetGroups(), options.fSeed) {
+  unknown.insert(unknown.end(), fAnnotations.GetUnknown().begin(), fAnnotations.GetUnknown().end());
   Begin();
 }
 
@@ -44,20 +44,21 @@ void SearchSolver::Begin() {
   if (fSearch) {
     End();
   }
-  fBrancher.Forget();
+  fChoices.Forget();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
   options.fNodeLimit = fOptions.fNodeLimit - std::min(fOptions.fNodeLimit, fBefore.fNodes);
   options.fFailLimit = fOptions.fFailLimit - std::min(fOptions.fFailLimit, fBefore.fFailures);
   options.fRestart = fOptions.fRestart.value_or(
-      fOptions.fIsFree || fBrancher.Restarts() ? VokTarnSearch::Restart::Luby : VokTarnSearch::Restart::None);
+      fOptions.fIsFree || fAnnotations.Restarts() ? VokTarnSearch::Restart::Luby : VokTarnSearch::Restart::None);
   if (fOptions.fIsFree) {
     options.fVariable = VokTarnSearch::VariableChoice::Weighted;
+    options.fValue = VokTarnSearch::ValueChoice::Min;
     options.fLearns = true;
   }
-  fSearch.emplace(fBuilder.GetNetwork(), fBrancher.GetAll(), FindObjective(fBuilder), options);
+  fSearch.emplace(fBuilder.GetNetwork(), fAnnotations.GetAll(), FindObjective(fBuilder), options);
   if (!fOptions.fIsFree) {
-    fSearch->SetBrancher(&fBrancher);
+    fSearch->SetBrancher(&fChoices);
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flatzinc/Branching.h"
+#include "flatzinc/SearchAnnotations.h"
 #include "flatzinc/Solver.h"
 
 namespace fzn {
@@ -27,14 +27,15 @@ class SearchSolver final : public Solver {
     }
   }
   VokTarnSearch& GetSearch() noexcept { return *fSearch; }
-  AnnotatedBrancher& GetBrancher() noexcept { return fBrancher; }
+  VokTarnChoices& GetChoices() noexcept { return fChoices; }
   // The objective of a problem; nothing when any solution will do.
   static std::optional<VokTarnSearch::Objective> FindObjective(Builder& builder);
 
  private:
   Builder& fBuilder;
   const Options fOptions;
-  AnnotatedBrancher fBrancher;
+  const SearchAnnotations fAnnotations;
+  VokTarnChoices fChoices;
   Statistics fBefore;  // of the searches before this one
   std::optional<VokTarnSearch> fSearch;
   std::vector<std::int64_t> fSolution;

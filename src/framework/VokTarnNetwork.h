@@ -75,6 +75,8 @@ class VOKTARN_EXPORT VokTarnNetwork {
   VokLong FindFrom(VokTarnValueId id, VokLong v) const;
   VokLong FindUpTo(VokTarnValueId id, VokLong v) const;
   const VokTarnObjectDescriptor* GetType(VokTarnValueId id) const noexcept { return fValues[id].fType; }
+  // Whether it is an integer or a truth value: what atoms speak of.
+  bool IsNumber(VokTarnValueId id) const noexcept { return fValues[id].fKind != VokTarnSlot::Kind::Other; }
   // The declared name; empty for an intermediate value.
   const std::string& GetName(VokTarnValueId id) const noexcept;
   VokULong GetConstraintCount() const noexcept { return static_cast<VokULong>(fConstraints.size()); }

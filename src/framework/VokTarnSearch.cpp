@@ -1,8 +1,6 @@
 #include "framework/VokTarnSearch.h"
 
 #include <algorithm>
-#include <functional>
-#include <limits>
 #include <new>
 
 namespace {
@@ -11,15 +9,8 @@ const VokTarnInteger& AsInteger(const VokTarnAny& value) {
   return static_cast<const VokTarnInteger&>(value);
 }
 
-constexpr unsigned kNoPlace = std::numeric_limits<unsigned>::max();
-
 // The failures of the shortest run between restarts.
 constexpr std::uint64_t kRunLength = 100;
-
-// More than one value, and they can be counted: the domain can be split.
-bool CanSplit(const VokTarnAny& value) {
-  return value.GetCardinality() > 1;
-}
 
 }  // namespace
 
@@ -27,26 +18,18 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
                              std::optional<Objective> objective, Options options)
     : fNetwork(network),
       fBaseLevel(network.GetLevel()),
-      fPlaces(network.GetValueCount(), kNoPlace),
+      fVariables(variables),
+      fIsVariable(network.GetValueCount()),
       fObjective(objective),
       fOptions(options),
       fRandom(options.fSeed),
       fFailuresToRestart(kRunLength * fRestartSequence.Next()),
+      fChoiceOrder(network, {{variables, options.fVariable, options.fValue, {}, true, options.fLearns}}, options.fSeed),
       fNoGoods(network) {
-  fVariables.reserve(variables.size());
   for (const VokTarnValueId id : variables) {
-    fVariables.push_back({id, 1});
+    fIsVariable[id] = true;
   }
-  if (options.fSeed != 0) {
-    Shuffle();
-  }
-  if (options.fLearns) {
-    fPhases.resize(variables.size());
-  }
-  EnterAll();
-  if (!variables.empty()) {
-    network.SetChangeLog(&fChanged);
-  }
+  SetBrancher(nullptr);
 }
 
 VokTarnSearch::~VokTarnSearch() {
@@ -57,8 +40,8 @@ VokTarnSearch::~VokTarnSearch() {
 }
 
 void VokTarnSearch::SetBrancher(VokTarnBrancher* brancher) noexcept {
-  fBrancher = brancher;
-  fNetwork.SetChangeLog(brancher == nullptr && !fVariables.empty() ? &fChanged : nullptr);
+  fBrancher = brancher != nullptr ? brancher : &fChoiceOrder;
+  fNetwork.SetChangeLog(fBrancher->WantsChanges() ? &fChanged : nullptr);
 }
 
 VokTarnSearch::Status VokTarnSearch::Next() {
@@ -108,16 +91,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     if (fChoices.empty()) {
       NoteBound();
     }
-    if (VokTarnAtom branch{}; fBrancher != nullptr && fBrancher->Choose(fNetwork, GetDepth(), branch)) {
-      Take(branch);
-      continue;
-    }
-    if (const VokTarnValueId variable = ChooseVariable(); variable != vokNoValue) {
-      if (fOptions.fLearns) {
-        Take(RecallPhase(variable));
-      } else {
-        Split(variable);
-      }
+    if (Choose()) {
       continue;
     }
     const VokTarnValueId open = FindUndecided();
@@ -132,7 +106,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
       }
       return Status::Solution;
     }
-    if (CanSplit(fNetwork.GetValue(open))) {
+    if (fNetwork.GetCardinality(open) > 1) {
       Split(open);
       continue;
     }
@@ -145,73 +119,31 @@ VokTarnSearch::Status VokTarnSearch::Run() {
   return fUndecided != vokNoValue ? Status::Undecided : Status::Exhausted;
 }
 
-// Less is better.
-VokTarnSearch::Rank VokTarnSearch::GetRank(unsigned place, int cardinality) const {
-  const auto size = static_cast<std::uint64_t>(cardinality);
-  switch (fOptions.fVariable) {
-    case VariableChoice::FirstFail:
-      return {size, 1};
-    case VariableChoice::InputOrder:
-      return {0, 1};
-    case VariableChoice::MostConstrained: {
-      constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
-      return {(size << 32U) + kMost - std::min<std::uint64_t>(fNetwork.GetDegree(fVariables[place].fId), kMost), 1};
-    }
-    case VariableChoice::Weighted:
-      break;
+// Makes the next choice. False when the brancher has none.
+bool VokTarnSearch::Choose() {
+  if (fBrancher->WantsChanges()) {
+    fBrancher->NoteChanges(fNetwork, fChanged);
+    fNetwork.ClearChangeLog();
   }
-  return {size, fVariables[place].fWeight};
+  VokTarnAtom branch{};
+  if (!fBrancher->Choose(fNetwork, GetDepth(), branch)) {
+    return false;
+  }
+  if (TakesAtoms(branch.fValue)) {
+    Take(branch, false);
+  } else {
+    Bisect(branch.fValue);
+  }
+  return true;
 }
 
-// Counts a failure, and lets the variables of the constraint that failed weigh more.
 void VokTarnSearch::NoteFailure() {
   ++fStatistics.fFailures;
   if (fObserver != nullptr) {
     fObserver->OnFailure();
   }
-  if (fBrancher != nullptr) {
-    fBrancher->OnFailure(fNetwork);
-  }
-  if (!fChoices.empty()) {
-    fLastConflict = fChoices.back().fVariable;
-  }
-  const VokTarnConstraint* failed = fNetwork.GetFailedConstraint();
-  if (fBrancher != nullptr || fOptions.fVariable != VariableChoice::Weighted || failed == nullptr) {
-    return;
-  }
-  for (const VokTarnValueId id : failed->GetArguments()) {
-    if (IsVariable(id)) {
-      std::uint32_t& weight = fVariables[fPlaces[id]].fWeight;
-      weight += weight < std::numeric_limits<std::uint32_t>::max() ? 1U : 0U;
-      fChanged.push_back(id);
-    }
-  }
-}
-
-void VokTarnSearch::Enter(unsigned place) {
-  const int cardinality = fNetwork.GetCardinality(fVariables[place].fId);
-  if (cardinality > 1) {
-    fCandidates.push_back({GetRank(place, cardinality), place});
-    std::push_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
-  }
-}
-
-void VokTarnSearch::EnterAll() {
-  fCandidates.clear();
-  for (unsigned place = 0; place < fVariables.size(); ++place) {
-    fPlaces[fVariables[place].fId] = place;
-    Enter(place);
-  }
-}
-
-// Puts the variables in a random order, which is that of choice among equals.
-void VokTarnSearch::Shuffle() {
-  if (fOptions.fVariable == VariableChoice::InputOrder) {
-    return;
-  }
-  for (std::size_t i = fVariables.size(); i > 1; --i) {
-    std::swap(fVariables[i - 1], fVariables[fRandom.Next() % i]);
-  }
+  const bool isOwn = !fChoices.empty() && !fChoices.back().fIsAuxiliary;
+  fBrancher->OnFailure(fNetwork, isOwn ? fChoices.back().fVariable : vokNoValue);
 }
 
 // A second run would find what an enumeration has found already. With an objective it cannot: it has to be better.
@@ -241,8 +173,7 @@ void VokTarnSearch::BeginAgain() {
     fObserver->OnRestart();
   }
   fFailuresToRestart = fStatistics.fFailures + kRunLength * fRestartSequence.Next();
-  Shuffle();
-  EnterAll();
+  fBrancher->OnRestart(fNetwork);
 }
 
 void VokTarnSearch::NoteBound() {
@@ -252,95 +183,30 @@ void VokTarnSearch::NoteBound() {
   }
 }
 
-// The values that variables have now are those to try first later.
-void VokTarnSearch::NotePhases() {
-  for (const VokTarnValueId id : fChanged) {
-    if (IsVariable(id) && fNetwork.GetCardinality(id) == 1) {
-      fPhases[fPlaces[id]] = AsInteger(fNetwork.GetValue(id)).GetLowerBound();
-    }
-  }
-}
-
-// The part of an open variable's values that it had last; the least at first, and where another value has gone.
-VokTarnAtom VokTarnSearch::RecallPhase(VokTarnValueId variable) const {
-  const VokTarnInteger& x = AsInteger(fNetwork.GetValue(variable));
-  const std::optional<VokLong>& phase = fPhases[fPlaces[variable]];
-  if (phase && x.IsPossible(*phase)) {
-    if (fNetwork.GetType(variable)->IsListed() || *phase == x.GetLowerBound() || *phase == x.GetUpperBound()) {
-      return {variable, VokTarnAtom::Relation::Equal, *phase};
-    }
-    return {variable, VokTarnAtom::Relation::AtMost, *phase};
-  }
-  return {variable, VokTarnAtom::Relation::Equal, x.GetLowerBound()};
-}
-
-VokTarnValueId VokTarnSearch::ChooseVariable() {
-  if (fBrancher != nullptr) {
-    return vokNoValue;  // its own order has ended: FindUndecided sees to what is left
-  }
-  if (fOptions.fLearns) {
-    NotePhases();
-  }
-  for (const VokTarnValueId id : fChanged) {
-    if (IsVariable(id)) {
-      Enter(fPlaces[id]);
-    }
-  }
-  fNetwork.ClearChangeLog();
-  if (fOptions.fLearns && fLastConflict != vokNoValue) {
-    const VokTarnValueId last = fLastConflict;
-    if (IsVariable(last) && fNetwork.GetCardinality(last) > 1) {
-      return last;
-    }
-    fLastConflict = vokNoValue;
-  }
-  if (fCandidates.size() > 4 * fVariables.size() + 64) {  // mostly stale by now
-    EnterAll();
-  }
-  while (!fCandidates.empty()) {
-    const Candidate best = fCandidates.front();
-    const VokTarnValueId variable = fVariables[best.fPlace].fId;
-    const int cardinality = fNetwork.GetCardinality(variable);
-    if (cardinality > 1) {
-      const Rank rank = GetRank(best.fPlace, cardinality);
-      if (!(rank < best.fRank) && !(best.fRank < rank)) {
-        return variable;
-      }
-    }
-    std::pop_heap(fCandidates.begin(), fCandidates.end(), std::greater<>());
-    fCandidates.pop_back();
-  }
-  return vokNoValue;
-}
-
 // A value that is not single: a variable before an intermediate value, and of those one that can be split before one
 // that cannot.
 VokTarnValueId VokTarnSearch::FindUndecided() const {
   VokTarnValueId open = vokNoValue;
-  for (const Variable& variable : fVariables) {
-    const VokTarnAny& value = fNetwork.GetValue(variable.fId);
-    if (CanSplit(value)) {
-      return variable.fId;
+  for (const VokTarnValueId id : fVariables) {
+    const int size = fNetwork.GetCardinality(id);
+    if (size > 1) {
+      return id;
     }
-    open = open == vokNoValue && value.GetCardinality() != 1 ? variable.fId : open;
+    open = open == vokNoValue && size != 1 ? id : open;
   }
   if (open != vokNoValue) {
     return open;
   }
   for (VokTarnValueId id = 0; id < fNetwork.GetValueCount(); ++id) {
-    const VokTarnAny& value = fNetwork.GetValue(id);
-    if (CanSplit(value)) {
+    const int size = fNetwork.GetCardinality(id);
+    if (size > 1) {
       return id;
     }
-    if (value.GetCardinality() != 1 && fNetwork.GetDegree(id) != 0 && !IsBound(id)) {
+    if (size != 1 && fNetwork.GetDegree(id) != 0 && !IsBound(id)) {
       open = id;
     }
   }
   return open;
-}
-
-bool VokTarnSearch::IsVariable(VokTarnValueId id) const {
-  return id < fPlaces.size() && fPlaces[id] != kNoPlace;
 }
 
 // The bound of an objective is undefined until the first solution; what it bounds needs no check by then.
@@ -348,19 +214,33 @@ bool VokTarnSearch::IsBound(VokTarnValueId id) const {
   return fObjective && fObjective->fBound == id;
 }
 
-void VokTarnSearch::Split(VokTarnValueId variable) {
-  const VokTarnObjectDescriptor* type = fNetwork.GetType(variable);
+// Whether what an atom says of it, and the opposite, can be made true by the network itself.
+bool VokTarnSearch::TakesAtoms(VokTarnValueId id) const {
+  return fNetwork.GetType(id)->GetShape() != VokTarnObjectDescriptor::Shape::Other;
+}
+
+void VokTarnSearch::Split(VokTarnValueId id) {
+  if (TakesAtoms(id)) {
+    Take(ChooseValues(fOptions.fValue, fNetwork, id, fRandom), !fIsVariable[id]);
+  } else {
+    Bisect(id);
+  }
+}
+
+void VokTarnSearch::Bisect(VokTarnValueId id) {
+  const VokTarnObjectDescriptor* type = fNetwork.GetType(id);
   VokTarnNetwork::Spare rest = fNetwork.TakeSpare(type);
   const VokTarnNetwork::Spare part = fNetwork.TakeSpare(type);
-  fNetwork.Copy(*rest, fNetwork.GetValue(variable));
+  fNetwork.Copy(*rest, fNetwork.GetValue(id));
   constexpr VokTarnAny::ValueSelection kParts[] = {VokTarnAny::Smallest, VokTarnAny::Largest, VokTarnAny::LowerHalf,
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
-  rest->Bisect(*part, kParts[static_cast<unsigned>(fOptions.fValue)]);
-  Open({variable, std::move(rest), {}, !IsVariable(variable)});
-  fNetwork.Copy(fNetwork.Touch(variable), *part);
-  fNetwork.NoteChange(variable);
+  const auto order = static_cast<std::size_t>(fOptions.fValue);
+  rest->Bisect(*part, order < std::size(kParts) ? kParts[order] : VokTarnAny::LowerHalf);
+  Open({id, std::move(rest), {}, !fIsVariable[id]});
+  fNetwork.Copy(fNetwork.Touch(id), *part);
+  fNetwork.NoteChange(id);
   if (fObserver != nullptr) {
-    fObserver->OnDecision(variable, *part);
+    fObserver->OnDecision(id, *part);
   }
 }
 
@@ -372,8 +252,8 @@ void VokTarnSearch::Open(Choice choice) {
 }
 
 // Goes on with the part of a value's domain; the rest is for later.
-void VokTarnSearch::Take(const VokTarnAtom& branch) {
-  Open({branch.fValue, {nullptr, {&fNetwork, 0}}, branch, false});
+void VokTarnSearch::Take(const VokTarnAtom& branch, bool isAuxiliary) {
+  Open({branch.fValue, {nullptr, {&fNetwork, 0}}, branch, isAuxiliary});
   fNetwork.Keep(branch);
   if (fObserver != nullptr) {
     fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "framework/VokTarnBrancher.h"
+#include "framework/VokTarnChoices.h"
 #include "framework/VokTarnNetwork.h"
 #include "framework/VokTarnNoGoods.h"
 #include "framework/VokTarnRestartSequences.h"
@@ -30,13 +30,14 @@ class VOKTARN_EXPORT VokTarnSearchObserver {
 
 // Depth-first search for the assignments of some values of a network that satisfy all its constraints.
 //
-// Cost  A choice is O(log n) in the number of variables for each value that has changed since the last one.
+// Cost  A choice as VokTarnChoices tells, or the brancher.
 //
-// Each step chooses an undecided variable and splits its domain with Bisect, as the options say: first one part, then
-// the rest. Every assignment of the variables is found once, in a deterministic order; intermediate values that
-// propagation leaves open are searched for one completion. A variable that is still undefined when nothing else can be
-// split leaves its branch undecided: no solution is claimed or denied there. A brancher only says what comes first:
-// the search splits by itself whatever variable it leaves open.
+// Each step chooses an undecided variable and a part of its domain, as the options or a brancher say: first that part
+// is searched, then the rest. A variable that no atom can split is split by its type's Bisect. Every assignment of the
+// variables is found once, in a deterministic order; intermediate values that propagation leaves open are searched for
+// one completion. A variable that is still undefined when nothing else can be split leaves its branch undecided: no
+// solution is claimed or denied there. A brancher only says what comes first: the search splits by itself whatever
+// variable it leaves open.
 //
 // Errors  Throws std::bad_alloc rather than to answer when memory has been short, see VokTarnNetwork.
 //
@@ -59,15 +60,8 @@ class VOKTARN_EXPORT VokTarnSearch {
     VokTarnValueId fBound;
     Sense fSense;
   };
-  enum class VariableChoice {
-    FirstFail,        // fewest possible values, the variable declared first among equals
-    InputOrder,       // the variable declared first
-    MostConstrained,  // as FirstFail, but among equals the one in most constraints
-    Weighted  // fewest possible values per failure seen by the variable's constraints (F. Boussemart, F. Hemery,
-              // C. Lecoutre, L. Sais, "Boosting systematic search by weighting constraints", 2004)
-  };
-  // The part of a domain that is searched first.
-  enum class ValueChoice { Min, Max, Split, SplitMax };
+  using VariableChoice = VokTarnVariableOrder;
+  using ValueChoice = VokTarnValueOrder;
   enum class Restart {
     None,
     Luby  // after 100 failures times the terms 1, 1, 2, 1, 1, 2, 4, ... (M. Luby, A. Sinclair, D. Zuckerman, "Optimal
@@ -85,11 +79,8 @@ class VOKTARN_EXPORT VokTarnSearch {
     // The search is stopped for good once it has made this many decisions, or has failed this often.
     std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
-    // Open variables get the value first that they had last in this search, a value that propagation or a choice gave
-    // them, in place of a split (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
-    // satisfiability solvers", 2007). The variable of the last choice that failed is chosen again before others
-    // (C. Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in constraint programming", 2009).
-    // What was refuted before a restart is not searched again (VokTarnNoGoods). For integers only.
+    // Values and conflicts are remembered, see VokTarnChoices::Group, and what was refuted before a restart is not
+    // searched again (VokTarnNoGoods). For integers only.
     bool fLearns = false;
   };
   struct Statistics {
@@ -115,8 +106,8 @@ class VOKTARN_EXPORT VokTarnSearch {
   // From now on `observer` (null: none) sees each step; borrowed.
   void SetObserver(VokTarnSearchObserver* observer) noexcept { fObserver = observer; }
 
-  // `brancher` (null: none) is asked first; what variables it leaves open are split in their order. Before the search
-  // begins. Borrowed.
+  // `brancher` (null: none) chooses in place of the options; what variables it leaves open are split in their order.
+  // Before the search begins. Borrowed.
   void SetBrancher(VokTarnBrancher* brancher) noexcept;
   // A solution with this objective is known from elsewhere: those to come must be better. At any time.
   void NoteKnown(VokLong objective) noexcept;
@@ -140,48 +131,19 @@ class VOKTARN_EXPORT VokTarnSearch {
     bool fIsAuxiliary;            // an intermediate value: one completion is enough
   };
 
-  struct Variable {
-    VokTarnValueId fId;
-    std::uint32_t fWeight;  // 1 and the failures that its constraints have seen
-  };
-
-  // A fraction, so that every machine ranks alike.
-  struct Rank {
-    std::uint64_t fNumerator;  // times a denominator, below 2^64
-    std::uint32_t fDenominator;
-    bool operator<(const Rank& other) const noexcept {
-      return fNumerator * other.fDenominator < other.fNumerator * fDenominator;
-    }
-  };
-
-  // A variable by its place among the variables, with the rank that it had when it was entered; the order is that
-  // of choice.
-  struct Candidate {
-    Rank fRank;
-    unsigned fPlace;
-    bool operator>(const Candidate& other) const noexcept {
-      return other.fRank < fRank || (!(fRank < other.fRank) && fPlace > other.fPlace);
-    }
-  };
-
   Status Run();
   bool Backtrack();
-  void Split(VokTarnValueId variable);
-  void Take(const VokTarnAtom& branch);
+  bool TakesAtoms(VokTarnValueId id) const;
+  void Split(VokTarnValueId id);
+  void Bisect(VokTarnValueId id);
+  void Take(const VokTarnAtom& branch, bool isAuxiliary);
   void Open(Choice choice);
-  VokTarnAtom RecallPhase(VokTarnValueId variable) const;
-  void NotePhases();
-  VokTarnValueId ChooseVariable();
-  Rank GetRank(unsigned place, int cardinality) const;
-  void Enter(unsigned place);
-  void EnterAll();
-  void Shuffle();
+  bool Choose();
   bool IsRestartDue() const noexcept;
   void BeginAgain();
   void NoteBound();
   void NoteFailure();
   VokTarnValueId FindUndecided() const;
-  bool IsVariable(VokTarnValueId id) const;
   bool IsBound(VokTarnValueId id) const;
   bool TightenBound();
   bool TightenObjective(VokLong wanted);
@@ -190,11 +152,8 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   VokTarnNetwork& fNetwork;
   const unsigned fBaseLevel;
-  std::vector<Variable> fVariables;  // equally ranked ones are chosen in this order
-  std::vector<unsigned> fPlaces;     // per value of the network, its place among the variables
-  // Open variables, best first on top. Every open variable has an entry with its present rank; entries that a
-  // change has made stale are dropped when they come up.
-  std::vector<Candidate> fCandidates;
+  const std::vector<VokTarnValueId> fVariables;
+  std::vector<bool> fIsVariable;  // by value
   std::vector<VokTarnValueId> fChanged;
   std::optional<Objective> fObjective;
   Options fOptions;
@@ -204,9 +163,8 @@ class VOKTARN_EXPORT VokTarnSearch {
   std::vector<Choice> fChoices;
   Statistics fStatistics;
   VokTarnSearchObserver* fObserver = nullptr;
-  VokTarnBrancher* fBrancher = nullptr;
-  std::vector<std::optional<VokLong>> fPhases;  // by place among the variables, when the search learns
-  VokTarnValueId fLastConflict = vokNoValue;
+  VokTarnChoices fChoiceOrder;
+  VokTarnBrancher* fBrancher = &fChoiceOrder;
   VokTarnNoGoods fNoGoods;
   std::optional<VokLong> fBest;
   std::optional<VokLong> fBound;
