@@ -47,14 +47,17 @@ void SearchSolver::Begin() {
   fChoices.Forget();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
+  options.fLearning = fOptions.fLearning;
   options.fNodeLimit = fOptions.fNodeLimit - std::min(fOptions.fNodeLimit, fBefore.fNodes);
   options.fFailLimit = fOptions.fFailLimit - std::min(fOptions.fFailLimit, fBefore.fFailures);
   options.fRestart = fOptions.fRestart.value_or(
       fOptions.fIsFree || fAnnotations.Restarts() ? VokTarnSearch::Restart::Luby : VokTarnSearch::Restart::None);
   if (fOptions.fIsFree) {
-    options.fVariable = VokTarnSearch::VariableChoice::Weighted;
+    options.fVariable = fOptions.fLearning == VokTarnSearch::Learning::Off
+                            ? VokTarnSearch::VariableChoice::Weighted
+                            : VokTarnSearch::VariableChoice::Activity;
     options.fValue = VokTarnSearch::ValueChoice::Min;
-    options.fLearns = true;
+    options.fRemembers = true;
   }
   fSearch.emplace(fBuilder.GetNetwork(), fAnnotations.GetAll(), FindObjective(fBuilder), options);
   if (!fOptions.fIsFree) {
@@ -76,7 +79,11 @@ Solver::Status SearchSolver::Next() {
 Solver::Statistics SearchSolver::GetStatistics() const {
   const VokTarnSearch::Statistics now = fSearch ? fSearch->GetStatistics() : VokTarnSearch::Statistics();
   return {fBefore.fNodes + now.fDecisions, fBefore.fFailures + now.fFailures, fBefore.fRestarts + now.fRestarts,
-          fBuilder.GetNetwork().GetPropagations(), std::max<std::uint64_t>(fBefore.fDepth, now.fDepth)};
+          fBuilder.GetNetwork().GetPropagations(), std::max<std::uint64_t>(fBefore.fDepth, now.fDepth),
+          fBefore.fLearned + now.fLearned, fBefore.fForgotten + now.fForgotten, fBefore.fAtoms + now.fAtoms,
+          fBefore.fLevels + now.fLevels,
+          {fBefore.fReasons.fByRule + now.fReasons.fByRule, fBefore.fReasons.fByReplay + now.fReasons.fByReplay,
+           fBefore.fReasons.fByChoices + now.fReasons.fByChoices}};
 }
 
 }  // namespace fzn

@@ -24,6 +24,7 @@ class Solver {
     // Nothing: as the search annotations say, or as a free search does.
     std::optional<VokTarnSearch::Restart> fRestart;
     std::uint64_t fSeed = 0;
+    VokTarnSearch::Learning fLearning = VokTarnSearch::Learning::Off;
     // More than one: so many processes search disjoint parts of the search space.
     unsigned fProcesses = 1;
     // Of each process.
@@ -36,6 +37,11 @@ class Solver {
     std::uint64_t fRestarts = 0;
     std::uint64_t fPropagations = 0;
     std::uint64_t fDepth = 0;
+    std::uint64_t fLearned = 0;
+    std::uint64_t fForgotten = 0;
+    std::uint64_t fAtoms = 0;
+    std::uint64_t fLevels = 0;
+    VokTarnReasons::Statistics fReasons;
   };
 
   Solver() = default;

@@ -24,4 +24,22 @@ struct VokTarnAtom {
     }
     return {fValue, Relation::AtMost, fNumber - 1};
   }
+
+  // Whether this being true of an integer makes `other`, of the same one, true.
+  bool Implies(const VokTarnAtom& other) const noexcept {
+    switch (other.fRelation) {
+      case Relation::Equal:
+        return fRelation == Relation::Equal && fNumber == other.fNumber;
+      case Relation::AtMost:
+        return (fRelation == Relation::AtMost || fRelation == Relation::Equal) && fNumber <= other.fNumber;
+      case Relation::AtLeast:
+        return (fRelation == Relation::AtLeast || fRelation == Relation::Equal) && fNumber >= other.fNumber;
+      case Relation::Unequal:
+        break;
+    }
+    return fRelation == Relation::Equal     ? fNumber != other.fNumber
+           : fRelation == Relation::Unequal ? fNumber == other.fNumber
+           : fRelation == Relation::AtMost  ? fNumber < other.fNumber
+                                            : fNumber > other.fNumber;
+  }
 };

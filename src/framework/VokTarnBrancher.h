@@ -22,6 +22,8 @@ class VOKTARN_EXPORT VokTarnBrancher {
   virtual void NoteChanges(const VokTarnNetwork& /*network*/, std::span<const VokTarnValueId> /*changed*/) {}
   // The network's last propagation has failed, after the choice (vokNoValue: none) of this value.
   virtual void OnFailure(const VokTarnNetwork& /*network*/, VokTarnValueId /*last*/) {}
+  // The search has learned from that failure, in which these values were involved, some of them more than once.
+  virtual void NoteInvolved(const VokTarnNetwork& /*network*/, std::span<const VokTarnValueId> /*values*/) {}
   // The search begins again at its root.
   virtual void OnRestart(const VokTarnNetwork& /*network*/) {}
 };

@@ -4,10 +4,20 @@
 #include <functional>
 #include <limits>
 
+namespace {
+
+// Activities beyond this are halved many times, all of them.
+constexpr std::uint64_t kMostActivity = std::uint64_t{1} << 62;
+constexpr unsigned kActivityShift = 44;
+// What being involved adds grows by one part in so many with each failure.
+constexpr std::uint64_t kGrowth = 20;
+
+}  // namespace
+
 VokTarnChoices::VokTarnChoices(const VokTarnNetwork& network, std::vector<Group> groups, std::uint64_t seed)
-    : fGroups(std::move(groups)), fHeaps(fGroups.size()), fWeights(network.GetValueCount()), fRandom(seed) {
-  for (VokTarnValueId id = 0; id < fWeights.size(); ++id) {
-    fWeights[id] = static_cast<std::uint32_t>(network.GetDegree(id)) + 1;
+    : fGroups(std::move(groups)), fHeaps(fGroups.size()), fMerits(network.GetValueCount()), fRandom(seed) {
+  for (VokTarnValueId id = 0; id < fMerits.size(); ++id) {
+    fMerits[id].fWeight = static_cast<std::uint32_t>(network.GetDegree(id)) + 1;
   }
   for (Group& group : fGroups) {
     if (group.fGiven.empty()) {
@@ -43,15 +53,15 @@ void VokTarnChoices::List() {
   for (std::uint32_t i = 0; i < fMemberships.size(); ++i) {
     fFirst.resize(std::max<std::size_t>(fFirst.size(), fMemberships[i].fValue + std::size_t{1}), i);
   }
-  fFirst.resize(fWeights.size() + 1, static_cast<std::uint32_t>(fMemberships.size()));
+  fFirst.resize(fMerits.size() + 1, static_cast<std::uint32_t>(fMemberships.size()));
 }
 
-// Enters a variable in every heap that it stands in; with `isWeight` in those that weights order.
-void VokTarnChoices::EnterAll(const VokTarnNetwork& network, VokTarnValueId id, bool isWeight) {
+// Enters a variable in every heap that it stands in; of those of one order, when it is given.
+void VokTarnChoices::EnterAll(const VokTarnNetwork& network, VokTarnValueId id,
+                              std::optional<VokTarnVariableOrder> order) {
   for (std::uint32_t i = fFirst[id]; i < fFirst[id + 1]; ++i) {
     const Membership& at = fMemberships[i];
-    if (fHeaps[at.fGroup].fIsComplete &&
-        (!isWeight || fGroups[at.fGroup].fVariable == VokTarnVariableOrder::Weighted)) {
+    if (fHeaps[at.fGroup].fIsComplete && (!order || fGroups[at.fGroup].fVariable == *order)) {
       Enter(network, at.fGroup, at.fPlace);
     }
   }
@@ -97,9 +107,26 @@ void VokTarnChoices::OnFailure(const VokTarnNetwork& network, VokTarnValueId las
     return;
   }
   for (const VokTarnValueId id : failed->GetArguments()) {
-    if (id < fWeights.size() && fWeights[id] < std::numeric_limits<std::uint32_t>::max()) {
-      ++fWeights[id];
-      EnterAll(network, id, true);  // its rank is better now than its entries tell
+    if (id < fMerits.size() && fMerits[id].fWeight < std::numeric_limits<std::uint32_t>::max()) {
+      ++fMerits[id].fWeight;
+      EnterAll(network, id, VokTarnVariableOrder::Weighted);  // its rank is better now than its entries tell
+    }
+  }
+}
+
+void VokTarnChoices::NoteInvolved(const VokTarnNetwork& network, std::span<const VokTarnValueId> values) {
+  for (const VokTarnValueId id : values) {
+    fMerits[id].fActivity += fBump;
+    EnterAll(network, id, VokTarnVariableOrder::Activity);
+  }
+  fBump += fBump / kGrowth + 1;
+  if (fBump > kMostActivity >> 16U) {
+    for (VokTarnMerit& merit : fMerits) {
+      merit.fActivity >>= kActivityShift;
+    }
+    fBump = (fBump >> kActivityShift) + 1;
+    for (Heap& heap : fHeaps) {
+      heap.fIsComplete = false;
     }
   }
 }
@@ -121,15 +148,15 @@ void VokTarnChoices::NoteChanges(const VokTarnNetwork& network, std::span<const 
     return;
   }
   for (const VokTarnValueId id : changed) {
-    if (id < fWeights.size()) {
-      EnterAll(network, id, false);
+    if (id < fMerits.size()) {
+      EnterAll(network, id, std::nullopt);
     }
   }
 }
 
 VokTarnRank VokTarnChoices::Rank(const VokTarnNetwork& network, const Group& group, std::size_t place) const {
   const VokTarnValueId id = group.fVariables[place];
-  return RankVariable(group.fVariable, network, id, fWeights[id]);
+  return RankVariable(group.fVariable, network, id, fMerits[id]);
 }
 
 void VokTarnChoices::Enter(const VokTarnNetwork& network, std::size_t group, std::size_t place) {

@@ -45,6 +45,7 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
   bool WantsChanges() const noexcept override { return fWantsChanges; }
   void NoteChanges(const VokTarnNetwork& network, std::span<const VokTarnValueId> changed) override;
   void OnFailure(const VokTarnNetwork& network, VokTarnValueId last) override;
+  void NoteInvolved(const VokTarnNetwork& network, std::span<const VokTarnValueId> values) override;
   void OnRestart(const VokTarnNetwork& network) override;
   // The next choice is on a network that need not be as far as at the last one.
   void Forget() noexcept;
@@ -83,7 +84,7 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
   void Complete(const VokTarnNetwork& network, std::size_t group);
   void Shuffle(Group& group);
   void List();
-  void EnterAll(const VokTarnNetwork& network, VokTarnValueId id, bool isWeight);
+  void EnterAll(const VokTarnNetwork& network, VokTarnValueId id, std::optional<VokTarnVariableOrder> order);
   std::size_t FindGiven(const VokTarnNetwork& network, const Group& group, std::size_t from) const;
   std::size_t Scan(const VokTarnNetwork& network, const Group& group, std::size_t from) const;
   std::size_t TakeBest(const VokTarnNetwork& network, std::size_t group);
@@ -96,7 +97,8 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
   std::vector<Membership> fMemberships;         // in the order of the values
   std::vector<std::uint32_t> fFirst;            // by value, its first membership; one more for the end
   std::vector<Position> fPositions;             // by depth, up to that of the last choice
-  std::vector<std::uint32_t> fWeights;          // by value
+  std::vector<VokTarnMerit> fMerits;  // by value
+  std::uint64_t fBump = 1;            // what being involved adds now; it grows
   std::vector<std::optional<VokLong>> fPhases;  // by value, when a group remembers
   VokTarnValueId fLastConflict = vokNoValue;
   bool fWantsChanges = false;

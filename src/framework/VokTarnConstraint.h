@@ -9,6 +9,8 @@
 
 class VokTarnNetwork;
 class VokTarnObjectEnvironment;
+class VokTarnPast;
+struct VokTarnAtom;
 
 // A relation over values of a network that narrows them.
 //
@@ -78,6 +80,16 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
   virtual bool Advise(unsigned /*argument*/, const VokTarnSummary& /*before*/,
                       const VokTarnObjectEnvironment& /*environment*/) const {
     return true;
+  }
+
+  // ---- Reasons
+  // Appends atoms that were true of the arguments as `past` shows them and with the relation imply `atom`, which is
+  // about one of them and was not true yet; null: they cannot be true together. The weaker the atoms are, and the
+  // longer they were true, the more the search learns from them. False where the class has no rule: then the constraint
+  // is filtered again to find out (VokTarnReasons).
+  virtual bool Explain(const VokTarnPast& /*past*/, const VokTarnAtom* /*atom*/,
+                       std::vector<VokTarnAtom>& /*because*/) const {
+    return false;
   }
 
   // The place in the network's list of constraints, and that of its first number, set when the network takes the

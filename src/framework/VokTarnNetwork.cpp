@@ -208,6 +208,7 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
     }
     if (fClauses.HasWork()) {
       fClauses.Propagate();
+      fCause = {};
       continue;
     }
     const VokULong index = TakeWaiting();
@@ -218,8 +219,10 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
     VokTarnConstraint& constraint = *fConstraints[index];
     fRunning = index;
     fIsRunningWoken = false;
+    fCause = {VokTarnCause::Kind::Constraint, index, {}};
     constraint.Filter(VokTarnObjectEnvironment(*this, constraint.GetArguments()), 0);
     fRunning = sNone;
+    fCause = {};
     if (fFailed) {
       fFailedConstraint = &constraint;
     } else if (fIsEntailed) {
@@ -239,8 +242,14 @@ VokTarnNetwork::Outcome VokTarnNetwork::Filter() {
 // Tells those who wait for it that the value has changed.
 void VokTarnNetwork::Announce(VokTarnValueId id, VokTarnSlot& slot, const VokTarnSummary& before) {
   LogChange(id);
+  if (fHistory != nullptr) {
+    fHistory->NoteChange(id, before, fCause);
+  }
   if (slot.fSummary.fSize == 0) {
-    fFailed = true;  // no constraint's numbers are read before the way back restores them
+    if (!fFailed) {
+      NoteFailed(fHistory != nullptr ? GetHistorySize() - 1 : 0);
+    }
+    // No constraint's numbers are read before the way back restores them.
     return;
   }
   if (!fClauses.IsEmpty()) {
@@ -329,7 +338,7 @@ void VokTarnNetwork::SetState(VokULong place, std::int64_t number) {
 }
 
 void VokTarnNetwork::PushLevel() {
-  fLevels.push_back({fTrail.size(), fStateTrail.size(), fEntailed.size(), ++fStampCounter});
+  fLevels.push_back({fTrail.size(), fStateTrail.size(), fEntailed.size(), ++fStampCounter, GetHistorySize()});
 }
 
 void VokTarnNetwork::PopLevel() {
@@ -354,8 +363,39 @@ void VokTarnNetwork::PopLevel() {
     fStates[fEntailed.back()] = State::Idle;
     fEntailed.pop_back();
   }
+  if (fHistory != nullptr) {
+    fHistory->CutTo(fLevels.back().fHistorySize);
+  }
   fLevels.pop_back();
   ClearAgenda();
   fFailed = false;
   fFailedConstraint = nullptr;
+}
+
+void VokTarnNetwork::BeginHistory() {
+  fHistory = std::make_unique<VokTarnHistory>(*this);
+  for (Level& level : fLevels) {
+    level.fHistorySize = 0;
+  }
+}
+
+unsigned VokTarnNetwork::FindLevel(VokTarnHistory::Position position) const noexcept {
+  const auto behind = std::ranges::upper_bound(fLevels, position, {}, &Level::fHistorySize);
+  return static_cast<unsigned>(behind - fLevels.begin());
+}
+
+int VokTarnNetwork::FilterFor(const VokTarnNetwork& original, VokULong constraint, bool isFirst) {
+  VokTarnConstraint& filtered = *original.fConstraints[constraint];
+  const VokTarnObjectEnvironment environment(*this, filtered.GetArguments());
+  if (isFirst) {
+    fState.resize(original.fState.size());
+    filtered.InitState(environment);
+  }
+  return filtered.Filter(environment, 0);
+}
+
+void VokTarnNetwork::RenumberClauses(std::span<const VokULong> numbers) {
+  if (fHistory != nullptr) {
+    fHistory->RenumberClauses(numbers);
+  }
 }

@@ -12,6 +12,7 @@
 #include "framework/VokTarnAtom.h"
 #include "framework/VokTarnClauses.h"
 #include "framework/VokTarnConstraint.h"
+#include "framework/VokTarnHistory.h"
 #include "framework/VokTarnInteger.h"
 #include "framework/VokTarnMemoryWatch.h"
 
@@ -123,7 +124,33 @@ class VOKTARN_EXPORT VokTarnNetwork {
   // not know of it.
   VokTarnAny& Touch(VokTarnValueId id);
   void NoteChange(VokTarnValueId id);
-  void Fail() noexcept { fFailed = true; }
+  void Fail() noexcept {
+    if (!fFailed) {
+      NoteFailed(GetHistorySize());
+    }
+  }
+
+  // ---- History: what has changed, and why
+  // From here on changes are recorded, until EndHistory. No earlier level is to be left meanwhile.
+  void BeginHistory();
+  void EndHistory() noexcept { fHistory.reset(); }
+  // Null when nothing is recorded.
+  const VokTarnHistory* GetHistory() const noexcept { return fHistory.get(); }
+  void RenumberClauses(std::span<const VokULong> numbers);
+  // The cause of the changes that are made from outside of Propagate from now on.
+  void SetCause(const VokTarnCause& cause) noexcept { fCause = cause; }
+  // What has made the network fail, and where: before the change that left a value without values, if one did.
+  const VokTarnCause& GetFailedCause() const noexcept { return fFailedCause; }
+  VokTarnHistory::Position GetFailedAt() const noexcept { return fFailedAt; }
+  // The position at which a level was opened; the number of the innermost one that was open at a position.
+  VokTarnHistory::Position GetLevelBegin(unsigned level) const noexcept { return fLevels[level - 1].fHistorySize; }
+  unsigned FindLevel(VokTarnHistory::Position position) const noexcept;
+  // Makes a value of a network without levels be what another says: `members` where `summary` does not tell them.
+  void Assume(VokTarnValueId id, const VokTarnSummary& summary, std::span<const VokLong> members);
+  // Filters a constraint of `original` on the values of this network, which has the same, but no constraints and no
+  // levels. Its numbers are set anew when `isFirst`. Returns 1 when a value has changed.
+  int FilterFor(const VokTarnNetwork& original, VokULong constraint, bool isFirst);
+  void ForgetFailure() noexcept { fFailed = false; }
 
   // Called with the number of each constraint that Propagate has filtered (empty: no longer).
   void SetFilterHook(std::function<void(VokULong)> hook) { fFilterHook = std::move(hook); }
@@ -155,6 +182,7 @@ class VOKTARN_EXPORT VokTarnNetwork {
   bool IsMemoryShort() const noexcept { return fMemoryShort || fMemory.HasSeenFailure(); }
 
  private:
+  friend class VokTarnHistory;
   friend class VokTarnObjectEnvironment;
 
   struct Saved {
@@ -190,8 +218,16 @@ class VOKTARN_EXPORT VokTarnNetwork {
     std::size_t fStateTrailSize;
     std::size_t fEntailedSize;
     VokULong fStamp;
+    VokTarnHistory::Position fHistorySize;
   };
 
+  const VokTarnSlot& GetSlot(VokTarnValueId id) const noexcept { return fValues[id]; }
+  VokTarnHistory::Position GetHistorySize() const noexcept { return fHistory ? fHistory->GetSize() : 0; }
+  void NoteFailed(VokTarnHistory::Position position) noexcept {
+    fFailed = true;
+    fFailedCause = fCause;
+    fFailedAt = position;
+  }
   static VokTarnSummary Summarize(const VokTarnSlot& slot);
   static VokTarnBits FindBits(const VokTarnSlot& slot);
   static bool IsCompact(const VokTarnSlot& slot) { return slot.IsCompact() || FindBits(slot) != 0; }
@@ -224,6 +260,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<VokULong> fEntailed;  // in the order in which they became so
   std::vector<Level> fLevels;
   std::vector<Pool> fPools;
+  std::unique_ptr<VokTarnHistory> fHistory;
+  VokTarnCause fCause;
+  VokTarnCause fFailedCause;
+  VokTarnHistory::Position fFailedAt = 0;
   std::function<bool()> fInterrupt;
   std::function<void(VokULong)> fFilterHook;
   std::vector<VokTarnValueId>* fChangeLog = nullptr;

@@ -87,7 +87,7 @@ int VokTarnNetwork::TakeOver(VokTarnValueId id, VokTarnSlot& slot, std::span<con
 int VokTarnNetwork::MakeNil(VokTarnValueId id) {
   Touch(id).SetNilValue();
   NoteChange(id);
-  fFailed = true;
+  Fail();
   return 1;
 }
 

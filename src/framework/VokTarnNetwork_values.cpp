@@ -159,7 +159,35 @@ VokTarnAny& VokTarnNetwork::Touch(VokTarnValueId id) {
   if (slot.fIsStale) {
     Refresh(slot);
   }
+  if (fHistory != nullptr) {
+    FindBits(slot);
+    fHistory->NoteTouch(id);
+  }
   return *slot.fObject;
+}
+
+void VokTarnNetwork::Assume(VokTarnValueId id, const VokTarnSummary& summary, std::span<const VokLong> members) {
+  VokTarnSlot& slot = fValues[id];
+  slot.fSummary = summary;
+  slot.fIsStale = slot.IsCompact();
+  if (slot.fIsStale) {
+    return;
+  }
+  if (summary.fSize == 0) {
+    slot.fObject->SetNilValue();
+  } else if (summary.fSize < 0) {
+    slot.fObject->SetUndefinedValue();
+  } else if (slot.fShape == VokTarnSlot::Shape::Listed) {
+    slot.fType->GetFiller()(*slot.fObject, members);
+    fMemoryShort = fMemoryShort || slot.fLister(*slot.fObject).size() != members.size();
+  } else {
+    auto& integer = static_cast<VokTarnInteger&>(*slot.fObject);
+    integer.SetExactValue(members.front());
+    for (const VokLong v : members.subspan(1)) {
+      integer.AddExactValue(v);
+    }
+  }
+  slot.fSummary = Summarize(slot);
 }
 
 void VokTarnNetwork::NoteChange(VokTarnValueId id) {

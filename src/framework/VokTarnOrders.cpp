@@ -59,7 +59,7 @@ VokLong FindEndOfRun(const VokTarnNetwork& network, VokTarnValueId id) {
 }  // namespace
 
 VokTarnRank RankVariable(VokTarnVariableOrder order, const VokTarnNetwork& network, VokTarnValueId id,
-                         std::uint32_t weight) {
+                         const VokTarnMerit& merit) {
   constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
   const auto rank = [](std::int64_t number) { return VokTarnRank{static_cast<std::uint64_t>(number), 1}; };
   const auto degree = [&] { return std::min(static_cast<std::int64_t>(network.GetDegree(id)), kMost); };
@@ -72,7 +72,7 @@ VokTarnRank RankVariable(VokTarnVariableOrder order, const VokTarnNetwork& netwo
     case VokTarnVariableOrder::MostConstrained:
       return rank(size * (kMost + 1) + kMost - degree());
     case VokTarnVariableOrder::Weighted:
-      return {static_cast<std::uint64_t>(size), weight};
+      return {static_cast<std::uint64_t>(size), merit.fWeight};
     case VokTarnVariableOrder::AntiFirstFail:
       return rank(kMost - size);
     case VokTarnVariableOrder::Smallest:
@@ -83,6 +83,8 @@ VokTarnRank RankVariable(VokTarnVariableOrder order, const VokTarnNetwork& netwo
       return rank(kMost - degree());
     case VokTarnVariableOrder::MaxRegret:
       return rank(kMost + network.GetLower(id) - network.FindFrom(id, network.GetLower(id) + 1));
+    case VokTarnVariableOrder::Activity:
+      return {(std::uint64_t{1} << 63U) - merit.fActivity, 1};
   }
   return rank(0);
 }

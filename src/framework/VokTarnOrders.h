@@ -20,7 +20,9 @@ enum class VokTarnVariableOrder : unsigned char {
   Smallest,       // the least lower bound
   Largest,        // the greatest upper bound
   Occurrence,     // in most constraints
-  MaxRegret       // the greatest difference between the two least values
+  MaxRegret,      // the greatest difference between the two least values
+  Activity        // most often involved in the failures of late that the search has learned from (M. Moskewicz and
+                  // others, "Chaff: engineering an efficient SAT solver", 2001)
 };
 
 // Which part of a domain is searched first. Where one value is taken, inside an interval, which cannot lose it alone,
@@ -53,9 +55,15 @@ struct VokTarnRank {
   }
 };
 
-// Of a value with more than one possible value; `weight` is 1 and the failures that its constraints have seen.
+// What the search has seen of a value.
+struct VokTarnMerit {
+  std::uint32_t fWeight;    // 1, its constraints, and the failures that these have seen
+  std::uint64_t fActivity;  // below 2^63
+};
+
+// Of a value with more than one possible value.
 VOKTARN_EXPORT VokTarnRank RankVariable(VokTarnVariableOrder order, const VokTarnNetwork& network, VokTarnValueId id,
-                                        std::uint32_t weight);
+                                        const VokTarnMerit& merit);
 
 // What to assume first of a value with more than one possible value, an integer or a truth value whose type is a range
 // or lists its values; neither it nor its negation is impossible.

@@ -12,6 +12,10 @@ const VokTarnInteger& AsInteger(const VokTarnAny& value) {
 // The failures of the shortest run between restarts.
 constexpr std::uint64_t kRunLength = 100;
 
+// Clauses are forgotten when there are more than this, one part in ten more each time, or more atoms.
+constexpr std::size_t kMostClauses = 4000;
+constexpr std::size_t kMostAtoms = std::size_t{1} << 22;
+
 }  // namespace
 
 VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnValueId>& variables,
@@ -24,8 +28,8 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
       fOptions(options),
       fRandom(options.fSeed),
       fFailuresToRestart(kRunLength * fRestartSequence.Next()),
-      fChoiceOrder(network, {{variables, options.fVariable, options.fValue, {}, true, options.fLearns}}, options.fSeed),
-      fNoGoods(network) {
+      fChoiceOrder(network, {{variables, options.fVariable, options.fValue, {}, true, options.fRemembers}}, options.fSeed),
+      fMostClauses(kMostClauses) {
   for (const VokTarnValueId id : variables) {
     fIsVariable[id] = true;
   }
@@ -37,6 +41,28 @@ VokTarnSearch::~VokTarnSearch() {
   while (fNetwork.GetLevel() > fBaseLevel) {
     fNetwork.PopLevel();
   }
+  if (fAnalysis) {
+    fNetwork.GetClauses().Clear();
+    fNetwork.EndHistory();
+  }
+}
+
+// What is narrowed from here on is recorded with its cause.
+void VokTarnSearch::BeginLearning() {
+  if (VokTarnHistory::CanTell(fNetwork)) {
+    fNetwork.BeginHistory();
+    fReasons.emplace(fNetwork);
+    fReasons->SetVerified(fOptions.fVerifies);
+    fAnalysis.emplace(fNetwork, *fReasons, fNetwork.GetLevel());
+  }
+}
+
+VokTarnSearch::Statistics VokTarnSearch::GetStatistics() const noexcept {
+  Statistics statistics = fStatistics;
+  if (fReasons) {
+    statistics.fReasons = fReasons->GetStatistics();
+  }
+  return statistics;
 }
 
 void VokTarnSearch::SetBrancher(VokTarnBrancher* brancher) noexcept {
@@ -63,13 +89,19 @@ VokTarnSearch::Status VokTarnSearch::Run() {
       NoteFailure();
     } else {
       fNetwork.PushLevel();  // what the search does to the values ends with the search
+      if (fOptions.fLearning == Learning::On) {
+        BeginLearning();
+      }
     }
     fStarted = true;
   }
   if (fAtSolution) {
     fAtSolution = false;
-    SkipAuxiliaryChoices();
-    fExhausted = !Backtrack();
+    if (!fAnalysis || !fObjective) {  // else the bound fails, and the search learns from that
+      SkipAuxiliaryChoices();
+      fExhausted = !Backtrack();
+      fFloor = GetDepth();
+    }
   }
   while (!fExhausted) {
     if (fNetwork.PollInterrupt() || fStatistics.fDecisions >= fOptions.fNodeLimit ||
@@ -82,7 +114,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     }
     if (outcome == VokTarnNetwork::Outcome::Failed) {
       NoteFailure();
-      fExhausted = !Backtrack();
+      fExhausted = !(fAnalysis ? LearnFromFailure() : Backtrack());
       if (!fExhausted && IsRestartDue()) {
         BeginAgain();
       }
@@ -91,11 +123,17 @@ VokTarnSearch::Status VokTarnSearch::Run() {
     if (fChoices.empty()) {
       NoteBound();
     }
+    if (fAnalysis) {
+      Forget();
+    }
     if (Choose()) {
       continue;
     }
     const VokTarnValueId open = FindUndecided();
     if (open == vokNoValue) {
+      if (fAnalysis && !IsImproved()) {
+        continue;  // the objective was undefined when the bound was set
+      }
       fAtSolution = true;
       ++fStatistics.fSolutions;
       if (fObjective) {
@@ -115,6 +153,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
       fObserver->OnUndecided();
     }
     fExhausted = !Backtrack();
+    fFloor = GetDepth();
   }
   return fUndecided != vokNoValue ? Status::Undecided : Status::Exhausted;
 }
@@ -148,26 +187,20 @@ void VokTarnSearch::NoteFailure() {
 
 // A second run would find what an enumeration has found already. With an objective it cannot: it has to be better.
 bool VokTarnSearch::IsRestartDue() const noexcept {
-  return fOptions.fRestart == Restart::Luby && fStatistics.fFailures >= fFailuresToRestart && !fChoices.empty() &&
-         (fObjective || fStatistics.fSolutions == 0);
+  const bool isRunOver = fOptions.fRestart == Restart::Luby && fStatistics.fFailures >= fFailuresToRestart;
+  const bool isToLearn = fOptions.fLearning == Learning::Auto && fStatistics.fFailures == sUntaught;
+  return (isRunOver || isToLearn) && !fChoices.empty() && (fObjective || fStatistics.fSolutions == 0);
 }
 
 // Leaves every choice. What was refuted at the root stays refuted.
 void VokTarnSearch::BeginAgain() {
-  std::vector<VokTarnAtom> path;
-  for (const Choice& choice : fChoices) {
-    path.push_back(choice.fAtom);
-  }
   while (!fChoices.empty()) {
     LeaveLevel();
   }
-  // What going back has restored is seen below; what the no-goods narrow now is for their next turn to see.
-  fNetwork.ClearChangeLog();
-  if (fOptions.fLearns && fUndecided == vokNoValue) {
-    fNoGoods.Learn(path);
-  } else {
-    fNoGoods.Drop();
+  if (fOptions.fLearning == Learning::Auto && !fAnalysis) {
+    BeginLearning();
   }
+  fFloor = 0;
   ++fStatistics.fRestarts;
   if (fObserver != nullptr) {
     fObserver->OnRestart();
@@ -236,9 +269,18 @@ void VokTarnSearch::Bisect(VokTarnValueId id) {
                                                    VokTarnAny::UpperHalf};  // by ValueChoice
   const auto order = static_cast<std::size_t>(fOptions.fValue);
   rest->Bisect(*part, order < std::size(kParts) ? kParts[order] : VokTarnAny::LowerHalf);
-  Open({id, std::move(rest), {}, !fIsVariable[id]});
+  // The part is at one end of the domain. What says so of a value that is no number nobody reads.
+  VokTarnAtom atom{id, VokTarnAtom::Relation::AtMost, 0};
+  if (fNetwork.IsNumber(id)) {
+    const bool isUpper = AsInteger(*part).GetLowerBound() > fNetwork.GetLower(id);
+    atom = isUpper ? VokTarnAtom{id, VokTarnAtom::Relation::AtLeast, AsInteger(*part).GetLowerBound()}
+                   : VokTarnAtom{id, VokTarnAtom::Relation::AtMost, AsInteger(*part).GetUpperBound()};
+  }
+  Open({id, std::move(rest), atom, !fIsVariable[id]});
+  fNetwork.SetCause({VokTarnCause::Kind::Choice, 0, atom});
   fNetwork.Copy(fNetwork.Touch(id), *part);
   fNetwork.NoteChange(id);
+  fNetwork.SetCause({});
   if (fObserver != nullptr) {
     fObserver->OnDecision(id, *part);
   }
@@ -251,10 +293,17 @@ void VokTarnSearch::Open(Choice choice) {
   fStatistics.fDepth = std::max(fStatistics.fDepth, static_cast<unsigned>(fChoices.size()));
 }
 
+// Makes an atom true, and says why.
+void VokTarnSearch::Assert(const VokTarnAtom& atom, const VokTarnCause& cause) {
+  fNetwork.SetCause(cause);
+  fNetwork.Keep(atom);
+  fNetwork.SetCause({});
+}
+
 // Goes on with the part of a value's domain; the rest is for later.
 void VokTarnSearch::Take(const VokTarnAtom& branch, bool isAuxiliary) {
   Open({branch.fValue, {nullptr, {&fNetwork, 0}}, branch, isAuxiliary});
-  fNetwork.Keep(branch);
+  Assert(branch, {VokTarnCause::Kind::Choice, 0, branch});
   if (fObserver != nullptr) {
     fObserver->OnDecision(branch.fValue, fNetwork.GetValue(branch.fValue));
   }
@@ -275,9 +324,6 @@ bool VokTarnSearch::Backtrack() {
   fChoices.pop_back();
   fNetwork.PopLevel();
   if (choice.fRest == nullptr) {
-    if (fOptions.fLearns) {
-      fNoGoods.NoteRefuted(GetDepth(), choice.fAtom);
-    }
     fNetwork.Keep(choice.fAtom.Negate());
   } else {
     fNetwork.Copy(fNetwork.Touch(choice.fVariable), *choice.fRest);
@@ -288,6 +334,61 @@ bool VokTarnSearch::Backtrack() {
                            fNetwork.GetValue(choice.fVariable));
   }
   return true;
+}
+
+// Adds what the failure teaches to the network's clauses, and goes back to where it narrows. False when there is no
+// further solution.
+bool VokTarnSearch::LearnFromFailure() {
+  const VokTarnAnalysis::Lesson& lesson = fAnalysis->Run();
+  fBrancher->NoteInvolved(fNetwork, fAnalysis->GetInvolved());
+  const unsigned root = fBaseLevel + 1;
+  // Choices after the one whose level failed had no part in it.
+  while (GetDepth() > lesson.fLevel - root) {
+    LeaveLevel();
+  }
+  if (lesson.fLevel - root <= fFloor || !TakesAtoms(lesson.fClause[0].fValue)) {
+    const bool isOpen = Backtrack();
+    fFloor = std::min(fFloor, GetDepth());
+    return isOpen;
+  }
+  const unsigned back = std::max(lesson.fBackLevel - root, fFloor);
+  while (GetDepth() > back + 1) {
+    LeaveLevel();
+  }
+  const VokTarnValueId left = fChoices.back().fVariable;
+  LeaveLevel();
+  const VokTarnAtom made = lesson.fClause[0];
+  if (lesson.fClause.size() == 1) {
+    Assert(made, {VokTarnCause::Kind::Given, 0, made});
+  } else {
+    const VokULong clause = fNetwork.GetClauses().Add(lesson.fClause, lesson.fSpan);
+    ++fStatistics.fLearned;
+    fStatistics.fAtoms += lesson.fClause.size();
+    fStatistics.fLevels += lesson.fSpan;
+    Assert(made, {VokTarnCause::Kind::Clause, clause, made});
+  }
+  if (fObserver != nullptr) {
+    fObserver->OnBacktrack(GetDepth(), left, fNetwork.GetValue(left));
+  }
+  return true;
+}
+
+// Keeps the clauses within bounds.
+void VokTarnSearch::Forget() {
+  VokTarnClauses& clauses = fNetwork.GetClauses();
+  if (clauses.GetCount() > fMostClauses || clauses.CountAtoms() > kMostAtoms) {
+    fStatistics.fForgotten += clauses.Reduce();
+    fMostClauses += fMostClauses / 10;
+  }
+}
+
+// Whether the objective, which has one value, is better than the best one known.
+bool VokTarnSearch::IsImproved() const {
+  if (!fBest || !fObjective) {
+    return true;
+  }
+  const VokLong now = fNetwork.GetLower(fObjective->fValue);
+  return fObjective->fSense == Sense::Minimize ? now < *fBest : now > *fBest;
 }
 
 // One completion of the variables' values is enough: the choices among intermediate values are dropped.
@@ -303,7 +404,7 @@ bool VokTarnSearch::TightenBound() {
     return !fNetwork.IsFailed();
   }
   const VokLong wanted = fObjective->fSense == Sense::Minimize ? *fBest - 1 : *fBest + 1;
-  if (fObjective->fBound == vokNoValue) {
+  if (fObjective->fBound == vokNoValue || fAnalysis) {
     return TightenObjective(wanted);
   }
   const VokTarnInteger& bound = AsInteger(fNetwork.GetValue(fObjective->fBound));
@@ -316,12 +417,10 @@ bool VokTarnSearch::TightenBound() {
 
 bool VokTarnSearch::TightenObjective(VokLong wanted) {
   const VokTarnValueId id = fObjective->fValue;
-  const VokTarnInteger& value = AsInteger(fNetwork.GetValue(id));
   const bool isMinimized = fObjective->fSense == Sense::Minimize;
-  if (isMinimized ? value.GetLowerBound() > wanted : value.GetUpperBound() < wanted) {
-    fNetwork.Fail();
-  } else if (isMinimized ? value.GetUpperBound() > wanted : value.GetLowerBound() < wanted) {
-    fNetwork.Keep({id, isMinimized ? VokTarnAtom::Relation::AtMost : VokTarnAtom::Relation::AtLeast, wanted});
+  if (isMinimized ? fNetwork.GetUpper(id) > wanted : fNetwork.GetLower(id) < wanted) {
+    const VokTarnAtom atom{id, isMinimized ? VokTarnAtom::Relation::AtMost : VokTarnAtom::Relation::AtLeast, wanted};
+    Assert(atom, {VokTarnCause::Kind::Given, 0, atom});
   }
   return !fNetwork.IsFailed();
 }

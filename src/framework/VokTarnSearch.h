@@ -5,9 +5,10 @@
 #include <optional>
 #include <vector>
 
+#include "framework/VokTarnAnalysis.h"
 #include "framework/VokTarnChoices.h"
 #include "framework/VokTarnNetwork.h"
-#include "framework/VokTarnNoGoods.h"
+#include "framework/VokTarnReasons.h"
 #include "framework/VokTarnRestartSequences.h"
 
 // Sees the steps of a search as they are made, for example to draw its tree.
@@ -67,6 +68,15 @@ class VOKTARN_EXPORT VokTarnSearch {
     Luby  // after 100 failures times the terms 1, 1, 2, 1, 1, 2, 4, ... (M. Luby, A. Sinclair, D. Zuckerman, "Optimal
           // speedup of Las Vegas algorithms", 1993)
   };
+  // Whether the search learns a clause from each failure (VokTarnAnalysis), and goes back to where the clause first
+  // narrows. Without effect on networks of which atoms cannot tell all (VokTarnHistory::CanTell). The objective is
+  // narrowed itself then.
+  enum class Learning {
+    Off,
+    On,
+    Auto  // once there have been sUntaught failures, and where the search can begin again for it
+  };
+  static constexpr std::uint64_t sUntaught = 1000;
   struct Options {
     VariableChoice fVariable = VariableChoice::FirstFail;
     ValueChoice fValue = ValueChoice::Split;
@@ -79,9 +89,11 @@ class VOKTARN_EXPORT VokTarnSearch {
     // The search is stopped for good once it has made this many decisions, or has failed this often.
     std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
-    // Values and conflicts are remembered, see VokTarnChoices::Group, and what was refuted before a restart is not
-    // searched again (VokTarnNoGoods). For integers only.
-    bool fLearns = false;
+    // Values and conflicts are remembered, see VokTarnChoices::Group.
+    bool fRemembers = false;
+    Learning fLearning = Learning::Off;
+    // Each reason is checked by replay; std::logic_error when one is none. For tests.
+    bool fVerifies = false;
   };
   struct Statistics {
     std::uint64_t fDecisions = 0;
@@ -89,6 +101,12 @@ class VOKTARN_EXPORT VokTarnSearch {
     std::uint64_t fSolutions = 0;
     std::uint64_t fRestarts = 0;
     unsigned fDepth = 0;  // the deepest level reached
+    // What the search has learned, clauses of at least two atoms.
+    std::uint64_t fLearned = 0;
+    std::uint64_t fForgotten = 0;
+    std::uint64_t fAtoms = 0;   // of all learned ones
+    std::uint64_t fLevels = 0;  // that they span, the sum
+    VokTarnReasons::Statistics fReasons;
   };
 
   // The network must outlive the search, which leaves it at the level at which it began when it is destroyed.
@@ -112,7 +130,9 @@ class VOKTARN_EXPORT VokTarnSearch {
   // A solution with this objective is known from elsewhere: those to come must be better. At any time.
   void NoteKnown(VokLong objective) noexcept;
 
-  const Statistics& GetStatistics() const noexcept { return fStatistics; }
+  Statistics GetStatistics() const noexcept;
+  // Whether it learns from its failures.
+  bool IsLearning() const noexcept { return fAnalysis.has_value(); }
   // How many choices the search is in.
   unsigned GetDepth() const noexcept { return static_cast<unsigned>(fChoices.size()); }
   // The objective's value in the last solution.
@@ -133,6 +153,11 @@ class VOKTARN_EXPORT VokTarnSearch {
 
   Status Run();
   bool Backtrack();
+  bool LearnFromFailure();
+  void BeginLearning();
+  void Assert(const VokTarnAtom& atom, const VokTarnCause& cause);
+  void Forget();
+  bool IsImproved() const;
   bool TakesAtoms(VokTarnValueId id) const;
   void Split(VokTarnValueId id);
   void Bisect(VokTarnValueId id);
@@ -165,7 +190,12 @@ class VOKTARN_EXPORT VokTarnSearch {
   VokTarnSearchObserver* fObserver = nullptr;
   VokTarnChoices fChoiceOrder;
   VokTarnBrancher* fBrancher = &fChoiceOrder;
-  VokTarnNoGoods fNoGoods;
+  std::optional<VokTarnReasons> fReasons;
+  std::optional<VokTarnAnalysis> fAnalysis;
+  // Choices below this depth are not left but to take what remains of the last of them: there are solutions below it
+  // already. (M. Gebser, B. Kaufmann, A. Neumann, T. Schaub, "Conflict-driven answer set enumeration", 2007.)
+  unsigned fFloor = 0;
+  std::size_t fMostClauses;
   std::optional<VokLong> fBest;
   std::optional<VokLong> fBound;
   VokTarnValueId fUndecided = vokNoValue;

@@ -97,6 +97,9 @@ void DefineRestartAndLimits(CLI::App& command, Options& options) {
   using Restart = VokTarnSearch::Restart;
   DefineChoice<Restart>(command, "--restart", options.fRestart, "When to begin the search again",
                         {{"luby", Restart::Luby}, {"none", Restart::None}});
+  using Learning = VokTarnSearch::Learning;
+  DefineChoice<Learning>(command, "--learn", options.fLearning, "Whether the search learns from its failures",
+                         {{"auto", Learning::Auto}, {"on", Learning::On}, {"off", Learning::Off}});
   command.add_option("--node-limit", options.fNodeLimit, "Stop after N decisions")->type_name("N");
   command.add_option("--fail-limit", options.fFailLimit, "Stop after N failures")->type_name("N");
 }
@@ -263,7 +266,7 @@ std::optional<CommandLine> CommandLine::Parse(int argc, const char* const* argv,
     exitCode = app.exit(error, out, err) == 0 ? Solved : BadInput;
     if (exitCode != Solved && arguments.size() > 1 && std::string_view(arguments[1]) == "fzn") {
       err << "Usage: tarn fzn [-a] [-i] [-n N] [-s] [-v] [-t MS] [-f] [-p N] [-r SEED] [--restart luby|none]"
-             " [--node-limit N] [--fail-limit N] FILE\n";
+             " [--learn auto|on|off] [--node-limit N] [--fail-limit N] FILE\n";
     }
     return std::nullopt;
   }

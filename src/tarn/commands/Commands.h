@@ -50,6 +50,7 @@ struct FlatZincOptions {
   std::uint64_t fProcesses = 1;
   std::int64_t fSeed = 0;
   std::optional<VokTarnSearch::Restart> fRestart;  // nothing: as the problem says
+  VokTarnSearch::Learning fLearning = VokTarnSearch::Learning::Auto;
   std::uint64_t fNodeLimit = std::numeric_limits<std::uint64_t>::max();
   std::uint64_t fFailLimit = std::numeric_limits<std::uint64_t>::max();
 };

@@ -81,6 +81,7 @@ fzn::Solver::Options MakeSolverOptions(const FlatZincOptions& options) {
   made.fSeed = static_cast<std::uint64_t>(options.fSeed);
   made.fProcesses = static_cast<unsigned>(std::clamp<std::uint64_t>(options.fProcesses, 1, 256));
   made.fRestart = options.fRestart;
+  made.fLearning = options.fLearning;
   made.fNodeLimit = options.fNodeLimit;
   made.fFailLimit = options.fFailLimit;
   return made;
@@ -233,6 +234,18 @@ void FlatZincRun::PrintStatistics() const {
   print("failures", statistics.fFailures);
   print("restarts", statistics.fRestarts);
   print("solutions", fFound);
+  if (statistics.fLearned > 0) {
+    const auto mean = [&](std::uint64_t sum) {
+      return std::to_string(static_cast<double>(sum) / static_cast<double>(statistics.fLearned));
+    };
+    print("nogoods", statistics.fLearned);
+    print("nogoodsForgotten", statistics.fForgotten);
+    print("nogoodLength", mean(statistics.fAtoms));
+    print("nogoodSpan", mean(statistics.fLevels));
+    print("reasonsByRule", statistics.fReasons.fByRule);
+    print("reasonsByReplay", statistics.fReasons.fByReplay);
+    print("reasonsByChoices", statistics.fReasons.fByChoices);
+  }
   print("peakDepth", statistics.fDepth);
   print("variables", fNetwork.GetValueCount());
   print("intVariables", static_cast<std::ptrdiff_t>(fModel.fVariables.size()) - truths);

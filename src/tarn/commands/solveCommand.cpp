@@ -198,6 +198,10 @@ std::vector<Figure> SolveRun::GetFigures() const {
           {"propagations", "propagations", std::to_string(fSession.GetNetwork().GetPropagations()), ""},
           {"solutions", "solutions", std::to_string(statistics.fSolutions), ""},
           {"restarts", "restarts", std::to_string(statistics.fRestarts), ""},
+          {"clauses learned", "learned", std::to_string(statistics.fLearned), ""},
+          {"clauses forgotten", "forgotten", std::to_string(statistics.fForgotten), ""},
+          {"reasons by rule", "reasonsByRule", std::to_string(statistics.fReasons.fByRule), ""},
+          {"reasons by replay", "reasonsByReplay", std::to_string(statistics.fReasons.fByReplay), ""},
           {"depth", "depth", std::to_string(statistics.fDepth), ""},
           {"peak memory", "peakMemory", std::to_string(GetPeakMemory()), " bytes"},
           {"time", "time", std::to_string(GetRunTime().count()), " s"}};

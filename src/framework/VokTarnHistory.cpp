@@ -1,0 +1,252 @@
+#include "framework/VokTarnHistory.h"
+
+#include <algorithm>
+
+#include "base/bits.h"
+#include "framework/VokTarnNetwork.h"
+
+namespace {
+
+using Relation = VokTarnAtom::Relation;
+
+// Sets of a type that does not list them are asked for their members up to this size. Of greater ones bounds alone are
+// known.
+constexpr int kMostAsked = 4096;
+
+bool IsOutside(const VokTarnSummary& summary, VokLong v) {
+  return v < summary.fLower || v > summary.fUpper;
+}
+
+// Appends what a summary tells: a set within a word, or all numbers between the bounds.
+void AppendTold(const VokTarnSummary& summary, std::vector<VokLong>& members) {
+  if (summary.fBits != 0) {
+    ForEachBit(summary.fBits,
+               [&](unsigned bit) { members.push_back(summary.fLower + static_cast<VokLong>(bit)); });
+    return;
+  }
+  for (std::int64_t v = summary.fLower; v <= summary.fUpper; ++v) {
+    members.push_back(static_cast<VokLong>(v));
+  }
+}
+
+}  // namespace
+
+VokTarnHistory::VokTarnHistory(const VokTarnNetwork& network)
+    : fNetwork(network),
+      fRoots(network.GetValueCount()),
+      fRootMembers(network.GetValueCount()),
+      fLast(network.GetValueCount(), sNone) {
+  for (VokTarnValueId id = 0; id < fRoots.size(); ++id) {
+    network.GetBits(id);  // now they are in the summary, where they fit
+    fRoots[id] = network.GetSlot(id).fSummary;
+    if (network.GetSlot(id).fKind == VokTarnSlot::Kind::Integer && !IsTold(network.GetSlot(id), fRoots[id])) {
+      AppendNow(id, fRootMembers[id]);
+    }
+  }
+}
+
+bool VokTarnHistory::CanTell(const VokTarnNetwork& network) {
+  for (VokTarnValueId id = 0; id < network.GetValueCount(); ++id) {
+    const VokTarnSlot& slot = network.GetSlot(id);
+    if (slot.fKind == VokTarnSlot::Kind::Other ||
+        (slot.fShape == VokTarnSlot::Shape::Other && slot.fSummary.fSize != 1 &&
+         (slot.fSummary.fSize < 0 || slot.fSummary.fSize > kMostAsked))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Whether the summary holds all possible values; also those of a value that is undefined, which may be anything.
+bool VokTarnHistory::IsTold(const VokTarnSlot& slot, const VokTarnSummary& summary) {
+  return summary.fSize <= 1 || summary.fBits != 0 || summary.HasNoHoles() ||
+         slot.fShape == VokTarnSlot::Shape::Range || slot.fKind == VokTarnSlot::Kind::Truth;
+}
+
+// Appends the members that an object holds now, of a type that does not list them as far as they can be asked for.
+void VokTarnHistory::AppendNow(VokTarnValueId id, std::vector<VokLong>& members) const {
+  const VokTarnSlot& slot = fNetwork.GetSlot(id);
+  if (IsTold(slot, slot.fSummary)) {
+    if (slot.fSummary.fSize > 0) {
+      AppendTold(slot.fSummary, members);
+    }
+    return;
+  }
+  const VokTarnAny& object = fNetwork.GetValue(id);
+  if (slot.fLister != nullptr) {
+    const std::span<const VokLong> listed = slot.fLister(object);
+    members.insert(members.end(), listed.begin(), listed.end());
+  } else if (slot.fSummary.fSize <= kMostAsked) {
+    const auto& integer = static_cast<const VokTarnInteger&>(object);
+    VokLong v = slot.fSummary.fLower;
+    for (int i = 0; i < slot.fSummary.fSize; ++i, v = integer.GetNextExactValue(v)) {
+      members.push_back(v);
+    }
+  }
+}
+
+bool VokTarnHistory::WasPossibleAtRoot(VokTarnValueId id, VokLong v) const {
+  const VokTarnSummary& root = fRoots[id];
+  if (IsOutside(root, v)) {
+    return false;
+  }
+  if (root.fBits != 0) {
+    return (root.fBits >> static_cast<unsigned>(v - root.fLower) & 1) != 0;
+  }
+  const std::vector<VokLong>& members = fRootMembers[id];
+  return members.empty() || std::ranges::binary_search(members, v);
+}
+
+void VokTarnHistory::NoteTouch(VokTarnValueId id) {
+  const VokTarnSlot& slot = fNetwork.GetSlot(id);
+  const auto used = std::span(fTouched).first(fTouchedCount);
+  if (slot.fKind != VokTarnSlot::Kind::Integer || IsTold(slot, slot.fSummary) ||
+      std::ranges::find(used, id, &Touched::fValue) != used.end()) {
+    return;
+  }
+  if (fTouchedCount == fTouched.size()) {
+    fTouched.emplace_back();
+  }
+  Touched& touched = fTouched[fTouchedCount++];
+  touched.fValue = id;
+  touched.fMembers.clear();
+  AppendNow(id, touched.fMembers);
+}
+
+void VokTarnHistory::NoteChange(VokTarnValueId id, const VokTarnSummary& before, const VokTarnCause& cause) {
+  fEntries.push_back({before, id, fLast[id], static_cast<std::uint32_t>(fGone.size()), cause});
+  fLast[id] = GetSize() - 1;
+  const auto used = std::span(fTouched).first(fTouchedCount);
+  const auto touched = std::ranges::find(used, id, &Touched::fValue);
+  if (touched == used.end()) {
+    return;
+  }
+  const VokTarnSlot& slot = fNetwork.GetSlot(id);
+  for (const VokLong v : touched->fMembers) {
+    if (slot.fSummary.fSize == 0 || !fNetwork.IsPossible(id, v)) {
+      fGone.push_back(v);
+    }
+  }
+  std::swap(*touched, fTouched[--fTouchedCount]);
+}
+
+void VokTarnHistory::CutTo(Position size) {
+  fTouchedCount = 0;
+  for (Position i = GetSize(); i-- > size;) {
+    fLast[fEntries[i].fValue] = fEntries[i].fPrevious;
+  }
+  if (size < GetSize()) {
+    fGone.resize(fEntries[size].fGone);
+    fEntries.resize(size);
+  }
+}
+
+void VokTarnHistory::RenumberClauses(std::span<const VokULong> numbers) {
+  for (Entry& entry : fEntries) {
+    if (entry.fCause.fKind == VokTarnCause::Kind::Clause) {
+      entry.fCause.fIndex = numbers[entry.fCause.fIndex];
+    }
+  }
+}
+
+std::span<const VokLong> VokTarnHistory::GetGone(Position position) const {
+  const std::size_t end = position + 1 < GetSize() ? fEntries[position + 1].fGone : fGone.size();
+  return std::span(fGone).subspan(fEntries[position].fGone, end - fEntries[position].fGone);
+}
+
+bool VokTarnHistory::HasGone(Position position, VokLong v) const {
+  return std::ranges::binary_search(GetGone(position), v);
+}
+
+// Whether an atom that is true after a change was so before.
+bool VokTarnHistory::HeldBefore(Position position, const VokTarnAtom& atom) const {
+  const VokTarnSummary& before = fEntries[position].fBefore;
+  switch (atom.fRelation) {
+    case Relation::Equal:
+      return before.fSize == 1 && before.fLower == atom.fNumber;
+    case Relation::AtMost:
+      return before.fUpper <= atom.fNumber;
+    case Relation::AtLeast:
+      return before.fLower >= atom.fNumber;
+    case Relation::Unequal:
+      break;
+  }
+  if (IsOutside(before, atom.fNumber)) {
+    return true;
+  }
+  if (before.fBits != 0) {
+    return (before.fBits >> static_cast<unsigned>(atom.fNumber - before.fLower) & 1) == 0;
+  }
+  return !IsTold(fNetwork.GetSlot(atom.fValue), before) && !HasGone(position, atom.fNumber);
+}
+
+VokTarnHistory::Position VokTarnHistory::FindChange(const VokTarnAtom& atom) const {
+  Position position = fLast[atom.fValue];
+  while (position != sNone && HeldBefore(position, atom)) {
+    position = fEntries[position].fPrevious;
+  }
+  return position;
+}
+
+VokTarnHistory::Position VokTarnHistory::FindNext(VokTarnValueId id, Position position) const {
+  Position next = sNone;
+  for (Position i = fLast[id]; i != sNone && i >= position; i = fEntries[i].fPrevious) {
+    next = i;
+  }
+  return next;
+}
+
+const VokTarnSummary& VokTarnHistory::GetSummary(VokTarnValueId id, Position position) const {
+  const Position next = FindNext(id, position);
+  return next == sNone ? fNetwork.GetSlot(id).fSummary : fEntries[next].fBefore;
+}
+
+bool VokTarnHistory::WasPossible(VokTarnValueId id, VokLong v, Position position) const {
+  // Possible later means possible before; of the changes since then, the one that took it out tells.
+  Position next = sNone;
+  bool hasGone = false;
+  for (Position i = fLast[id]; i != sNone && i >= position; i = fEntries[i].fPrevious) {
+    next = i;
+    hasGone = hasGone || HasGone(i, v);
+  }
+  if (next == sNone) {
+    return fNetwork.IsPossible(id, v);
+  }
+  const VokTarnSummary& before = fEntries[next].fBefore;
+  if (IsOutside(before, v) || before.fSize == 0) {
+    return false;
+  }
+  if (before.fBits != 0) {
+    return (before.fBits >> static_cast<unsigned>(v - before.fLower) & 1) != 0;
+  }
+  if (IsTold(fNetwork.GetSlot(id), before) || hasGone) {
+    return true;
+  }
+  std::vector<VokLong> members;
+  ListMembers(id, position, members);
+  return std::ranges::binary_search(members, v);
+}
+
+void VokTarnHistory::ListMembers(VokTarnValueId id, Position position, std::vector<VokLong>& members) const {
+  const VokTarnSlot& slot = fNetwork.GetSlot(id);
+  std::vector<Position> later;
+  for (Position i = fLast[id]; i != sNone && i >= position; i = fEntries[i].fPrevious) {
+    later.push_back(i);
+  }
+  // From then on, what went, up to a change before which a summary held all, or to what is left now.
+  for (; !later.empty(); later.pop_back()) {
+    const VokTarnSummary& before = fEntries[later.back()].fBefore;
+    if (IsTold(slot, before)) {
+      if (before.fSize > 0) {
+        AppendTold(before, members);
+      }
+      break;
+    }
+    const std::span<const VokLong> gone = GetGone(later.back());
+    members.insert(members.end(), gone.begin(), gone.end());
+  }
+  if (later.empty()) {
+    AppendNow(id, members);
+  }
+  std::ranges::sort(members);
+}
