@@ -39,15 +39,21 @@ VokTarnHistory::VokTarnHistory(const VokTarnNetwork& network)
   for (VokTarnValueId id = 0; id < fRoots.size(); ++id) {
     network.GetBits(id);  // now they are in the summary, where they fit
     fRoots[id] = network.GetSlot(id).fSummary;
-    if (network.GetSlot(id).fKind == VokTarnSlot::Kind::Integer && !IsTold(network.GetSlot(id), fRoots[id])) {
+    // A type that is neither a range nor lists its members is given them one by one.
+    const VokTarnSlot& slot = network.GetSlot(id);
+    if (slot.fKind == VokTarnSlot::Kind::Integer &&
+        (slot.fShape == VokTarnSlot::Shape::Other || !IsTold(slot, fRoots[id]))) {
       AppendNow(id, fRootMembers[id]);
     }
   }
 }
 
-bool VokTarnHistory::CanTell(const VokTarnNetwork& network) {
+bool VokTarnHistory::CanTell(const VokTarnNetwork& network, VokTarnValueId other) {
   for (VokTarnValueId id = 0; id < network.GetValueCount(); ++id) {
     const VokTarnSlot& slot = network.GetSlot(id);
+    if (slot.fDegree == 0 || id == other) {
+      continue;
+    }
     if (slot.fKind == VokTarnSlot::Kind::Other ||
         (slot.fShape == VokTarnSlot::Shape::Other && slot.fSummary.fSize != 1 &&
          (slot.fSummary.fSize < 0 || slot.fSummary.fSize > kMostAsked))) {

@@ -46,8 +46,8 @@ class VOKTARN_EXPORT VokTarnHistory {
 
   explicit VokTarnHistory(const VokTarnNetwork& network);
   // Whether atoms can tell all that happens to the network's values: they are integers and truth values, and of a type
-  // that is no range and does not list its members they have few.
-  static bool CanTell(const VokTarnNetwork& network);
+  // that is no range and does not list its members they have few. `other` is a value that will not change.
+  static bool CanTell(const VokTarnNetwork& network, VokTarnValueId other);
 
   Position GetSize() const noexcept { return static_cast<Position>(fEntries.size()); }
   const Entry& Get(Position position) const noexcept { return fEntries[position]; }

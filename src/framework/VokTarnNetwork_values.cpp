@@ -180,12 +180,18 @@ void VokTarnNetwork::Assume(VokTarnValueId id, const VokTarnSummary& summary, st
   } else if (slot.fShape == VokTarnSlot::Shape::Listed) {
     slot.fType->GetFiller()(*slot.fObject, members);
     fMemoryShort = fMemoryShort || slot.fLister(*slot.fObject).size() != members.size();
+  } else if (slot.fKind == VokTarnSlot::Kind::Truth) {
+    slot.fObject->SetUndefinedValue();
+    if (summary.fSize == 1) {
+      static_cast<VokTarnBoolean&>(*slot.fObject).CalcTruthValue(summary.fLower);
+    }
   } else {
     auto& integer = static_cast<VokTarnInteger&>(*slot.fObject);
-    integer.SetExactValue(members.front());
-    for (const VokLong v : members.subspan(1)) {
+    integer.SetExactValue(summary.fLower);
+    for (const VokLong v : members) {
       integer.AddExactValue(v);
     }
+    integer.AddExactValue(summary.fUpper);
   }
   slot.fSummary = Summarize(slot);
 }

@@ -49,7 +49,7 @@ VokTarnSearch::~VokTarnSearch() {
 
 // What is narrowed from here on is recorded with its cause.
 void VokTarnSearch::BeginLearning() {
-  if (VokTarnHistory::CanTell(fNetwork)) {
+  if (VokTarnHistory::CanTell(fNetwork, fObjective ? fObjective->fBound : vokNoValue)) {
     fNetwork.BeginHistory();
     fReasons.emplace(fNetwork);
     fReasons->SetVerified(fOptions.fVerifies);
