@@ -137,6 +137,7 @@ VokULong VokTarnNetwork::AddConstraint(std::unique_ptr<VokTarnConstraint> constr
   const unsigned numbers = constraint->CountState(environment);
   constraint->SetIndex(index, static_cast<VokULong>(fState.size()));
   fState.resize(fState.size() + numbers);
+  fStateSizes.push_back(numbers);
   const std::vector<unsigned> watched = constraint->GetWatched(environment);
   for (const unsigned i : watched) {
     fValues[arguments[i]].fWatches.push_back({index, i});
@@ -384,14 +385,30 @@ unsigned VokTarnNetwork::FindLevel(VokTarnHistory::Position position) const noex
   return static_cast<unsigned>(behind - fLevels.begin());
 }
 
-int VokTarnNetwork::FilterFor(const VokTarnNetwork& original, VokULong constraint, bool isFirst) {
-  VokTarnConstraint& filtered = *original.fConstraints[constraint];
-  const VokTarnObjectEnvironment environment(*this, filtered.GetArguments());
-  if (isFirst) {
-    fState.resize(original.fState.size());
-    filtered.InitState(environment);
+int VokTarnNetwork::FilterFor(const VokTarnNetwork& original, VokULong constraint) {
+  fCopies.resize(original.fConstraints.size());
+  std::unique_ptr<VokTarnConstraint>& copy = fCopies[constraint];
+  const VokTarnConstraint& known = *original.fConstraints[constraint];
+  const VokTarnObjectEnvironment environment(*this, known.GetArguments());
+  const VokULong size = original.fStateSizes[constraint];
+  if (copy == nullptr) {
+    const VokTarnObjectDescriptor* published = known.GetDescriptor();
+    if (published == nullptr || published->IsDerivedFrom(VokTarnConstraintDescriptor::sIdent) == 0) {
+      throw std::invalid_argument("the class of a constraint is not published");
+    }
+    copy.reset(static_cast<const VokTarnConstraintDescriptor*>(published)->Create(
+        known.GetArguments(), known.GetForm(), known.GetConstants()));
+    if (copy == nullptr) {
+      throw std::bad_alloc();
+    }
+    copy->SetIndex(constraint, static_cast<VokULong>(fState.size()));
+    fState.resize(fState.size() + size);
+    copy->GetWatched(environment);
   }
-  return filtered.Filter(environment, 0);
+  if (size != 0) {
+    copy->InitState(environment);
+  }
+  return copy->Filter(environment, 0);
 }
 
 void VokTarnNetwork::RenumberClauses(std::span<const VokULong> numbers) {

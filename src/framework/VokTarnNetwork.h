@@ -147,9 +147,10 @@ class VOKTARN_EXPORT VokTarnNetwork {
   unsigned FindLevel(VokTarnHistory::Position position) const noexcept;
   // Makes a value of a network without levels be what another says: `members` where `summary` does not tell them.
   void Assume(VokTarnValueId id, const VokTarnSummary& summary, std::span<const VokLong> members);
-  // Filters a constraint of `original` on the values of this network, which has the same, but no constraints and no
-  // levels. Its numbers are set anew when `isFirst`. Returns 1 when a value has changed.
-  int FilterFor(const VokTarnNetwork& original, VokULong constraint, bool isFirst);
+  // Filters a copy of a constraint of `original` on the values of this network, which has the same, but no constraints
+  // and no levels. Returns 1 when a value has changed. Throws std::invalid_argument when the constraint's class is not
+  // published.
+  int FilterFor(const VokTarnNetwork& original, VokULong constraint);
   void ForgetFailure() noexcept { fFailed = false; }
 
   // Called with the number of each constraint that Propagate has filtered (empty: no longer).
@@ -251,7 +252,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::unordered_map<VokTarnValueId, std::string> fNames;
   std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
   std::vector<unsigned char> fPriorities;  // by constraint
+  std::vector<VokULong> fStateSizes;       // the same
   std::vector<State> fStates;              // the same
+  std::vector<std::unique_ptr<VokTarnConstraint>> fCopies;  // see FilterFor
   std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
   VokTarnClauses fClauses{*this};
   std::vector<Saved> fTrail;

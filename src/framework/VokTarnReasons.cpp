@@ -251,7 +251,7 @@ bool VokTarnReasons::Replay(const Goal& goal, std::span<const VokTarnAtom> atoms
   }
   const auto isReached = [&] { return bench.IsFailed() || (goal.fAtom != nullptr && bench.IsTrue(*goal.fAtom)); };
   for (unsigned round = 0; round < kMostRounds && !isReached(); ++round) {
-    if (bench.FilterFor(fNetwork, goal.fConstraint, round == 0) == 0) {
+    if (bench.FilterFor(fNetwork, goal.fConstraint) == 0) {
       break;
     }
   }
