@@ -24,6 +24,7 @@ class VOKTARN_EXPORT VokTarnClauseConstraint final : public VokTarnConstraintOf<
   unsigned MoveWatch(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+  bool Explain(const VokTarnPast& past, const VokTarnAtom* atom, std::vector<VokTarnAtom>& because) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;

@@ -22,6 +22,7 @@ class VOKTARN_EXPORT VokTarnConstantElementConstraint final
   Priority GetPriority() const noexcept override { return Ternary; }
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+  bool Explain(const VokTarnPast& past, const VokTarnAtom* atom, std::vector<VokTarnAtom>& because) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;

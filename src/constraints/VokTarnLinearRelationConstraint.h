@@ -15,7 +15,7 @@
 //            term says that every value stays. Else O(k) for a pass over the k terms that may be open. Sums that might
 //            leave 63 bits are read anew, in O(n).
 // Source     W. Harvey, P. J. Stuckey, "Improving linear constraint propagation by changing constraint representation",
-//            Constraints 8, 2003.
+//            Constraints 8, 2003. Reasons: see LeastOfSum.
 class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
     : public VokTarnConstraintOf<VokTarnLinearRelationConstraint> {
  public:
@@ -37,6 +37,7 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
               const VokTarnObjectEnvironment& environment) const override;
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+  bool Explain(const VokTarnPast& past, const VokTarnAtom* atom, std::vector<VokTarnAtom>& because) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;
@@ -71,6 +72,15 @@ class VOKTARN_EXPORT VokTarnLinearRelationConstraint final
   enum StateNumber : unsigned { sLower, sUpper, sWidest, sOpen, sStateSize };
   static constexpr unsigned sLeastFollowed = 8;  // fewer terms are read as quickly
   bool HasState() const { return GetStatement().fHasState; }
+  __extension__ using Int128 = __int128;
+  bool ExplainLeast(const VokTarnPast& past, bool isOpposite, Int128 least, unsigned but,
+                    std::vector<VokTarnAtom>& because) const;
+  bool ExplainKnown(const VokTarnPast& past, unsigned but, Int128& rest, std::vector<VokTarnAtom>& because) const;
+  bool ExplainBound(const VokTarnPast& past, bool isOpposite, bool isStrict, unsigned term, const VokTarnAtom& atom,
+                    std::vector<VokTarnAtom>& because) const;
+  bool ExplainEnforced(const VokTarnPast& past, bool isNegated, unsigned term, const VokTarnAtom* atom,
+                       std::vector<VokTarnAtom>& because) const;
+  bool ExplainTruth(const VokTarnPast& past, bool holds, std::vector<VokTarnAtom>& because) const;
   template <class Wide>
   int PropagateIn(const VokTarnObjectEnvironment& environment) const;
 

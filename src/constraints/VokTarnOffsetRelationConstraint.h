@@ -23,11 +23,14 @@ class VOKTARN_EXPORT VokTarnOffsetRelationConstraint final
   VokTarnEvent GetEvent(unsigned argument, const VokTarnObjectEnvironment& environment) const override;
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+  bool Explain(const VokTarnPast& past, const VokTarnAtom* atom, std::vector<VokTarnAtom>& because) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;
 
  private:
+  class Sides;
+
   VokTarnRelation GetRelation() const noexcept { return static_cast<VokTarnRelation>(GetConstants()[0]); }
   VokTarnMode GetMode() const noexcept { return static_cast<VokTarnMode>(GetConstants()[1]); }
   // The other side's value for a value of y; the value of y for one of x.

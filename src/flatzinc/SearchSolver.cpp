@@ -48,6 +48,7 @@ void SearchSolver::Begin() {
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
   options.fLearning = fOptions.fLearning;
+  options.fVerifies = fOptions.fVerifies;
   options.fNodeLimit = fOptions.fNodeLimit - std::min(fOptions.fNodeLimit, fBefore.fNodes);
   options.fFailLimit = fOptions.fFailLimit - std::min(fOptions.fFailLimit, fBefore.fFailures);
   options.fRestart = fOptions.fRestart.value_or(

@@ -9,7 +9,7 @@ namespace {
 using Relation = VokTarnAtom::Relation;
 using Shape = VokTarnObjectDescriptor::Shape;
 
-// How many clauses deep it is looked whether an atom can be left out.
+// How many reasons deep it is looked whether an atom can be left out.
 constexpr unsigned kDeepest = 8;
 
 }  // namespace
@@ -159,7 +159,7 @@ void VokTarnAnalysis::Resolve() {
 void VokTarnAnalysis::Shorten() {
   for (std::uint32_t i = 0; i < fItems.size(); ++i) {
     const Item item = fItems[i];
-    if (!item.fIsOut && fReasons.IsQuick(item.fPosition)) {
+    if (!item.fIsOut) {
       fItems[i].fIsOut = true;  // it cannot speak for itself
       fItems[i].fIsOut = IsImplied(item.fAtom, VokTarnHistory::sNone, 0);
     }
@@ -177,11 +177,10 @@ bool VokTarnAnalysis::IsImplied(const VokTarnAtom& atom, Position before, unsign
       return true;
     }
   }
-  if (depth == kDeepest || !fReasons.IsQuick(position)) {
+  std::vector<VokTarnAtom> because;
+  if (depth == kDeepest || !fReasons.ExplainQuickly(position, atom, because)) {
     return false;
   }
-  std::vector<VokTarnAtom> because;
-  fReasons.Explain(position, atom, because);
   return std::ranges::all_of(because, [&](const VokTarnAtom& reason) {
     return IsImplied(reason, position, depth + 1);
   });

@@ -11,7 +11,7 @@
 //
 // The atoms that cannot be true together are replaced by their reasons, the latest first, until only one of them became
 // true at the level of the failure: the first unique implication point. Of two atoms of one value the stronger one
-// stands for both. Atoms that the rest implies by clauses are left out.
+// stands for both. Atoms that the rest implies, as far as clauses and rules tell, are left out.
 //
 // Cost    The reasons of the atoms between the failure and the implication point.
 // Source  J. Marques-Silva, K. Sakallah, "GRASP: a search algorithm for propositional satisfiability", 1999; leaving

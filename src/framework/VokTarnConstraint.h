@@ -99,6 +99,8 @@ class VOKTARN_EXPORT VokTarnConstraint : public VokTarnObject {
     fState = state;
   }
 
+  VokULong GetStatePlace() const noexcept { return fState; }
+
  protected:
   // Narrows the arguments. Returns 1 when one changed.
   virtual int Propagate(const VokTarnObjectEnvironment& environment) const = 0;

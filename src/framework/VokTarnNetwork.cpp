@@ -406,6 +406,8 @@ int VokTarnNetwork::FilterFor(const VokTarnNetwork& original, VokULong constrain
     copy->GetWatched(environment);
   }
   if (size != 0) {
+    const VokULong first = copy->GetStatePlace();
+    std::fill_n(fState.begin() + first, size, StateNumber{});
     copy->InitState(environment);
   }
   return copy->Filter(environment, 0);

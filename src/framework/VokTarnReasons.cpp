@@ -23,8 +23,18 @@ bool IsSame(const VokTarnSummary& a, const VokTarnSummary& b) {
 
 }  // namespace
 
-bool VokTarnReasons::IsQuick(Position position) const {
-  return History().Get(position).fCause.fKind == Kind::Clause;
+bool VokTarnReasons::ExplainQuickly(Position position, const VokTarnAtom& atom, std::vector<VokTarnAtom>& because) {
+  const VokTarnCause cause = History().Get(position).fCause;
+  if (cause.fKind == Kind::Constraint) {
+    const VokTarnConstraint& constraint = fNetwork.GetConstraint(cause.fIndex);
+    return ExplainByRule(constraint, position, &atom, because) ||
+           ExplainByOtherRule(constraint, position, atom, because);
+  }
+  if (cause.fKind != Kind::Clause && cause.fKind != Kind::Given) {
+    return false;
+  }
+  Explain(position, atom, because);
+  return true;
 }
 
 void VokTarnReasons::Explain(Position position, const VokTarnAtom& atom, std::vector<VokTarnAtom>& because) {
@@ -153,12 +163,92 @@ bool VokTarnReasons::AppendHoles(VokTarnValueId id, std::int64_t from, std::int6
   return true;
 }
 
+// Leaves `because` as it was where there is no rule.
+bool VokTarnReasons::ExplainByRule(const VokTarnConstraint& constraint, Position position, const VokTarnAtom* atom,
+                                   std::vector<VokTarnAtom>& because) {
+  const std::size_t size = because.size();
+  const bool isExplained =
+      constraint.Explain(VokTarnPast(History(), constraint.GetArguments(), position), atom, because);
+  if (!isExplained) {
+    because.resize(size);
+  }
+  return isExplained;
+}
+
+// By a rule for what makes the atom true together with what was known of its value.
+bool VokTarnReasons::ExplainByOtherRule(const VokTarnConstraint& constraint, Position position,
+                                        const VokTarnAtom& atom, std::vector<VokTarnAtom>& because) {
+  const VokTarnAtom atLeast{atom.fValue, Relation::AtLeast, atom.fNumber};
+  const VokTarnAtom atMost{atom.fValue, Relation::AtMost, atom.fNumber};
+  if (atom.fRelation == Relation::AtLeast || atom.fRelation == Relation::AtMost) {
+    return ExplainBoundByRule(constraint, position, atom, because);
+  }
+  if (atom.fRelation == Relation::Unequal) {
+    const VokTarnSummary& after = History().GetSummary(atom.fValue, position + 1);
+    const VokTarnAtom bound = atom.fNumber < after.fLower ? atMost.Negate() : atLeast.Negate();
+    return after.fSize > 0 && (atom.fNumber < after.fLower || atom.fNumber > after.fUpper) &&
+           ExplainByRule(constraint, position, &bound, because);
+  }
+  const VokTarnSummary& before = History().Get(position).fBefore;
+  const std::size_t size = because.size();
+  const auto explain = [&](const VokTarnAtom& bound, bool heldBefore) {
+    if (heldBefore) {
+      because.push_back(bound);
+      return true;
+    }
+    return ExplainByRule(constraint, position, &bound, because) ||
+           ExplainBoundByRule(constraint, position, bound, because);
+  };
+  if (explain(atLeast, before.fLower >= atom.fNumber) && explain(atMost, before.fUpper <= atom.fNumber)) {
+    return true;
+  }
+  because.resize(size);
+  return false;
+}
+
+// A bound that the constraint has moved up to values that were gone already, or by taking out the last one before them.
+bool VokTarnReasons::ExplainBoundByRule(const VokTarnConstraint& constraint, Position position,
+                                        const VokTarnAtom& atom, std::vector<VokTarnAtom>& because) {
+  const VokTarnSummary& before = History().Get(position).fBefore;
+  const bool isLower = atom.fRelation == Relation::AtLeast;
+  const std::int64_t step = isLower ? -1 : 1;
+  const VokLong end = isLower ? before.fLower : before.fUpper;
+  std::int64_t last = atom.fNumber + step;  // the last value that was there still
+  for (std::size_t count = 0; last != end && !History().WasPossible(atom.fValue, static_cast<VokLong>(last), position);
+       last += step) {
+    if (++count > kMostHoles) {
+      return false;
+    }
+  }
+  const std::size_t size = because.size();
+  const bool isFar = last - step != atom.fNumber;
+  if (isFar) {
+    if (!(isLower ? AppendHoles(atom.fValue, last + 1, std::int64_t{atom.fNumber} - 1, because)
+                  : AppendHoles(atom.fValue, std::int64_t{atom.fNumber} + 1, last - 1, because))) {
+      because.resize(size);
+      return false;
+    }
+    const VokTarnAtom bound{atom.fValue, atom.fRelation, static_cast<VokLong>(last - step)};
+    if (ExplainByRule(constraint, position, &bound, because)) {
+      return true;
+    }
+  }
+  const VokTarnAtom removed{atom.fValue, Relation::Unequal, end};
+  if (last == end && ExplainByRule(constraint, position, &removed, because)) {
+    because.push_back({atom.fValue, atom.fRelation, end});
+    return true;
+  }
+  because.resize(size);
+  return false;
+}
+
 void VokTarnReasons::ExplainByConstraint(VokULong index, Position position, const VokTarnAtom* atom,
                                          std::vector<VokTarnAtom>& because) {
   const VokTarnConstraint& constraint = fNetwork.GetConstraint(index);
   const Goal goal{index, atom};
   const std::size_t size = because.size();
-  if (constraint.Explain(VokTarnPast(History(), constraint.GetArguments(), position), atom, because)) {
+  if (ExplainByRule(constraint, position, atom, because) ||
+      (atom != nullptr && ExplainByOtherRule(constraint, position, *atom, because))) {
     ++fStatistics.fByRule;
     if (fIsVerified) {
       Verify(goal, std::span(because).subspan(size));
@@ -316,7 +406,28 @@ void VokTarnReasons::Weaken(const Goal& goal, std::vector<VokTarnAtom>& atoms) {
 }
 
 void VokTarnReasons::Verify(const Goal& goal, std::span<const VokTarnAtom> atoms) {
-  if (!Replay(goal, atoms)) {
-    throw std::logic_error("a reason does not lead to what it explains");
+  if (Replay(goal, atoms)) {
+    return;
   }
+  const VokTarnConstraint& constraint = fNetwork.GetConstraint(goal.fConstraint);
+  std::string text = std::string(constraint.CastableID()) + ": a reason does not lead to what it explains:";
+  const auto tell = [&text](const VokTarnAtom& atom) {
+    const char* const kSigns[] = {" = ", " <> ", " <= ", " >= "};  // by Relation
+    text += " #" + std::to_string(atom.fValue) + kSigns[static_cast<unsigned>(atom.fRelation)] +
+            std::to_string(atom.fNumber) + ",";
+  };
+  std::ranges::for_each(atoms, tell);
+  text += goal.fAtom == nullptr ? " so nothing is left" : " so";
+  if (goal.fAtom != nullptr) {
+    tell(*goal.fAtom);
+  }
+  text += " of";
+  for (const VokTarnValueId id : constraint.GetArguments()) {
+    text += " #" + std::to_string(id);
+  }
+  text += ", constants";
+  for (const VokLong constant : constraint.GetConstants()) {
+    text += " " + std::to_string(constant);
+  }
+  throw std::logic_error(text);
 }

@@ -41,8 +41,8 @@ class VOKTARN_EXPORT VokTarnReasons {
   void Explain(Position position, const VokTarnAtom& atom, std::vector<VokTarnAtom>& because);
   // Appends atoms that are true and cannot be so together: why the network has failed.
   void ExplainFailure(std::vector<VokTarnAtom>& because);
-  // Whether Explain is quick for the change: no replay.
-  bool IsQuick(Position position) const;
+  // The same where it needs no replay; else false, and `because` stays as it is.
+  bool ExplainQuickly(Position position, const VokTarnAtom& atom, std::vector<VokTarnAtom>& because);
 
   const Statistics& GetStatistics() const noexcept { return fStatistics; }
   // From now on each reason by a rule is replayed, too: std::logic_error when it is none. For tests.
@@ -58,6 +58,12 @@ class VOKTARN_EXPORT VokTarnReasons {
   const VokTarnHistory& History() const noexcept { return *fNetwork.GetHistory(); }
   void ExplainByConstraint(VokULong constraint, Position position, const VokTarnAtom* atom,
                            std::vector<VokTarnAtom>& because);
+  bool ExplainByRule(const VokTarnConstraint& constraint, Position position, const VokTarnAtom* atom,
+                     std::vector<VokTarnAtom>& because);
+  bool ExplainByOtherRule(const VokTarnConstraint& constraint, Position position, const VokTarnAtom& atom,
+                          std::vector<VokTarnAtom>& because);
+  bool ExplainBoundByRule(const VokTarnConstraint& constraint, Position position, const VokTarnAtom& atom,
+                          std::vector<VokTarnAtom>& because);
   void AppendChoices(Position position, std::vector<VokTarnAtom>& because);
   bool Derive(Position position, const VokTarnAtom& made, const VokTarnAtom& atom, std::vector<VokTarnAtom>& because);
   bool DeriveBound(Position position, const VokTarnAtom& made, const VokTarnAtom& atom,

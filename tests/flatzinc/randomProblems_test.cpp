@@ -250,13 +250,17 @@ std::string FindMistake(const RandomProblem& problem, const fzn::Solver::Options
 void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count, const Effort& most) {
   const support::LoadedModules modules;
   Effort effort;
+  Effort learned;
   const unsigned last = count * static_cast<unsigned>(support::SoakFactor());
   for (unsigned seed = 1; seed <= last && !testing::Test::HasFailure(); ++seed) {
     const RandomProblem problem = ProblemMaker(seed, rows, true, Takes).GetProblem();
     std::mt19937 random(seed);
-    for (const bool isDrawn : {false, true}) {
+    bool isDrawn = false;
+    for (const bool isLearning : {false, false, true}) {
       fzn::Solver::Options options;
-      if (isDrawn) {
+      options.fLearning = isLearning ? VokTarnSearch::Learning::On : VokTarnSearch::Learning::Off;
+      options.fVerifies = isLearning;
+      if (isLearning || std::exchange(isDrawn, true)) {
         options.fIsFree = random() % 2 == 0;
         options.fSeed = random() % 3;
         // Processes take their time to start.
@@ -265,14 +269,14 @@ void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count, con
                            : random() % 3 == 0 ? std::optional(VokTarnSearch::Restart::None)
                                                : std::nullopt;
       }
-      if (FindMistake(problem, options, modules, effort).empty()) {
+      if (FindMistake(problem, options, modules, isLearning ? learned : effort).empty()) {
         continue;
       }
       const RandomProblem least = Shrink(problem, [&](const RandomProblem& smaller) {
         const std::string mistake = FindMistake(smaller, options, modules, effort);
         return !mistake.empty() && mistake.find("declared name") == std::string::npos;
       });
-      ADD_FAILURE() << "seed " << seed << (options.fIsFree ? ", free" : "") << ", " << options.fProcesses
+      ADD_FAILURE() << "seed " << seed << (options.fIsFree ? ", free" : "") << (isLearning ? ", learning" : "") << ", " << options.fProcesses
                     << " processes: " << FindMistake(least, options, modules, effort) << '\n'
                     << least.GetText();
     }

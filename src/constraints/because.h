@@ -1,0 +1,56 @@
+// What rules for reasons share: atoms that are checked as they are noted, and the reasons of sums.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "framework/VokTarnPast.h"
+
+// The atoms that a rule gives. What was true at the beginning is left out; what was not true at the time spoils the
+// reason, for then the rule does not apply.
+class Because {
+ public:
+  Because(const VokTarnPast& past, std::vector<VokTarnAtom>& atoms) noexcept : fPast(past), fAtoms(atoms) {}
+
+  // Each returns whether it was true.
+  bool AtLeast(unsigned i, std::int64_t v);
+  bool AtMost(unsigned i, std::int64_t v);
+  bool Is(unsigned i, std::int64_t v);
+  bool IsNot(unsigned i, std::int64_t v);
+  // What an atom says, of argument i.
+  bool IsTrueOf(unsigned i, const VokTarnAtom& atom);
+
+ private:
+  const VokTarnPast& fPast;
+  std::vector<VokTarnAtom>& fAtoms;
+};
+
+// The sum of some arguments, each times a coefficient: why it was at least so great.
+//
+// Rule    Of the lower bounds of the terms so much is given back as the sum is greater than need be: whole terms first,
+//         those with the greatest coefficients before others, then a part of each.
+// Source  O. Ohrimenko, P. Stuckey, M. Codish, "Propagation via lazy clause generation", Constraints 14, 2009.
+class LeastOfSum {
+ public:
+  __extension__ using Wide = __int128;
+
+  explicit LeastOfSum(const VokTarnPast& past) noexcept : fPast(past) {}
+
+  void Add(unsigned argument, Wide coefficient);
+  // The least that the sum could be at the time.
+  Wide Get() const noexcept { return fLeast; }
+  // Appends atoms that make the sum at least so great. False when it was not.
+  bool Explain(Wide atLeast, std::vector<VokTarnAtom>& because);
+
+ private:
+  struct Term {
+    unsigned fArgument;
+    Wide fCoefficient;
+    Wide fGain;  // what the term's least value has gained since the beginning
+  };
+
+  const VokTarnPast& fPast;
+  std::vector<Term> fTerms;  // those that have gained
+  Wide fLeast = 0;
+};
