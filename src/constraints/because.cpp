@@ -67,7 +67,8 @@ void LeastOfSum::Add(unsigned argument, Wide coefficient) {
   const Wide gain = least - coefficient * (coefficient > 0 ? root.fLower : root.fUpper);
   fLeast += least;
   if (gain != 0) {
-    fTerms.push_back({argument, coefficient, gain});
+    const VokTarnAtom bound = coefficient > 0 ? fPast.AtLeast(argument, now.fLower) : fPast.AtMost(argument, now.fUpper);
+    fTerms.push_back({argument, coefficient, gain, fPast.FindChange(bound)});
   }
 }
 
@@ -77,7 +78,7 @@ bool LeastOfSum::Explain(Wide atLeast, std::vector<VokTarnAtom>& because) {
     return false;
   }
   const auto size = [](const Term& term) { return term.fCoefficient < 0 ? -term.fCoefficient : term.fCoefficient; };
-  std::ranges::stable_sort(fTerms, [&](const Term& a, const Term& b) { return size(a) > size(b); });
+  std::ranges::stable_sort(fTerms, [&](const Term& a, const Term& b) { return a.fChange > b.fChange; });
   std::erase_if(fTerms, [&slack](const Term& term) {
     const bool isGiven = term.fGain <= slack;
     slack -= isGiven ? term.fGain : 0;

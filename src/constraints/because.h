@@ -29,7 +29,7 @@ class Because {
 // The sum of some arguments, each times a coefficient: why it was at least so great.
 //
 // Rule    Of the lower bounds of the terms so much is given back as the sum is greater than need be: whole terms first,
-//         those with the greatest coefficients before others, then a part of each.
+//         what has changed last before others, then a part of each: earlier changes let the search go back further.
 // Source  O. Ohrimenko, P. Stuckey, M. Codish, "Propagation via lazy clause generation", Constraints 14, 2009.
 class LeastOfSum {
  public:
@@ -48,6 +48,7 @@ class LeastOfSum {
     unsigned fArgument;
     Wide fCoefficient;
     Wide fGain;  // what the term's least value has gained since the beginning
+    VokTarnHistory::Position fChange;  // that has made it so
   };
 
   const VokTarnPast& fPast;

@@ -35,6 +35,9 @@ class VOKTARN_EXPORT VokTarnPast {
     return v >= RootLower(i) && v <= RootUpper(i) && fHistory.WasPossibleAtRoot(fArguments[i], static_cast<VokLong>(v));
   }
 
+  // The change that made an atom true.
+  VokTarnHistory::Position FindChange(const VokTarnAtom& atom) const { return fHistory.FindChange(atom); }
+
   // ---- Atoms that are true of argument i
   VokTarnAtom AtLeast(unsigned i, std::int64_t v) const {
     return {fArguments[i], VokTarnAtom::Relation::AtLeast, static_cast<VokLong>(v)};
