@@ -29,6 +29,7 @@ class VOKTARN_EXPORT VokTarnCountConstraint final : public VokTarnConstraintOf<V
               const VokTarnObjectEnvironment& environment) const override;
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+  bool Explain(const VokTarnPast& past, const VokTarnAtom* atom, std::vector<VokTarnAtom>& because) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;

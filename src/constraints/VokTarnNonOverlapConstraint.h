@@ -23,6 +23,7 @@ class VOKTARN_EXPORT VokTarnNonOverlapConstraint final : public VokTarnConstrain
   VokTarnEvent GetEvent(unsigned, const VokTarnObjectEnvironment&) const override { return VokTarnEvent::Bounds; }
   bool IsApplicable(const VokTarnObjectEnvironment& environment) const override;
   bool IsSatisfied(const VokTarnObjectEnvironment& environment) const override;
+  bool Explain(const VokTarnPast& past, const VokTarnAtom* atom, std::vector<VokTarnAtom>& because) const override;
 
  protected:
   int Propagate(const VokTarnObjectEnvironment& environment) const override;

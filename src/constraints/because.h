@@ -1,8 +1,8 @@
 // What rules for reasons share: atoms that are checked as they are noted, and the reasons of sums.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "framework/VokTarnPast.h"
@@ -24,6 +24,41 @@ class Because {
  private:
   const VokTarnPast& fPast;
   std::vector<VokTarnAtom>& fAtoms;
+};
+
+// Numbers that an argument could not be, gathered so that a bound stands for all that it excludes.
+class Excluded {
+ public:
+  Excluded(const VokTarnPast& past, unsigned argument)
+      : fPast(past), fArgument(argument), fLower(past.Lower(argument)), fUpper(past.Upper(argument)) {}
+
+  // False when the argument could be v.
+  bool Add(std::int64_t v, Because& reason) {
+    if (v < fLower) {
+      fBelow = std::max(fBelow, v);
+    } else if (v > fUpper) {
+      fAbove = std::min(fAbove, v);
+    } else {
+      return reason.IsNot(fArgument, v);
+    }
+    return true;
+  }
+  void Finish(Because& reason) const {
+    if (fBelow != INT64_MIN) {
+      reason.AtLeast(fArgument, fBelow + 1);
+    }
+    if (fAbove != INT64_MAX) {
+      reason.AtMost(fArgument, fAbove - 1);
+    }
+  }
+
+ private:
+  const VokTarnPast& fPast;
+  unsigned fArgument;
+  std::int64_t fLower;
+  std::int64_t fUpper;
+  std::int64_t fBelow = INT64_MIN;
+  std::int64_t fAbove = INT64_MAX;
 };
 
 // The sum of some arguments, each times a coefficient: why it was at least so great.

@@ -13,56 +13,6 @@ using Relation = VokTarnAtom::Relation;
 constexpr unsigned kResult = 0;
 constexpr unsigned kIndex = 1;
 
-// Numbers that an argument could not be, gathered so that a bound stands for all that it excludes.
-class Excluded {
- public:
-  Excluded(const VokTarnPast& past, unsigned argument)
-      : fPast(past), fArgument(argument), fLower(past.Lower(argument)), fUpper(past.Upper(argument)) {}
-
-  // False when the argument could be v.
-  bool Add(std::int64_t v, Because& reason) {
-    if (v < fLower) {
-      fBelow = std::max(fBelow, v);
-    } else if (v > fUpper) {
-      fAbove = std::min(fAbove, v);
-    } else {
-      return reason.IsNot(fArgument, v);
-    }
-    return true;
-  }
-  void Finish(Because& reason) const {
-    if (fBelow != INT64_MIN) {
-      reason.AtLeast(fArgument, fBelow + 1);
-    }
-    if (fAbove != INT64_MAX) {
-      reason.AtMost(fArgument, fAbove - 1);
-    }
-  }
-
- private:
-  const VokTarnPast& fPast;
-  unsigned fArgument;
-  std::int64_t fLower;
-  std::int64_t fUpper;
-  std::int64_t fBelow = INT64_MIN;
-  std::int64_t fAbove = INT64_MAX;
-};
-
-// Whether an integer that the atom is about would make it false by being v.
-bool Denies(const VokTarnAtom& atom, std::int64_t v) {
-  switch (atom.fRelation) {
-    case Relation::Equal:
-      return v != atom.fNumber;
-    case Relation::Unequal:
-      return v == atom.fNumber;
-    case Relation::AtMost:
-      return v > atom.fNumber;
-    case Relation::AtLeast:
-      break;
-  }
-  return v < atom.fNumber;
-}
-
 }  // namespace
 
 // Each place that would make the atom false is excluded, by the index or by its constant.
@@ -78,7 +28,7 @@ bool VokTarnConstantElementConstraint::Explain(const VokTarnPast& past, const Vo
   const auto last = std::min<std::int64_t>(static_cast<std::int64_t>(constants.size()), past.RootUpper(kIndex));
   for (std::int64_t place = first; place <= last; ++place) {
     const VokLong constant = constants[static_cast<std::size_t>(place - 1)];
-    if ((isOfIndex && !Denies(*atom, place)) || (isOfResult && !Denies(*atom, constant))) {
+    if ((isOfIndex && !atom->Denies(place)) || (isOfResult && !atom->Denies(constant))) {
       continue;
     }
     // Of two ways to exclude it one is the atom itself.
@@ -119,7 +69,7 @@ bool VokTarnElementConstraint::Explain(const VokTarnPast& past, const VokTarnAto
   };
   if (atom == nullptr || atom->fValue == past.Id(kIndex)) {
     for (std::int64_t place = first; place <= last; ++place) {
-      if ((atom == nullptr || Denies(*atom, place)) &&
+      if ((atom == nullptr || atom->Denies(place)) &&
           !(!past.MayBe(kIndex, place) ? indices.Add(place, reason)
                                        : areApart(kBeforeFirst + static_cast<unsigned>(place)))) {
         return false;

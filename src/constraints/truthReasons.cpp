@@ -3,6 +3,7 @@
 #include "constraints/VokTarnDisjunctionConstraint.h"
 #include "constraints/VokTarnMembershipConstraint.h"
 #include "constraints/because.h"
+#include "numbers/SubIntBase.h"
 
 namespace {
 
@@ -80,48 +81,64 @@ bool VokTarnDisjunctionConstraint::Explain(const VokTarnPast& past, const VokTar
                             : reason.Is(result, 1 - GetAimOfResult());
 }
 
-// Of a set of one range, as most are.
 bool VokTarnMembershipConstraint::Explain(const VokTarnPast& past, const VokTarnAtom* atom,
                                           std::vector<VokTarnAtom>& because) const {
   constexpr unsigned kX = 0;
   constexpr unsigned kTruth = 1;
   const bool isPlain = GetMode() == VokTarnMode::Plain;
-  if (GetRanges() != 1 || (!isPlain && (!IsTruth(past, kTruth) || past.Id(kX) == past.Id(kTruth)))) {
+  if (!isPlain && (!IsTruth(past, kTruth) || past.Id(kX) == past.Id(kTruth))) {
     return false;
   }
-  const std::int64_t lower = GetLower(0);
-  const std::int64_t upper = GetUpper(0);
   Because reason(past, because);
-  const auto isInside = [&] { return reason.AtLeast(kX, lower) && reason.AtMost(kX, upper); };
-  const auto isOutside = [&] {
-    return past.Lower(kX) > upper   ? reason.AtLeast(kX, upper + 1)
-           : past.Upper(kX) < lower ? reason.AtMost(kX, lower - 1)
-                                    : lower == upper && reason.IsNot(kX, lower);
+  const auto isInside = [&] {
+    const std::size_t range = FindRange(past.Lower(kX));
+    return range != GetRanges() && reason.AtLeast(kX, GetLower(range)) && reason.AtMost(kX, GetUpper(range));
+  };
+  // That x was in none of the ranges, of which the atom allows no more.
+  const auto isOutside = [&](const VokTarnAtom* allowed) {
+    Excluded excluded(past, kX);
+    std::int64_t work = 0;
+    for (std::size_t range = 0; range < GetRanges(); ++range) {
+      const std::int64_t lower = std::max(GetLower(range), past.RootLower(kX));
+      const std::int64_t upper = std::min(GetUpper(range), past.RootUpper(kX));
+      work += upper - lower;
+      if (work > 10000) {
+        return false;
+      }
+      for (std::int64_t v = lower; v <= upper; ++v) {
+        if ((allowed == nullptr || allowed->Denies(v)) && past.MayBeAtRoot(kX, v) && !excluded.Add(v, reason)) {
+          return false;
+        }
+      }
+    }
+    excluded.Finish(reason);
+    return true;
   };
   if (atom != nullptr && !isPlain && atom->fValue == past.Id(kTruth)) {
     VokLong v = 0;
-    return FindArgument(past, *atom, v) == kTruth && (v == 1 ? isInside() : isOutside());
+    return FindArgument(past, *atom, v) == kTruth && (v == 1 ? isInside() : isOutside(nullptr));
   }
   const bool holds = isPlain || past.Lower(kTruth) == 1;
   if (!isPlain && !(past.IsSingle(kTruth) && reason.Is(kTruth, past.Lower(kTruth)) &&
                     (holds || GetMode() == VokTarnMode::Reified))) {
     return false;
   }
-  if (atom == nullptr) {
-    return holds ? isOutside() : isInside();
-  }
   if (holds) {
-    return past.AtLeast(kX, lower).Implies(*atom) || past.AtMost(kX, upper).Implies(*atom);
+    return isOutside(atom);
   }
-  switch (atom->fRelation) {
-    case VokTarnAtom::Relation::AtLeast:  // the range is below, and so are all other values that there were
-      return atom->fNumber <= upper + 1 && reason.AtLeast(kX, lower);
-    case VokTarnAtom::Relation::AtMost:
-      return atom->fNumber >= lower - 1 && reason.AtMost(kX, upper);
-    case VokTarnAtom::Relation::Unequal:
-      return lower <= atom->fNumber && atom->fNumber <= upper;
-    case VokTarnAtom::Relation::Equal:
-      break;
+  if (atom == nullptr) {
+    return isInside();
   }
-  return false;
+  // The numbers next to the bound are in one range.
+  const bool isLower = atom->fRelation == VokTarnAtom::Relation::AtLeast;
+  const std::int64_t next = isLower ? std::int64_t{atom->fNumber} - 1 : std::int64_t{atom->fNumber} + 1;
+  if (atom->fRelation == VokTarnAtom::Relation::Unequal) {
+    return Has(atom->fNumber);
+  }
+  if (atom->fRelation == VokTarnAtom::Relation::Equal || next < SubIntBase::sMin || next > SubIntBase::sMax ||
+      !Has(static_cast<VokLong>(next))) {
+    return false;
+  }
+  const std::size_t range = FindRange(static_cast<VokLong>(next));
+  return isLower ? reason.AtLeast(kX, GetLower(range)) : reason.AtMost(kX, GetUpper(range));
 }

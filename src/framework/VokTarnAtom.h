@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "framework/VokTarnConstraintDescriptor.h"
 
 // The smallest statement about a value of a network: an integer, or a truth value as 0 and 1, is (is not) a number, is
@@ -23,6 +25,21 @@ struct VokTarnAtom {
         break;
     }
     return {fValue, Relation::AtMost, fNumber - 1};
+  }
+
+  // Whether it is false of an integer that is v.
+  bool Denies(std::int64_t v) const noexcept {
+    switch (fRelation) {
+      case Relation::Equal:
+        return v != fNumber;
+      case Relation::Unequal:
+        return v == fNumber;
+      case Relation::AtMost:
+        return v > fNumber;
+      case Relation::AtLeast:
+        break;
+    }
+    return v < fNumber;
   }
 
   // Whether this being true of an integer makes `other`, of the same one, true.

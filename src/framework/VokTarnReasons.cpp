@@ -364,7 +364,7 @@ bool VokTarnReasons::ReplayWithout(const Goal& goal, std::vector<VokTarnAtom>& a
 
 // Drops what is not needed of a stretch of the atoms: all of it, or else of its second half, then of the first.
 void VokTarnReasons::LeaveOut(const Goal& goal, std::vector<VokTarnAtom>& atoms, std::size_t begin, std::size_t end) {
-  if (begin == end || fReplays >= sMostReplays || ReplayWithout(goal, atoms, begin, end) || end - begin == 1) {
+  if (begin == end || IsEnough() || ReplayWithout(goal, atoms, begin, end) || end - begin == 1) {
     return;
   }
   const std::size_t middle = begin + (end - begin) / 2;
@@ -385,7 +385,7 @@ void VokTarnReasons::Weaken(const Goal& goal, std::vector<VokTarnAtom>& atoms) {
     }
     const std::int64_t most = isLower ? std::int64_t{atom.fNumber} - root.fLower - 1 : std::int64_t{root.fUpper} - atom.fNumber - 1;
     std::int64_t step = 1;
-    for (std::int64_t moved = 0; step > 0 && fReplays < sMostReplays;) {
+    for (std::int64_t moved = 0; step > 0 && !IsEnough();) {
       if (moved + step > most) {
         step = (most - moved) / 2;
         if (step == 0) {

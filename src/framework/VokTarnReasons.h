@@ -74,6 +74,8 @@ class VOKTARN_EXPORT VokTarnReasons {
   void DescribeHoles(VokTarnValueId id, Position position, const VokTarnSummary& summary,
                      std::vector<VokTarnAtom>& atoms) const;
   bool Replay(const Goal& goal, std::span<const VokTarnAtom> atoms);
+  // Whether a reason is to be taken as it is.
+  bool IsEnough() const { return fReplays >= sMostReplays || fNetwork.PollInterrupt(); }
   bool ReplayWithout(const Goal& goal, std::vector<VokTarnAtom>& atoms, std::size_t begin, std::size_t end);
   void LeaveOut(const Goal& goal, std::vector<VokTarnAtom>& atoms, std::size_t begin, std::size_t end);
   void Weaken(const Goal& goal, std::vector<VokTarnAtom>& atoms);
