@@ -25,12 +25,23 @@ std::optional<VokTarnSearch::Objective> SearchSolver::FindObjective(Builder& bui
       solve.fGoal == Solve::Goal::Minimize ? VokTarnSearch::Sense::Minimize : VokTarnSearch::Sense::Maximize};
 }
 
+// Free choices of a search that learns. The objective follows from the others: to choose it would be to walk its bound
+// step by step.
+VokTarnChoices::Group SearchSolver::MakeActive(Builder& builder, const SearchAnnotations& annotations) {
+  VokTarnChoices::Group group{annotations.GetAll(), VokTarnVariableOrder::Activity, VokTarnValueOrder::Min, {}, true, true};
+  if (const auto objective = FindObjective(builder)) {
+    std::erase(group.fVariables, objective->fValue);
+  }
+  return group;
+}
+
 SearchSolver::SearchSolver(Builder& builder, const Options& options, std::vector<std::string>& unknown)
     : fBuilder(builder),
       fOptions(options),
       fAnnotations(builder.GetModel(), builder.GetNetwork().GetValueCount(),
                    [&builder](std::size_t i) { return builder.GetValue(i); }),
-      fChoices(builder.GetNetwork(), fAnnotations.GetGroups(), options.fSeed) {
+      fChoices(builder.GetNetwork(), fAnnotations.GetGroups(), options.fSeed),
+      fActive(builder.GetNetwork(), {MakeActive(builder, fAnnotations)}, options.fSeed) {
   unknown.insert(unknown.end(), fAnnotations.GetUnknown().begin(), fAnnotations.GetUnknown().end());
   Begin();
 }
@@ -45,6 +56,8 @@ void SearchSolver::Begin() {
     End();
   }
   fChoices.Forget();
+  fActive.Forget();
+  fAlternating.Begin();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
   options.fLearning = fOptions.fLearning;
@@ -54,15 +67,15 @@ void SearchSolver::Begin() {
   options.fRestart = fOptions.fRestart.value_or(
       fOptions.fIsFree || fAnnotations.Restarts() ? VokTarnSearch::Restart::Luby : VokTarnSearch::Restart::None);
   if (fOptions.fIsFree) {
-    options.fVariable = fOptions.fLearning == VokTarnSearch::Learning::Off
-                            ? VokTarnSearch::VariableChoice::Weighted
-                            : VokTarnSearch::VariableChoice::Activity;
+    options.fVariable = VokTarnSearch::VariableChoice::Weighted;
     options.fValue = VokTarnSearch::ValueChoice::Min;
     options.fRemembers = true;
   }
   fSearch.emplace(fBuilder.GetNetwork(), fAnnotations.GetAll(), FindObjective(fBuilder), options);
   if (!fOptions.fIsFree) {
     fSearch->SetBrancher(&fChoices);
+  } else if (fOptions.fLearning != VokTarnSearch::Learning::Off) {
+    fSearch->SetBrancher(&fAlternating);
   }
 }
 

@@ -5,6 +5,39 @@
 
 namespace fzn {
 
+// Two ways to choose that take turns: from one restart to the next.
+class AlternatingBrancher final : public VokTarnBrancher {
+ public:
+  AlternatingBrancher(VokTarnBrancher& first, VokTarnBrancher& second) noexcept : fBranchers{&first, &second} {}
+
+  bool Choose(const VokTarnNetwork& network, unsigned depth, VokTarnAtom& choice) override {
+    return fBranchers[fTurn]->Choose(network, depth, choice);
+  }
+  bool WantsChanges() const noexcept override { return fBranchers[0]->WantsChanges() || fBranchers[1]->WantsChanges(); }
+  void NoteChanges(const VokTarnNetwork& network, std::span<const VokTarnValueId> changed) override {
+    fBranchers[0]->NoteChanges(network, changed);
+    fBranchers[1]->NoteChanges(network, changed);
+  }
+  void OnFailure(const VokTarnNetwork& network, VokTarnValueId last) override {
+    fBranchers[0]->OnFailure(network, last);
+    fBranchers[1]->OnFailure(network, last);
+  }
+  void NoteInvolved(const VokTarnNetwork& network, std::span<const VokTarnValueId> values) override {
+    fBranchers[0]->NoteInvolved(network, values);
+    fBranchers[1]->NoteInvolved(network, values);
+  }
+  void OnRestart(const VokTarnNetwork& network) override {
+    fBranchers[0]->OnRestart(network);
+    fBranchers[1]->OnRestart(network);
+    fTurn = 1 - fTurn;
+  }
+  void Begin() noexcept { fTurn = 0; }
+
+ private:
+  VokTarnBrancher* fBranchers[2];
+  std::size_t fTurn = 0;
+};
+
 // One search in this process.
 class SearchSolver final : public Solver {
  public:
@@ -28,6 +61,7 @@ class SearchSolver final : public Solver {
   }
   VokTarnSearch& GetSearch() noexcept { return *fSearch; }
   VokTarnChoices& GetChoices() noexcept { return fChoices; }
+  static VokTarnChoices::Group MakeActive(Builder& builder, const SearchAnnotations& annotations);
   // The objective of a problem; nothing when any solution will do.
   static std::optional<VokTarnSearch::Objective> FindObjective(Builder& builder);
 
@@ -35,7 +69,9 @@ class SearchSolver final : public Solver {
   Builder& fBuilder;
   const Options fOptions;
   const SearchAnnotations fAnnotations;
-  VokTarnChoices fChoices;
+  VokTarnChoices fChoices;  // as the annotations say
+  VokTarnChoices fActive;   // by activity, of all variables but the objective
+  AlternatingBrancher fAlternating{fChoices, fActive};
   Statistics fBefore;  // of the searches before this one
   std::optional<VokTarnSearch> fSearch;
   std::vector<std::int64_t> fSolution;

@@ -11,10 +11,12 @@ using Shape = VokTarnObjectDescriptor::Shape;
 
 // How many reasons deep it is looked whether an atom can be left out.
 constexpr unsigned kDeepest = 8;
+// Of more atoms nothing is learned.
+constexpr std::size_t kMostItems = 4000;
 
 }  // namespace
 
-const VokTarnAnalysis::Lesson& VokTarnAnalysis::Run() {
+const VokTarnAnalysis::Lesson* VokTarnAnalysis::Run() {
   Clear();
   fBecause.clear();
   fReasons.ExplainFailure(fBecause);
@@ -30,11 +32,13 @@ const VokTarnAnalysis::Lesson& VokTarnAnalysis::Run() {
   if (fLesson.fLevel > fRoot) {
     fAtLevel = static_cast<std::size_t>(std::ranges::count_if(
         fItems, [this](const Item& item) { return !item.fIsOut && item.fLevel == fLesson.fLevel; }));
-    Resolve();
+    if (!Resolve()) {
+      return nullptr;
+    }
     Shorten();
   }
   Conclude();
-  return fLesson;
+  return &fLesson;
 }
 
 void VokTarnAnalysis::Clear() {
@@ -123,14 +127,17 @@ std::uint32_t VokTarnAnalysis::TakeLatest() {
   }
 }
 
-// Until one atom of the level is left.
-void VokTarnAnalysis::Resolve() {
+// Until one atom of the level is left. False when that takes too long.
+bool VokTarnAnalysis::Resolve() {
   while (true) {
+    if (fItems.size() > kMostItems || fNetwork.PollInterrupt()) {
+      return false;
+    }
     const std::uint32_t place = TakeLatest();
     if (fAtLevel == 1) {
       fLesson.fClause.assign(1, fItems[place].fAtom.Negate());
       fItems[place].fIsOut = true;
-      return;
+      return true;
     }
     const Position position = fItems[place].fPosition;
     const VokTarnCause cause = fNetwork.GetHistory()->Get(position).fCause;
@@ -140,7 +147,7 @@ void VokTarnAnalysis::Resolve() {
         item.fIsOut = item.fIsOut || item.fLevel == fLesson.fLevel;
       }
       fLesson.fClause.assign(1, cause.fAtom.Negate());
-      return;
+      return true;
     }
     const VokTarnAtom atom = fItems[place].fAtom;
     Leave(fItems[place]);

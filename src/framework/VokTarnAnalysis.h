@@ -30,8 +30,9 @@ class VokTarnAnalysis {
   VokTarnAnalysis(VokTarnNetwork& network, VokTarnReasons& reasons, unsigned root)
       : fNetwork(network), fReasons(reasons), fRoot(root), fFirst(network.GetValueCount(), sNone) {}
 
-  // Of a network that has failed and whose history tells all changes since the root.
-  const Lesson& Run();
+  // Of a network that has failed and whose history tells all changes since the root. Null when the lesson would be too
+  // long, or the network's interrupt asks to stop.
+  const Lesson* Run();
   // The values that the last analysis has met, some of them more than once.
   const std::vector<VokTarnValueId>& GetInvolved() const noexcept { return fInvolved; }
 
@@ -53,7 +54,7 @@ class VokTarnAnalysis {
   void AddCanonical(const VokTarnAtom& atom);
   void Leave(Item& item);
   std::uint32_t TakeLatest();
-  void Resolve();
+  bool Resolve();
   void Shorten();
   bool IsImplied(const VokTarnAtom& atom, Position before, unsigned depth);
   void Conclude();

@@ -35,7 +35,7 @@ VokTarnHistory::VokTarnHistory(const VokTarnNetwork& network)
     : fNetwork(network),
       fRoots(network.GetValueCount()),
       fRootMembers(network.GetValueCount()),
-      fLast(network.GetValueCount(), sNone) {
+      fChanges(network.GetValueCount()) {
   for (VokTarnValueId id = 0; id < fRoots.size(); ++id) {
     network.GetBits(id);  // now they are in the summary, where they fit
     fRoots[id] = network.GetSlot(id).fSummary;
@@ -120,8 +120,8 @@ void VokTarnHistory::NoteTouch(VokTarnValueId id) {
 }
 
 void VokTarnHistory::NoteChange(VokTarnValueId id, const VokTarnSummary& before, const VokTarnCause& cause) {
-  fEntries.push_back({before, id, fLast[id], static_cast<std::uint32_t>(fGone.size()), cause});
-  fLast[id] = GetSize() - 1;
+  fChanges[id].push_back(GetSize());
+  fEntries.push_back({before, id, static_cast<std::uint32_t>(fGone.size()), cause});
   const auto used = std::span(fTouched).first(fTouchedCount);
   const auto touched = std::ranges::find(used, id, &Touched::fValue);
   if (touched == used.end()) {
@@ -139,7 +139,7 @@ void VokTarnHistory::NoteChange(VokTarnValueId id, const VokTarnSummary& before,
 void VokTarnHistory::CutTo(Position size) {
   fTouchedCount = 0;
   for (Position i = GetSize(); i-- > size;) {
-    fLast[fEntries[i].fValue] = fEntries[i].fPrevious;
+    fChanges[fEntries[i].fValue].pop_back();
   }
   if (size < GetSize()) {
     fGone.resize(fEntries[size].fGone);
@@ -187,19 +187,23 @@ bool VokTarnHistory::HeldBefore(Position position, const VokTarnAtom& atom) cons
 }
 
 VokTarnHistory::Position VokTarnHistory::FindChange(const VokTarnAtom& atom) const {
-  Position position = fLast[atom.fValue];
-  while (position != sNone && HeldBefore(position, atom)) {
-    position = fEntries[position].fPrevious;
+  const std::vector<Position>& changes = fChanges[atom.fValue];
+  const auto held = [&](Position position) { return HeldBefore(position, atom); };
+  if (atom.fRelation != Relation::Unequal) {
+    const auto behind = std::ranges::partition_point(changes, [&](Position position) { return !held(position); });
+    return behind == changes.begin() ? sNone : *(behind - 1);
   }
-  return position;
+  for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+    if (!held(*change)) {
+      return *change;
+    }
+  }
+  return sNone;
 }
 
 VokTarnHistory::Position VokTarnHistory::FindNext(VokTarnValueId id, Position position) const {
-  Position next = sNone;
-  for (Position i = fLast[id]; i != sNone && i >= position; i = fEntries[i].fPrevious) {
-    next = i;
-  }
-  return next;
+  const auto next = std::ranges::lower_bound(fChanges[id], position);
+  return next == fChanges[id].end() ? sNone : *next;
 }
 
 const VokTarnSummary& VokTarnHistory::GetSummary(VokTarnValueId id, Position position) const {
@@ -208,13 +212,7 @@ const VokTarnSummary& VokTarnHistory::GetSummary(VokTarnValueId id, Position pos
 }
 
 bool VokTarnHistory::WasPossible(VokTarnValueId id, VokLong v, Position position) const {
-  // Possible later means possible before; of the changes since then, the one that took it out tells.
-  Position next = sNone;
-  bool hasGone = false;
-  for (Position i = fLast[id]; i != sNone && i >= position; i = fEntries[i].fPrevious) {
-    next = i;
-    hasGone = hasGone || HasGone(i, v);
-  }
+  const Position next = FindNext(id, position);
   if (next == sNone) {
     return fNetwork.IsPossible(id, v);
   }
@@ -225,33 +223,39 @@ bool VokTarnHistory::WasPossible(VokTarnValueId id, VokLong v, Position position
   if (before.fBits != 0) {
     return (before.fBits >> static_cast<unsigned>(v - before.fLower) & 1) != 0;
   }
-  if (IsTold(fNetwork.GetSlot(id), before) || hasGone) {
+  if (IsTold(fNetwork.GetSlot(id), before)) {
     return true;
   }
-  std::vector<VokLong> members;
-  ListMembers(id, position, members);
-  return std::ranges::binary_search(members, v);
+  // It went later, or it is there still, or a summary tells of a later time.
+  for (auto change = std::ranges::lower_bound(fChanges[id], next); change != fChanges[id].end(); ++change) {
+    const VokTarnSummary& later = fEntries[*change].fBefore;
+    if (IsTold(fNetwork.GetSlot(id), later)) {
+      return later.fSize > 0 && !IsOutside(later, v) &&
+             (later.fBits == 0 || (later.fBits >> static_cast<unsigned>(v - later.fLower) & 1) != 0);
+    }
+    if (HasGone(*change, v)) {
+      return true;
+    }
+  }
+  return fNetwork.GetSlot(id).fSummary.fSize != 0 && fNetwork.IsPossible(id, v);
 }
 
 void VokTarnHistory::ListMembers(VokTarnValueId id, Position position, std::vector<VokLong>& members) const {
   const VokTarnSlot& slot = fNetwork.GetSlot(id);
-  std::vector<Position> later;
-  for (Position i = fLast[id]; i != sNone && i >= position; i = fEntries[i].fPrevious) {
-    later.push_back(i);
-  }
   // From then on, what went, up to a change before which a summary held all, or to what is left now.
-  for (; !later.empty(); later.pop_back()) {
-    const VokTarnSummary& before = fEntries[later.back()].fBefore;
+  auto change = std::ranges::lower_bound(fChanges[id], position);
+  for (; change != fChanges[id].end(); ++change) {
+    const VokTarnSummary& before = fEntries[*change].fBefore;
     if (IsTold(slot, before)) {
       if (before.fSize > 0) {
         AppendTold(before, members);
       }
       break;
     }
-    const std::span<const VokLong> gone = GetGone(later.back());
+    const std::span<const VokLong> gone = GetGone(*change);
     members.insert(members.end(), gone.begin(), gone.end());
   }
-  if (later.empty()) {
+  if (change == fChanges[id].end()) {
     AppendNow(id, members);
   }
   std::ranges::sort(members);

@@ -28,8 +28,8 @@ struct VokTarnCause {
 //
 // A position is a number of changes: the network as it was before the change at that position.
 //
-// Cost   52 bytes for a change, and 4 for each member that goes from a set which no summary holds. Questions go back
-//        through the changes of one value. The changes of one branch are all there is, so memory is bounded by the sum
+// Cost   52 bytes for a change, and 4 for each member that goes from a set which no summary holds. Questions take
+//        O(log n) for n changes of one value, O(n) where no summary holds its domain. The changes of one branch are all there is, so memory is bounded by the sum
 //        of the sizes of the domains.
 class VOKTARN_EXPORT VokTarnHistory {
  public:
@@ -39,7 +39,6 @@ class VOKTARN_EXPORT VokTarnHistory {
   struct Entry {
     VokTarnSummary fBefore;
     VokTarnValueId fValue;
-    Position fPrevious;   // of the same value, or sNone
     std::uint32_t fGone;  // the first of the members that went, where no summary holds the domain before
     VokTarnCause fCause;
   };
@@ -93,7 +92,7 @@ class VOKTARN_EXPORT VokTarnHistory {
   std::vector<VokLong> fGone;
   std::vector<VokTarnSummary> fRoots;      // by value
   std::vector<std::vector<VokLong>> fRootMembers;  // by value, where no summary holds them
-  std::vector<Position> fLast;             // by value
+  std::vector<std::vector<Position>> fChanges;  // by value, ascending
   std::vector<Touched> fTouched;           // the first fTouchedCount are in use
   std::size_t fTouchedCount = 0;
 };

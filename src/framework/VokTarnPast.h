@@ -1,30 +1,47 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "framework/VokTarnHistory.h"
 
 // The arguments of a constraint, numbered from 0, as they were at a position of a history: what it explains its
 // narrowing from. As VokTarnObjectEnvironment answers, without undefined values' objects.
 //
-// Cost  Each answer goes back through the changes of one value.
+// Cost  As that of VokTarnHistory when an argument is asked for first.
 class VOKTARN_EXPORT VokTarnPast {
  public:
   VokTarnPast(const VokTarnHistory& history, std::span<const VokTarnValueId> arguments,
               VokTarnHistory::Position position) noexcept
       : fHistory(history), fArguments(arguments), fPosition(position) {}
+  VokTarnPast(const VokTarnPast&) = delete;
+  VokTarnPast& operator=(const VokTarnPast&) = delete;
 
   unsigned Size() const noexcept { return static_cast<unsigned>(fArguments.size()); }
   bool Has(unsigned i) const noexcept { return i < fArguments.size() && fArguments[i] != vokNoValue; }
   VokTarnValueId Id(unsigned i) const noexcept { return fArguments[i]; }
 
-  const VokTarnSummary& Summary(unsigned i) const { return fHistory.GetSummary(fArguments[i], fPosition); }
+  const VokTarnSummary& Summary(unsigned i) const {
+    if (fSummaries.empty()) {
+      fSummaries.resize(fArguments.size());
+    }
+    if (fSummaries[i] == nullptr) {
+      fSummaries[i] = &fHistory.GetSummary(fArguments[i], fPosition);
+    }
+    return *fSummaries[i];
+  }
   VokLong Lower(unsigned i) const { return Summary(i).fLower; }
   VokLong Upper(unsigned i) const { return Summary(i).fUpper; }
   int Cardinality(unsigned i) const { return Summary(i).fSize; }
   bool IsSingle(unsigned i) const { return Cardinality(i) == 1; }
   bool MayBe(unsigned i, std::int64_t v) const {
-    return v >= Lower(i) && v <= Upper(i) && fHistory.WasPossible(fArguments[i], static_cast<VokLong>(v), fPosition);
+    const VokTarnSummary& summary = Summary(i);
+    if (v < summary.fLower || v > summary.fUpper) {
+      return false;
+    }
+    return summary.fBits != 0 ? (summary.fBits >> static_cast<unsigned>(v - summary.fLower) & 1) != 0
+                              : summary.HasNoHoles() ||
+                                    fHistory.WasPossible(fArguments[i], static_cast<VokLong>(v), fPosition);
   }
 
   // The same from the beginning, whatever has been chosen.
@@ -52,4 +69,5 @@ class VOKTARN_EXPORT VokTarnPast {
   const VokTarnHistory& fHistory;
   std::span<const VokTarnValueId> fArguments;
   VokTarnHistory::Position fPosition;
+  mutable std::vector<const VokTarnSummary*> fSummaries;  // that have been asked for
 };

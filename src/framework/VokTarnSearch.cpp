@@ -339,7 +339,13 @@ bool VokTarnSearch::Backtrack() {
 // Adds what the failure teaches to the network's clauses, and goes back to where it narrows. False when there is no
 // further solution.
 bool VokTarnSearch::LearnFromFailure() {
-  const VokTarnAnalysis::Lesson& lesson = fAnalysis->Run();
+  const VokTarnAnalysis::Lesson* taught = fAnalysis->Run();
+  if (taught == nullptr) {
+    const bool isOpen = Backtrack();
+    fFloor = std::min(fFloor, GetDepth());
+    return isOpen;
+  }
+  const VokTarnAnalysis::Lesson& lesson = *taught;
   fBrancher->NoteInvolved(fNetwork, fAnalysis->GetInvolved());
   const unsigned root = fBaseLevel + 1;
   // Choices after the one whose level failed had no part in it.
