@@ -26,16 +26,25 @@ class AlternatingBrancher final : public VokTarnBrancher {
     fBranchers[0]->NoteInvolved(network, values);
     fBranchers[1]->NoteInvolved(network, values);
   }
+  void OnSolution(const VokTarnNetwork& network) override {
+    fBranchers[0]->OnSolution(network);
+    fBranchers[1]->OnSolution(network);
+  }
   void OnRestart(const VokTarnNetwork& network) override {
     fBranchers[0]->OnRestart(network);
     fBranchers[1]->OnRestart(network);
-    fTurn = 1 - fTurn;
+    fTurn = ++fRestarts % sTurns == 0 ? 0 : 1;
   }
-  void Begin() noexcept { fTurn = 0; }
+  void Begin() noexcept {
+    fTurn = 0;
+    fRestarts = 0;
+  }
 
  private:
   VokTarnBrancher* fBranchers[2];
+  static constexpr unsigned sTurns = 3;  // of which the first brancher has one
   std::size_t fTurn = 0;
+  unsigned fRestarts = 0;
 };
 
 // One search in this process.

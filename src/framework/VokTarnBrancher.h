@@ -24,6 +24,8 @@ class VOKTARN_EXPORT VokTarnBrancher {
   virtual void OnFailure(const VokTarnNetwork& /*network*/, VokTarnValueId /*last*/) {}
   // The search has learned from that failure, in which these values were involved, some of them more than once.
   virtual void NoteInvolved(const VokTarnNetwork& /*network*/, std::span<const VokTarnValueId> /*values*/) {}
+  // The network holds a solution, which is the best so far.
+  virtual void OnSolution(const VokTarnNetwork& /*network*/) {}
   // The search begins again at its root.
   virtual void OnRestart(const VokTarnNetwork& /*network*/) {}
 };

@@ -140,8 +140,15 @@ void VokTarnChoices::NotePhases(const VokTarnNetwork& network, std::span<const V
   }
 }
 
+void VokTarnChoices::OnSolution(const VokTarnNetwork& network) {
+  fHasSolution = true;
+  for (VokTarnValueId id = 0; id < fPhases.size(); ++id) {
+    fPhases[id] = network.GetLower(id);
+  }
+}
+
 void VokTarnChoices::NoteChanges(const VokTarnNetwork& network, std::span<const VokTarnValueId> changed) {
-  if (fRemembers) {
+  if (fRemembers && !fHasSolution) {
     NotePhases(network, changed);
   }
   if (fMemberships.empty()) {

@@ -30,7 +30,8 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
     // Equally ranked variables stand in a random order, a new one after each restart. Input order knows no equals.
     bool fIsShuffled = false;
     // Open variables get the value first that they had last in this search, a value that propagation or a choice gave
-    // them, before `fValue` is asked (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
+    // them, before `fValue` is asked; after a solution those of the last one, which is the best (E. Demirovic, G. Chu,
+    // P. Stuckey, "Solution-based phase saving for CP", CP 2018) (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
     // satisfiability solvers", 2007). The variable of the last choice that failed is chosen again before others (C.
     // Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in constraint programming", 2009).
     bool fRemembers = false;
@@ -46,6 +47,7 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
   void NoteChanges(const VokTarnNetwork& network, std::span<const VokTarnValueId> changed) override;
   void OnFailure(const VokTarnNetwork& network, VokTarnValueId last) override;
   void NoteInvolved(const VokTarnNetwork& network, std::span<const VokTarnValueId> values) override;
+  void OnSolution(const VokTarnNetwork& network) override;
   void OnRestart(const VokTarnNetwork& network) override;
   // The next choice is on a network that need not be as far as at the last one.
   void Forget() noexcept;
@@ -100,6 +102,7 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
   std::vector<VokTarnMerit> fMerits;  // by value
   std::uint64_t fBump = 1;            // what being involved adds now; it grows
   std::vector<std::optional<VokLong>> fPhases;  // by value, when a group remembers
+  bool fHasSolution = false;                    // the phases are those of a solution
   VokTarnValueId fLastConflict = vokNoValue;
   bool fWantsChanges = false;
   bool fRemembers = false;

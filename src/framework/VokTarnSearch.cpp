@@ -137,6 +137,7 @@ VokTarnSearch::Status VokTarnSearch::Run() {
       fAtSolution = true;
       ++fStatistics.fSolutions;
       if (fObjective) {
+        fBrancher->OnSolution(fNetwork);
         fBest = AsInteger(fNetwork.GetValue(fObjective->fValue)).GetLowerBound();
       }
       if (fObserver != nullptr) {
