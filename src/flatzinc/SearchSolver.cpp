@@ -60,7 +60,10 @@ void SearchSolver::Begin() {
   fAlternating.Begin();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
-  options.fLearning = fOptions.fLearning;
+  // A free search begins to learn at once: its choices are by activity.
+  options.fLearning = fOptions.fIsFree && fOptions.fLearning == VokTarnSearch::Learning::Auto
+                          ? VokTarnSearch::Learning::On
+                          : fOptions.fLearning;
   options.fVerifies = fOptions.fVerifies;
   options.fNodeLimit = fOptions.fNodeLimit - std::min(fOptions.fNodeLimit, fBefore.fNodes);
   options.fFailLimit = fOptions.fFailLimit - std::min(fOptions.fFailLimit, fBefore.fFailures);
