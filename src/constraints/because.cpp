@@ -67,7 +67,8 @@ void LeastOfSum::Add(unsigned argument, Wide coefficient) {
   const Wide gain = least - coefficient * (coefficient > 0 ? root.fLower : root.fUpper);
   fLeast += least;
   if (gain != 0) {
-    const VokTarnAtom bound = coefficient > 0 ? fPast.AtLeast(argument, now.fLower) : fPast.AtMost(argument, now.fUpper);
+    const VokTarnAtom bound =
+        coefficient > 0 ? fPast.AtLeast(argument, now.fLower) : fPast.AtMost(argument, now.fUpper);
     fTerms.push_back({argument, coefficient, gain, fPast.FindChange(bound)});
   }
 }

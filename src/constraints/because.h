@@ -82,7 +82,7 @@ class LeastOfSum {
   struct Term {
     unsigned fArgument;
     Wide fCoefficient;
-    Wide fGain;  // what the term's least value has gained since the beginning
+    Wide fGain;                        // what the term's least value has gained since the beginning
     VokTarnHistory::Position fChange;  // that has made it so
   };
 

@@ -30,9 +30,7 @@ class Tally {
   }
 
   bool AreAtLeast(std::int64_t count, Because& reason) const { return Take(fCertain, count, reason, true); }
-  bool AreAtMost(std::int64_t count, Because& reason) const {
-    return Take(fImpossible, fCount - count, reason, false);
-  }
+  bool AreAtMost(std::int64_t count, Because& reason) const { return Take(fImpossible, fCount - count, reason, false); }
   std::int64_t CountCertain() const { return static_cast<std::int64_t>(fCertain.size()); }
   std::int64_t CountPossible() const { return fCount - static_cast<std::int64_t>(fImpossible.size()); }
 
@@ -214,8 +212,7 @@ bool VokTarnAllDifferentConstraint::Explain(const VokTarnPast& past, const VokTa
       while (place < matching.CountValues() && matching.GetValue(place) < v) {
         ++place;
       }
-      const bool isOfCrowd =
-          place < matching.CountValues() && matching.GetValue(place) == v && values[place] != 0;
+      const bool isOfCrowd = place < matching.CountValues() && matching.GetValue(place) == v && values[place] != 0;
       const bool isSaid = atom != nullptr && atom->fValue == past.Id(i) && !atom->Denies(v);
       if (!isOfCrowd && !isSaid && past.MayBeAtRoot(i, v) && !excluded.Add(v, reason)) {
         return false;
@@ -232,8 +229,7 @@ bool VokTarnCountConstraint::Explain(const VokTarnPast& past, const VokTarnAtom*
   constexpr unsigned kResult = 0;
   constexpr unsigned kValue = 1;
   constexpr unsigned kFirst = 2;
-  return past.Root(kValue).fSize == 1 &&
-         ExplainCount(past, kResult, kFirst, past.RootLower(kValue), atom, because);
+  return past.Root(kValue).fSize == 1 && ExplainCount(past, kResult, kFirst, past.RootLower(kValue), atom, because);
 }
 
 // Each value by itself.

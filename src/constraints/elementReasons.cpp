@@ -82,8 +82,7 @@ bool VokTarnElementConstraint::Explain(const VokTarnPast& past, const VokTarnAto
     // The member at the only place is the result.
     const auto place = kBeforeFirst + static_cast<unsigned>(past.Lower(kIndex));
     return past.IsSingle(kIndex) && past.Lower(kIndex) >= 1 && past.Lower(kIndex) <= places &&
-           past.Id(place) == atom->fValue && reason.Is(kIndex, past.Lower(kIndex)) &&
-           reason.IsTrueOf(kResult, *atom);
+           past.Id(place) == atom->fValue && reason.Is(kIndex, past.Lower(kIndex)) && reason.IsTrueOf(kResult, *atom);
   }
   for (std::int64_t place = first; place <= last; ++place) {
     const auto i = kBeforeFirst + static_cast<unsigned>(place);

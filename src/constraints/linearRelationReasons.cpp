@@ -44,7 +44,7 @@ bool VokTarnLinearRelationConstraint::ExplainBound(const VokTarnPast& past, bool
                                                    unsigned term, const VokTarnAtom& atom,
                                                    std::vector<VokTarnAtom>& because) const {
   const Wide c = isOpposite ? -Wide{GetStatement().fCoefficients[term]} : Wide{GetStatement().fCoefficients[term]};
-  if (c == 0 || (c > 0) != (atom.fRelation == Relation::AtMost)) {
+  if (c == 0 || atom.fRelation != (c > 0 ? Relation::AtMost : Relation::AtLeast)) {
     return false;
   }
   const Wide beyond = Wide{atom.fNumber} + (c > 0 ? 1 : -1);

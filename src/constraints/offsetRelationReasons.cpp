@@ -38,12 +38,8 @@ class VokTarnOffsetRelationConstraint::Sides {
            : fIsMirrored ? fReason.AtLeast(kY, fConstraint.FromFirst(v))
                          : fReason.AtMost(kY, fConstraint.FromFirst(v));
   }
-  bool Is(unsigned side, std::int64_t v) {
-    return fReason.Is(side, side == kX ? v : fConstraint.FromFirst(v));
-  }
-  bool IsNot(unsigned side, std::int64_t v) {
-    return fReason.IsNot(side, side == kX ? v : fConstraint.FromFirst(v));
-  }
+  bool Is(unsigned side, std::int64_t v) { return fReason.Is(side, side == kX ? v : fConstraint.FromFirst(v)); }
+  bool IsNot(unsigned side, std::int64_t v) { return fReason.IsNot(side, side == kX ? v : fConstraint.FromFirst(v)); }
 
   // What the atom says of its side; the relation of a mirrored bound is the other one.
   Relation GetRelation(unsigned side, const VokTarnAtom& atom) const {

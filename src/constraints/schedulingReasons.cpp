@@ -149,9 +149,8 @@ bool VokTarnCumulativeConstraint::Explain(const VokTarnPast& past, const VokTarn
         running.push_back(i);
       }
     }
-    std::ranges::stable_sort(running, [&](unsigned a, unsigned b) {
-      return past.Lower(a + 2 * n) > past.Lower(b + 2 * n);
-    });
+    std::ranges::stable_sort(running,
+                             [&](unsigned a, unsigned b) { return past.Lower(a + 2 * n) > past.Lower(b + 2 * n); });
     std::int64_t demand = 0;
     for (const unsigned i : running) {
       if (demand > room) {
@@ -191,8 +190,8 @@ bool VokTarnCumulativeConstraint::Explain(const VokTarnPast& past, const VokTarn
     const std::int64_t end = isLower ? past.Lower(i) : past.Upper(i);
     const std::int64_t time = isLower ? std::int64_t{atom->fNumber} - 1 : atom->fNumber + duration;
     const bool isAlways = isLower ? time < end + duration : end <= time;
-    return isAlways && reason.AtMost(kCapacity, capacity) &&
-           reason.AtLeast(i + 2 * n, past.Lower(i + 2 * n)) && reason.AtLeast(i + n, duration) &&
+    return isAlways && reason.AtMost(kCapacity, capacity) && reason.AtLeast(i + 2 * n, past.Lower(i + 2 * n)) &&
+           reason.AtLeast(i + n, duration) &&
            (isLower ? reason.AtLeast(i, time - duration + 1) : reason.AtMost(i, time)) && explainDemand(time, room, i);
   }
   return false;

@@ -28,7 +28,8 @@ std::optional<VokTarnSearch::Objective> SearchSolver::FindObjective(Builder& bui
 // Free choices of a search that learns. The objective follows from the others: to choose it would be to walk its bound
 // step by step.
 VokTarnChoices::Group SearchSolver::MakeActive(Builder& builder, const SearchAnnotations& annotations) {
-  VokTarnChoices::Group group{annotations.GetAll(), VokTarnVariableOrder::Activity, VokTarnValueOrder::Min, {}, true, true};
+  VokTarnChoices::Group group{
+      annotations.GetAll(), VokTarnVariableOrder::Activity, VokTarnValueOrder::Min, {}, true, true};
   if (const auto objective = FindObjective(builder)) {
     std::erase(group.fVariables, objective->fValue);
   }
@@ -95,9 +96,14 @@ Solver::Status SearchSolver::Next() {
 
 Solver::Statistics SearchSolver::GetStatistics() const {
   const VokTarnSearch::Statistics now = fSearch ? fSearch->GetStatistics() : VokTarnSearch::Statistics();
-  return {fBefore.fNodes + now.fDecisions, fBefore.fFailures + now.fFailures, fBefore.fRestarts + now.fRestarts,
-          fBuilder.GetNetwork().GetPropagations(), std::max<std::uint64_t>(fBefore.fDepth, now.fDepth),
-          fBefore.fLearned + now.fLearned, fBefore.fForgotten + now.fForgotten, fBefore.fAtoms + now.fAtoms,
+  return {fBefore.fNodes + now.fDecisions,
+          fBefore.fFailures + now.fFailures,
+          fBefore.fRestarts + now.fRestarts,
+          fBuilder.GetNetwork().GetPropagations(),
+          std::max<std::uint64_t>(fBefore.fDepth, now.fDepth),
+          fBefore.fLearned + now.fLearned,
+          fBefore.fForgotten + now.fForgotten,
+          fBefore.fAtoms + now.fAtoms,
           fBefore.fLevels + now.fLevels,
           {fBefore.fReasons.fByRule + now.fReasons.fByRule, fBefore.fReasons.fByReplay + now.fReasons.fByReplay,
            fBefore.fReasons.fByChoices + now.fReasons.fByChoices}};

@@ -18,6 +18,9 @@ constexpr std::size_t kMostItems = 4000;
 
 const VokTarnAnalysis::Lesson* VokTarnAnalysis::Run() {
   Clear();
+  if (fNetwork.GetHistory()->IsFull()) {
+    return nullptr;
+  }
   fBecause.clear();
   fReasons.ExplainFailure(fBecause);
   // The level is known when all atoms are.
@@ -188,9 +191,8 @@ bool VokTarnAnalysis::IsImplied(const VokTarnAtom& atom, Position before, unsign
   if (depth == kDeepest || !fReasons.ExplainQuickly(position, atom, because)) {
     return false;
   }
-  return std::ranges::all_of(because, [&](const VokTarnAtom& reason) {
-    return IsImplied(reason, position, depth + 1);
-  });
+  return std::ranges::all_of(because,
+                             [&](const VokTarnAtom& reason) { return IsImplied(reason, position, depth + 1); });
 }
 
 // Makes the clause of what is left.

@@ -63,9 +63,9 @@ class VokTarnAnalysis {
   VokTarnReasons& fReasons;
   const unsigned fRoot;
   std::vector<Item> fItems;
-  std::vector<std::uint32_t> fFirst;                         // by value, its first item
+  std::vector<std::uint32_t> fFirst;                        // by value, its first item
   std::vector<std::pair<Position, std::uint32_t>> fLatest;  // a heap of items
-  std::size_t fAtLevel = 0;                                  // items at the level of the failure
+  std::size_t fAtLevel = 0;                                 // items at the level of the failure
   std::vector<VokTarnAtom> fBecause;
   std::vector<VokTarnValueId> fInvolved;
   Lesson fLesson{};

@@ -31,9 +31,10 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
     bool fIsShuffled = false;
     // Open variables get the value first that they had last in this search, a value that propagation or a choice gave
     // them, before `fValue` is asked; after a solution those of the last one, which is the best (E. Demirovic, G. Chu,
-    // P. Stuckey, "Solution-based phase saving for CP", CP 2018) (K. Pipatsrisawat, A. Darwiche, "A lightweight component caching scheme for
-    // satisfiability solvers", 2007). The variable of the last choice that failed is chosen again before others (C.
-    // Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in constraint programming", 2009).
+    // P. Stuckey, "Solution-based phase saving for CP", CP 2018) (K. Pipatsrisawat, A. Darwiche, "A lightweight
+    // component caching scheme for satisfiability solvers", 2007). The variable of the last choice that failed is
+    // chosen again before others (C. Lecoutre, L. Sais, S. Tabary, V. Vidal, "Reasoning from last conflict(s) in
+    // constraint programming", 2009).
     bool fRemembers = false;
     // So many variables from the first open one on are compared: for great groups that seldom have open ones.
     std::size_t fMostCompared = std::numeric_limits<std::size_t>::max();
@@ -99,8 +100,8 @@ class VOKTARN_EXPORT VokTarnChoices final : public VokTarnBrancher {
   std::vector<Membership> fMemberships;         // in the order of the values
   std::vector<std::uint32_t> fFirst;            // by value, its first membership; one more for the end
   std::vector<Position> fPositions;             // by depth, up to that of the last choice
-  std::vector<VokTarnMerit> fMerits;  // by value
-  std::uint64_t fBump = 1;            // what being involved adds now; it grows
+  std::vector<VokTarnMerit> fMerits;            // by value
+  std::uint64_t fBump = 1;                      // what being involved adds now; it grows
   std::vector<std::optional<VokLong>> fPhases;  // by value, when a group remembers
   bool fHasSolution = false;                    // the phases are those of a solution
   VokTarnValueId fLastConflict = vokNoValue;

@@ -26,7 +26,8 @@ constexpr unsigned char BitOf(Relation relation) {
 
 VokULong VokTarnClauses::Add(std::span<const VokTarnAtom> atoms, std::uint32_t span) {
   const auto number = static_cast<VokULong>(fClauses.size());
-  fClauses.push_back({static_cast<std::uint32_t>(fAtoms.size()), static_cast<std::uint32_t>(atoms.size()), span, fBump});
+  fClauses.push_back(
+      {static_cast<std::uint32_t>(fAtoms.size()), static_cast<std::uint32_t>(atoms.size()), span, fBump});
   fAtoms.insert(fAtoms.end(), atoms.begin(), atoms.end());
   fWatches.resize(fNetwork.GetValueCount());
   WatchBoth(number);

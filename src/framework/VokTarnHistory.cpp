@@ -20,8 +20,7 @@ bool IsOutside(const VokTarnSummary& summary, VokLong v) {
 // Appends what a summary tells: a set within a word, or all numbers between the bounds.
 void AppendTold(const VokTarnSummary& summary, std::vector<VokLong>& members) {
   if (summary.fBits != 0) {
-    ForEachBit(summary.fBits,
-               [&](unsigned bit) { members.push_back(summary.fLower + static_cast<VokLong>(bit)); });
+    ForEachBit(summary.fBits, [&](unsigned bit) { members.push_back(summary.fLower + static_cast<VokLong>(bit)); });
     return;
   }
   for (std::int64_t v = summary.fLower; v <= summary.fUpper; ++v) {
@@ -65,8 +64,8 @@ bool VokTarnHistory::CanTell(const VokTarnNetwork& network, VokTarnValueId other
 
 // Whether the summary holds all possible values; also those of a value that is undefined, which may be anything.
 bool VokTarnHistory::IsTold(const VokTarnSlot& slot, const VokTarnSummary& summary) {
-  return summary.fSize <= 1 || summary.fBits != 0 || summary.HasNoHoles() ||
-         slot.fShape == VokTarnSlot::Shape::Range || slot.fKind == VokTarnSlot::Kind::Truth;
+  return summary.fSize <= 1 || summary.fBits != 0 || summary.HasNoHoles() || slot.fShape == VokTarnSlot::Shape::Range ||
+         slot.fKind == VokTarnSlot::Kind::Truth;
 }
 
 // Appends the members that an object holds now, of a type that does not list them as far as they can be asked for.
@@ -120,6 +119,9 @@ void VokTarnHistory::NoteTouch(VokTarnValueId id) {
 }
 
 void VokTarnHistory::NoteChange(VokTarnValueId id, const VokTarnSummary& before, const VokTarnCause& cause) {
+  if (IsFull()) {
+    return;
+  }
   fChanges[id].push_back(GetSize());
   fEntries.push_back({before, id, static_cast<std::uint32_t>(fGone.size()), cause});
   const auto used = std::span(fTouched).first(fTouchedCount);
@@ -189,7 +191,8 @@ bool VokTarnHistory::HeldBefore(Position position, const VokTarnAtom& atom) cons
 VokTarnHistory::Position VokTarnHistory::FindChange(const VokTarnAtom& atom) const {
   const std::vector<Position>& changes = fChanges[atom.fValue];
   const auto held = [&](Position position) { return HeldBefore(position, atom); };
-  if (atom.fRelation != Relation::Unequal) {
+  // Where a summary tells all, the domain before a change says itself whether a number was possible.
+  if (atom.fRelation != Relation::Unequal || fNetwork.GetSlot(atom.fValue).fShape == VokTarnSlot::Shape::Range) {
     const auto behind = std::ranges::partition_point(changes, [&](Position position) { return !held(position); });
     return behind == changes.begin() ? sNone : *(behind - 1);
   }

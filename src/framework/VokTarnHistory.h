@@ -29,12 +29,13 @@ struct VokTarnCause {
 // A position is a number of changes: the network as it was before the change at that position.
 //
 // Cost   52 bytes for a change, and 4 for each member that goes from a set which no summary holds. Questions take
-//        O(log n) for n changes of one value, O(n) where no summary holds its domain. The changes of one branch are all there is, so memory is bounded by the sum
-//        of the sizes of the domains.
+//        O(log n) for n changes of one value, O(n) where no summary holds its domain. Of the changes of one branch,
+//        which are all there is, so many are recorded as sMostChanges says, in 220 MB at most.
 class VOKTARN_EXPORT VokTarnHistory {
  public:
   using Position = std::uint32_t;
   static constexpr Position sNone = 0xFFFFFFFFU;
+  static constexpr std::size_t sMostChanges = std::size_t{1} << 22;
 
   struct Entry {
     VokTarnSummary fBefore;
@@ -48,6 +49,9 @@ class VOKTARN_EXPORT VokTarnHistory {
   // that is no range and does not list its members they have few. `other` is a value that will not change.
   static bool CanTell(const VokTarnNetwork& network, VokTarnValueId other);
 
+  // Whether there is no room for more changes: then those that come are not recorded, and nothing is to be asked before
+  // the network goes back.
+  bool IsFull() const noexcept { return fEntries.size() >= sMostChanges; }
   Position GetSize() const noexcept { return static_cast<Position>(fEntries.size()); }
   const Entry& Get(Position position) const noexcept { return fEntries[position]; }
   // What the value was when the history began.
@@ -90,9 +94,9 @@ class VOKTARN_EXPORT VokTarnHistory {
   const VokTarnNetwork& fNetwork;
   std::vector<Entry> fEntries;
   std::vector<VokLong> fGone;
-  std::vector<VokTarnSummary> fRoots;      // by value
+  std::vector<VokTarnSummary> fRoots;              // by value
   std::vector<std::vector<VokLong>> fRootMembers;  // by value, where no summary holds them
-  std::vector<std::vector<Position>> fChanges;  // by value, ascending
-  std::vector<Touched> fTouched;           // the first fTouchedCount are in use
+  std::vector<std::vector<Position>> fChanges;     // by value, ascending
+  std::vector<Touched> fTouched;                   // the first fTouchedCount are in use
   std::size_t fTouchedCount = 0;
 };

@@ -396,8 +396,8 @@ int VokTarnNetwork::FilterFor(const VokTarnNetwork& original, VokULong constrain
     if (published == nullptr || published->IsDerivedFrom(VokTarnConstraintDescriptor::sIdent) == 0) {
       throw std::invalid_argument("the class of a constraint is not published");
     }
-    copy.reset(static_cast<const VokTarnConstraintDescriptor*>(published)->Create(
-        known.GetArguments(), known.GetForm(), known.GetConstants()));
+    copy.reset(static_cast<const VokTarnConstraintDescriptor*>(published)->Create(known.GetArguments(), known.GetForm(),
+                                                                                  known.GetConstants()));
     if (copy == nullptr) {
       throw std::bad_alloc();
     }

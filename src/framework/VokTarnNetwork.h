@@ -251,9 +251,9 @@ class VOKTARN_EXPORT VokTarnNetwork {
   std::vector<VokTarnSlot> fValues;
   std::unordered_map<VokTarnValueId, std::string> fNames;
   std::vector<std::unique_ptr<VokTarnConstraint>> fConstraints;
-  std::vector<unsigned char> fPriorities;  // by constraint
-  std::vector<VokULong> fStateSizes;       // the same
-  std::vector<State> fStates;              // the same
+  std::vector<unsigned char> fPriorities;                   // by constraint
+  std::vector<VokULong> fStateSizes;                        // the same
+  std::vector<State> fStates;                               // the same
   std::vector<std::unique_ptr<VokTarnConstraint>> fCopies;  // see FilterFor
   std::array<Queue, VokTarnConstraint::sPriorities> fAgenda;
   VokTarnClauses fClauses{*this};

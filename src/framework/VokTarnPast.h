@@ -39,9 +39,9 @@ class VOKTARN_EXPORT VokTarnPast {
     if (v < summary.fLower || v > summary.fUpper) {
       return false;
     }
-    return summary.fBits != 0 ? (summary.fBits >> static_cast<unsigned>(v - summary.fLower) & 1) != 0
-                              : summary.HasNoHoles() ||
-                                    fHistory.WasPossible(fArguments[i], static_cast<VokLong>(v), fPosition);
+    return summary.fBits != 0
+               ? (summary.fBits >> static_cast<unsigned>(v - summary.fLower) & 1) != 0
+               : summary.HasNoHoles() || fHistory.WasPossible(fArguments[i], static_cast<VokLong>(v), fPosition);
   }
 
   // The same from the beginning, whatever has been chosen.

@@ -176,8 +176,8 @@ bool VokTarnReasons::ExplainByRule(const VokTarnConstraint& constraint, Position
 }
 
 // By a rule for what makes the atom true together with what was known of its value.
-bool VokTarnReasons::ExplainByOtherRule(const VokTarnConstraint& constraint, Position position,
-                                        const VokTarnAtom& atom, std::vector<VokTarnAtom>& because) {
+bool VokTarnReasons::ExplainByOtherRule(const VokTarnConstraint& constraint, Position position, const VokTarnAtom& atom,
+                                        std::vector<VokTarnAtom>& because) {
   const VokTarnAtom atLeast{atom.fValue, Relation::AtLeast, atom.fNumber};
   const VokTarnAtom atMost{atom.fValue, Relation::AtMost, atom.fNumber};
   if (atom.fRelation == Relation::AtLeast || atom.fRelation == Relation::AtMost) {
@@ -207,8 +207,8 @@ bool VokTarnReasons::ExplainByOtherRule(const VokTarnConstraint& constraint, Pos
 }
 
 // A bound that the constraint has moved up to values that were gone already, or by taking out the last one before them.
-bool VokTarnReasons::ExplainBoundByRule(const VokTarnConstraint& constraint, Position position,
-                                        const VokTarnAtom& atom, std::vector<VokTarnAtom>& because) {
+bool VokTarnReasons::ExplainBoundByRule(const VokTarnConstraint& constraint, Position position, const VokTarnAtom& atom,
+                                        std::vector<VokTarnAtom>& because) {
   const VokTarnSummary& before = History().Get(position).fBefore;
   const bool isLower = atom.fRelation == Relation::AtLeast;
   const std::int64_t step = isLower ? -1 : 1;
@@ -383,7 +383,8 @@ void VokTarnReasons::Weaken(const Goal& goal, std::vector<VokTarnAtom>& atoms) {
     if (atom.fRelation != Relation::AtMost && !isLower) {
       continue;
     }
-    const std::int64_t most = isLower ? std::int64_t{atom.fNumber} - root.fLower - 1 : std::int64_t{root.fUpper} - atom.fNumber - 1;
+    const std::int64_t most =
+        isLower ? std::int64_t{atom.fNumber} - root.fLower - 1 : std::int64_t{root.fUpper} - atom.fNumber - 1;
     std::int64_t step = 1;
     for (std::int64_t moved = 0; step > 0 && !IsEnough();) {
       if (moved + step > most) {

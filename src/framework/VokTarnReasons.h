@@ -10,15 +10,16 @@
 
 // Why an atom became true: atoms that were true before, and with the constraints of the network imply it.
 //
-// A constraint may have a rule of its own (VokTarnConstraint::Explain). Where it has none it is filtered by itself, from
-// the domains that its arguments had then, less and less narrowed: what still leads to the atom is a reason, because
-// filtering is sound. So a constraint of any module takes part without a line of its own.
+// A constraint may have a rule of its own (VokTarnConstraint::Explain). Where it has none it is filtered by itself,
+// from the domains that its arguments had then, less and less narrowed: what still leads to the atom is a reason,
+// because filtering is sound. So a constraint of any module takes part without a line of its own.
 //
 // Strength   A reason by replay cannot be made shorter by leaving out one of its atoms, unless sMostReplays ended the
 //            search for a shorter one; bounds in it are as weak as filtering allows. Where the filtering cannot be
 //            repeated the reason is all choices so far; so it is for changes without a cause.
-// Cost       By replay about 2 k log (n / k) filterings of one constraint, for k atoms of n that describe its arguments.
-// Source     O. Ohrimenko, P. Stuckey, M. Codish, "Propagation via lazy clause generation", Constraints 14, 2009, for
+// Cost       By replay about 2 k log (n / k) filterings of one constraint, for k atoms of n that describe its
+// arguments. Source     O. Ohrimenko, P. Stuckey, M. Codish, "Propagation via lazy clause generation", Constraints 14,
+// 2009, for
 //            reasons over atoms; U. Junker, "QuickXplain", AAAI 2004, for the way in which atoms are left out.
 class VOKTARN_EXPORT VokTarnReasons {
  public:

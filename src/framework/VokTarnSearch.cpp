@@ -28,7 +28,8 @@ VokTarnSearch::VokTarnSearch(VokTarnNetwork& network, const std::vector<VokTarnV
       fOptions(options),
       fRandom(options.fSeed),
       fFailuresToRestart(kRunLength * fRestartSequence.Next()),
-      fChoiceOrder(network, {{variables, options.fVariable, options.fValue, {}, true, options.fRemembers}}, options.fSeed),
+      fChoiceOrder(network, {{variables, options.fVariable, options.fValue, {}, true, options.fRemembers}},
+                   options.fSeed),
       fMostClauses(kMostClauses) {
   for (const VokTarnValueId id : variables) {
     fIsVariable[id] = true;

@@ -9,6 +9,7 @@
 
 #include "framework/VokTarnRelation.h"
 #include "support/modules.h"
+#include "support/reasons.h"
 #include "support/soak.h"
 
 namespace {
@@ -85,6 +86,8 @@ class Builtins : public testing::TestWithParam<unsigned> {
 
   support::LoadedModules fModules;
   std::mt19937 fRandom{20261123};
+  bool fAsksForReasons = false;
+  VokTarnReasons::Statistics fReasons;
   std::int64_t fLoose = 0;   // values left without a support
   std::uint64_t fCalls = 0;  // of filterings
 };
@@ -396,6 +399,16 @@ void Builtins::Check(const Posed& posed, unsigned trial) {
   assign();
   fModules.PostClass(network, posed.fName, ids, posed.fConstants);
   network.SetInterrupt([&network] { return network.GetPropagations() > 20000; });
+  if (fAsksForReasons) {
+    if (network.Propagate() == VokTarnNetwork::Outcome::Fixpoint) {
+      support::ReasonCheck check(network, ids, solutions);
+      EXPECT_EQ(check.Run(fRandom), "") << text.str();
+      fReasons.fByRule += check.GetStatistics().fByRule;
+      fReasons.fByReplay += check.GetStatistics().fByReplay;
+      fReasons.fByChoices += check.GetStatistics().fByChoices;
+    }
+    return;
+  }
   // Down and up at random; the solutions that each level has left.
   std::vector<std::vector<Values>> levels = {solutions};
   for (unsigned step = 0; step < 12 && !HasFailure(); ++step) {
@@ -485,6 +498,19 @@ TEST_P(Builtins, LoseNoSupportAndKeepTheirPromises) {
 }
 
 // What fits, with one constant exchanged.
+// As of the globals.
+TEST_P(Builtins, HaveReasons) {
+  fAsksForReasons = true;
+  constexpr std::string_view kRuled = "abcdeghik";  // the kinds of classes with a rule
+  const unsigned last = 300 * static_cast<unsigned>(support::SoakFactor());
+  for (unsigned trial = 0; trial < last && !HasFailure(); ++trial) {
+    fRandom.seed(trial);
+    Check(MakePosed(GetParam()), trial);
+  }
+  EXPECT_LE(50 * fReasons.fByChoices, fReasons.fByRule + fReasons.fByReplay);
+  EXPECT_EQ(fReasons.fByRule > 0, kRuled.find(static_cast<char>('a' + GetParam())) != std::string_view::npos);
+}
+
 TEST_F(Builtins, TakeFewOfTheConstantsThatDoNotFit) {
   constexpr VokLong strange[] = {-2147483647 - 1, -1, 0, 1, 3, 2147483647};
   int applicable = 0;

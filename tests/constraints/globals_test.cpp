@@ -7,6 +7,7 @@
 #include <set>
 
 #include "support/modules.h"
+#include "support/reasons.h"
 #include "support/soak.h"
 
 namespace {
@@ -211,7 +212,9 @@ class Globals : public testing::Test {
 
   support::LoadedModules fModules;
   std::mt19937 fRandom{20261123};
-  std::map<std::string, std::int64_t> fLoose;  // by name, how many values were left without a support
+  bool fAsksForReasons = false;
+  std::map<std::string, VokTarnReasons::Statistics> fReasons;  // by name
+  std::map<std::string, std::int64_t> fLoose;                  // by name, how many values were left without a support
 };
 
 Posed Globals::MakePosed(unsigned kind) {
@@ -355,6 +358,7 @@ void Globals::Check(const Posed& posed) {
   std::vector<std::set<Value>> supported(ids.size());
   std::vector<Value> values(ids.size());
   bool hasSolution = false;
+  std::vector<std::vector<Value>> solutions;
   for (std::size_t place = 0; place < assignments; ++place) {
     std::size_t rest = place;
     bool isConsistent = true;
@@ -366,6 +370,7 @@ void Globals::Check(const Posed& posed) {
     }
     if (isConsistent && posed.fHolds(values, posed.fConstants)) {
       hasSolution = true;
+      solutions.push_back(values);
       for (std::size_t i = 0; i < ids.size(); ++i) {
         supported[i].insert(values[i]);
       }
@@ -376,6 +381,14 @@ void Globals::Check(const Posed& posed) {
   const VokTarnNetwork::Outcome outcome = network.Propagate();
   if (outcome == VokTarnNetwork::Outcome::Failed) {
     EXPECT_FALSE(hasSolution) << before.str() << " has a solution";
+    return;
+  }
+  if (fAsksForReasons) {
+    support::ReasonCheck check(network, ids, solutions);
+    EXPECT_EQ(check.Run(fRandom), "") << before.str();
+    fReasons[posed.fName].fByRule += check.GetStatistics().fByRule;
+    fReasons[posed.fName].fByReplay += check.GetStatistics().fByReplay;
+    fReasons[posed.fName].fByChoices += check.GetStatistics().fByChoices;
     return;
   }
   bool isAssigned = true;
@@ -411,6 +424,22 @@ TEST_F(Globals, LoseNoSupportAndKeepTheirPromises) {
       {"ExtremePlace", 683},      {"Sort", 2386},       {"BinPacking", 505}};
   for (const auto& [name, loose] : fLoose) {
     EXPECT_TRUE(trials > 60000 || loose <= most.at(name)) << name << ' ' << loose;
+  }
+}
+
+// Whatever has been narrowed after random choices has a reason that holds in all solutions: by a rule where the class
+// has one, else by replay, and seldom by all choices.
+TEST_F(Globals, HaveReasons) {
+  fAsksForReasons = true;
+  const int trials = 2000 * support::SoakFactor();
+  for (int trial = 0; trial < trials && !HasFailure(); ++trial) {
+    fRandom.seed(static_cast<unsigned>(trial));
+    Check(MakePosed(static_cast<unsigned>(trial) % 15));
+  }
+  const std::set<std::string> ruled = {"Cumulative", "GlobalCardinality", "NonOverlap", "Table"};
+  for (const auto& [name, reasons] : fReasons) {
+    EXPECT_EQ(reasons.fByRule > 0, ruled.contains(name)) << name;
+    EXPECT_LE(50 * reasons.fByChoices, reasons.fByRule + reasons.fByReplay) << name;
   }
 }
 

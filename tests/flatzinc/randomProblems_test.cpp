@@ -276,8 +276,8 @@ void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count, con
         const std::string mistake = FindMistake(smaller, options, modules, effort);
         return !mistake.empty() && mistake.find("declared name") == std::string::npos;
       });
-      ADD_FAILURE() << "seed " << seed << (options.fIsFree ? ", free" : "") << (isLearning ? ", learning" : "") << ", " << options.fProcesses
-                    << " processes: " << FindMistake(least, options, modules, effort) << '\n'
+      ADD_FAILURE() << "seed " << seed << (options.fIsFree ? ", free" : "") << (isLearning ? ", learning" : "") << ", "
+                    << options.fProcesses << " processes: " << FindMistake(least, options, modules, effort) << '\n'
                     << least.GetText();
     }
   }

@@ -107,7 +107,8 @@ class RandomProblem {
     for (int i = 0; i < 7; ++i) {
       const char* const kDomains[] = {"[0, 5]", "[0, 6]", "{ 0, 1, 3, 6 }", "{ 1, 2, 200, 201 }", "[3, 8]"};
       const bool isInterval = Draw(4) == 0;
-      fIds.push_back(modules.Add(fNetwork, isInterval ? "interval int" : "enum int", kDomains[isInterval ? 0 : Draw(5)]));
+      fIds.push_back(
+          modules.Add(fNetwork, isInterval ? "interval int" : "enum int", kDomains[isInterval ? 0 : Draw(5)]));
     }
     fObjective = fIds[0];
     for (std::size_t i = 1; i < fIds.size(); ++i) {
