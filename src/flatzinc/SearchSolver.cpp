@@ -61,6 +61,7 @@ void SearchSolver::Begin() {
   fAlternating.Begin();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
+  options.fUntaught = 1000;
   // A free search begins to learn at once: its choices are by activity.
   options.fLearning = fOptions.fIsFree && fOptions.fLearning == VokTarnSearch::Learning::Auto
                           ? VokTarnSearch::Learning::On
@@ -106,6 +107,7 @@ Solver::Statistics SearchSolver::GetStatistics() const {
           fBefore.fAtoms + now.fAtoms,
           fBefore.fLevels + now.fLevels,
           {fBefore.fReasons.fByRule + now.fReasons.fByRule, fBefore.fReasons.fByReplay + now.fReasons.fByReplay,
+           fBefore.fReasons.fReplays + now.fReasons.fReplays,
            fBefore.fReasons.fByChoices + now.fReasons.fByChoices}};
 }
 

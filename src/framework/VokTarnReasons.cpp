@@ -326,6 +326,7 @@ VokTarnNetwork& VokTarnReasons::GetBench() {
 bool VokTarnReasons::Replay(const Goal& goal, std::span<const VokTarnAtom> atoms) {
   VokTarnNetwork& bench = GetBench();
   ++fReplays;
+  ++fStatistics.fReplays;
   bench.ForgetFailure();
   const std::span<const VokTarnValueId> arguments = fNetwork.GetConstraint(goal.fConstraint).GetArguments();
   for (const VokTarnValueId id : arguments) {

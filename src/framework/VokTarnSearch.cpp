@@ -42,10 +42,23 @@ VokTarnSearch::~VokTarnSearch() {
   while (fNetwork.GetLevel() > fBaseLevel) {
     fNetwork.PopLevel();
   }
-  if (fAnalysis) {
+  if (fReasons) {
+    EndLearning();
     fNetwork.GetClauses().Clear();
-    fNetwork.EndHistory();
   }
+}
+
+// The clauses stay.
+void VokTarnSearch::EndLearning() {
+  fAnalysis.reset();
+  fNetwork.EndHistory();
+}
+
+// A replayed filtering costs several of the search's own, most of which have little to do.
+bool VokTarnSearch::IsReplayingMuch() const {
+  constexpr std::uint64_t kCost = 5;
+  return fOptions.fLearning == Learning::Auto && fAnalysis &&
+         kCost * fReasons->GetStatistics().fReplays > fNetwork.GetPropagations();
 }
 
 // What is narrowed from here on is recorded with its cause.
@@ -190,8 +203,8 @@ void VokTarnSearch::NoteFailure() {
 // A second run would find what an enumeration has found already. With an objective it cannot: it has to be better.
 bool VokTarnSearch::IsRestartDue() const noexcept {
   const bool isRunOver = fOptions.fRestart == Restart::Luby && fStatistics.fFailures >= fFailuresToRestart;
-  const bool isToLearn = fOptions.fLearning == Learning::Auto && fStatistics.fFailures == sUntaught;
-  return (isRunOver || isToLearn) && !fChoices.empty() && (fObjective || fStatistics.fSolutions == 0);
+  const bool isToLearn = fOptions.fLearning == Learning::Auto && fStatistics.fFailures == fOptions.fUntaught;
+  return (isRunOver || isToLearn || IsReplayingMuch()) && !fChoices.empty() && (fObjective || fStatistics.fSolutions == 0);
 }
 
 // Leaves every choice. What was refuted at the root stays refuted.
@@ -199,7 +212,10 @@ void VokTarnSearch::BeginAgain() {
   while (!fChoices.empty()) {
     LeaveLevel();
   }
-  if (fOptions.fLearning == Learning::Auto && !fAnalysis) {
+  if (IsReplayingMuch()) {
+    EndLearning();
+    fOptions.fLearning = Learning::Off;
+  } else if (fOptions.fLearning == Learning::Auto && !fAnalysis && fStatistics.fFailures >= fOptions.fUntaught) {
     BeginLearning();
   }
   fFloor = 0;

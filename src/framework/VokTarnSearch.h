@@ -74,9 +74,10 @@ class VOKTARN_EXPORT VokTarnSearch {
   enum class Learning {
     Off,
     On,
-    Auto  // once there have been sUntaught failures, and where the search can begin again for it
+    // Once there have been `fUntaught` failures, where the search can begin again for it, and until its replays of
+    // constraints are many beside the search's own filterings.
+    Auto
   };
-  static constexpr std::uint64_t sUntaught = 1000;
   struct Options {
     VariableChoice fVariable = VariableChoice::FirstFail;
     ValueChoice fValue = ValueChoice::Split;
@@ -92,6 +93,7 @@ class VOKTARN_EXPORT VokTarnSearch {
     // Values and conflicts are remembered, see VokTarnChoices::Group.
     bool fRemembers = false;
     Learning fLearning = Learning::Off;
+    std::uint64_t fUntaught = 10000;
     // Each reason is checked by replay; std::logic_error when one is none. For tests.
     bool fVerifies = false;
   };
@@ -155,6 +157,8 @@ class VOKTARN_EXPORT VokTarnSearch {
   bool Backtrack();
   bool LearnFromFailure();
   void BeginLearning();
+  void EndLearning();
+  bool IsReplayingMuch() const;
   void Assert(const VokTarnAtom& atom, const VokTarnCause& cause);
   void Forget();
   bool IsImproved() const;

@@ -105,6 +105,7 @@ void DefineRestartAndLimits(CLI::App& command, Options& options) {
 }
 
 void DefineSearchOptions(CLI::App& solve, VokTarnSearch::Options& options) {
+  options.fLearning = VokTarnSearch::Learning::Auto;
   using Variable = VokTarnSearch::VariableChoice;
   using Value = VokTarnSearch::ValueChoice;
   DefineChoice<Variable>(solve, "--var", options.fVariable, "Which open variable to split next",

@@ -261,6 +261,7 @@ int RunTree(Session& session, SolveOptions solve, const TreeOptions& options, co
   CheckPictureName(path);
   Tree tree(session, options);
   solve.fObserver = &tree;
+  solve.fSearch.fLearning = VokTarnSearch::Learning::Off;  // it would leave several choices at once
   NoBuffer buffer;
   std::ostream nowhere(&buffer);  // the picture tells the solutions
   const int exitCode = RunSolve(session, solve, nowhere, err);
