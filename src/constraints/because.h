@@ -30,7 +30,7 @@ class Because {
 class Excluded {
  public:
   Excluded(const VokTarnPast& past, unsigned argument)
-      : fPast(past), fArgument(argument), fLower(past.Lower(argument)), fUpper(past.Upper(argument)) {}
+      : fArgument(argument), fLower(past.Lower(argument)), fUpper(past.Upper(argument)) {}
 
   // False when the argument could be v.
   bool Add(std::int64_t v, Because& reason) {
@@ -53,7 +53,6 @@ class Excluded {
   }
 
  private:
-  const VokTarnPast& fPast;
   unsigned fArgument;
   std::int64_t fLower;
   std::int64_t fUpper;

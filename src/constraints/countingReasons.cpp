@@ -13,7 +13,7 @@ namespace {
 // Members from `first` on: which surely are v, and which surely are not.
 class Tally {
  public:
-  Tally(const VokTarnPast& past, unsigned first, VokLong v, unsigned but) : fPast(past), fValue(v) {
+  Tally(const VokTarnPast& past, unsigned first, VokLong v, unsigned but) : fValue(v) {
     for (unsigned i = first; i < past.Size(); ++i) {
       if (i == but) {
         continue;
@@ -26,7 +26,7 @@ class Tally {
       }
     }
     // What has been so from the beginning costs nothing.
-    std::ranges::stable_partition(fImpossible, [&](unsigned i) { return !past.MayBeAtRoot(i, v); });
+    std::stable_partition(fImpossible.begin(), fImpossible.end(), [&](unsigned i) { return !past.MayBeAtRoot(i, v); });
   }
 
   bool AreAtLeast(std::int64_t count, Because& reason) const { return Take(fCertain, count, reason, true); }
@@ -48,7 +48,6 @@ class Tally {
     return true;
   }
 
-  const VokTarnPast& fPast;
   VokLong fValue;
   std::int64_t fCount = 0;
   std::vector<unsigned> fCertain;
@@ -128,8 +127,7 @@ bool Matching::Read(const VokTarnPast& past, const VokTarnAtom* atom) {
     fLast = atom != nullptr && atom->fValue == past.Id(i) ? i : fLast;
   }
   std::ranges::sort(fValues);
-  const auto repeated = std::ranges::unique(fValues);
-  fValues.erase(repeated.begin(), repeated.end());
+  fValues.erase(std::unique(fValues.begin(), fValues.end()), fValues.end());
   fEdges.resize(past.Size());
   for (unsigned i = 0; i < past.Size(); ++i) {
     for (const VokLong v : members[i]) {

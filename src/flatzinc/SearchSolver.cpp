@@ -107,8 +107,7 @@ Solver::Statistics SearchSolver::GetStatistics() const {
           fBefore.fAtoms + now.fAtoms,
           fBefore.fLevels + now.fLevels,
           {fBefore.fReasons.fByRule + now.fReasons.fByRule, fBefore.fReasons.fByReplay + now.fReasons.fByReplay,
-           fBefore.fReasons.fReplays + now.fReasons.fReplays,
-           fBefore.fReasons.fByChoices + now.fReasons.fByChoices}};
+           fBefore.fReasons.fReplays + now.fReasons.fReplays, fBefore.fReasons.fByChoices + now.fReasons.fByChoices}};
 }
 
 }  // namespace fzn

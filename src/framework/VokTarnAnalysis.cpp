@@ -211,6 +211,6 @@ void VokTarnAnalysis::Conclude() {
     }
   }
   std::ranges::sort(levels);
-  const auto repeated = std::ranges::unique(levels);
-  fLesson.fSpan = static_cast<std::uint32_t>(levels.size() - repeated.size()) + 1;
+  const auto end = std::unique(levels.begin(), levels.end());
+  fLesson.fSpan = static_cast<std::uint32_t>(end - levels.begin()) + 1;
 }

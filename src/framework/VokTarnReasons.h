@@ -29,7 +29,7 @@ class VOKTARN_EXPORT VokTarnReasons {
   struct Statistics {
     std::uint64_t fByRule = 0;
     std::uint64_t fByReplay = 0;
-    std::uint64_t fReplays = 0;  // filterings
+    std::uint64_t fReplays = 0;    // filterings
     std::uint64_t fByChoices = 0;  // neither a rule nor a replay has found one
   };
 

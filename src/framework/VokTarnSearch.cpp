@@ -204,7 +204,8 @@ void VokTarnSearch::NoteFailure() {
 bool VokTarnSearch::IsRestartDue() const noexcept {
   const bool isRunOver = fOptions.fRestart == Restart::Luby && fStatistics.fFailures >= fFailuresToRestart;
   const bool isToLearn = fOptions.fLearning == Learning::Auto && fStatistics.fFailures == fOptions.fUntaught;
-  return (isRunOver || isToLearn || IsReplayingMuch()) && !fChoices.empty() && (fObjective || fStatistics.fSolutions == 0);
+  return (isRunOver || isToLearn || IsReplayingMuch()) && !fChoices.empty() &&
+         (fObjective || fStatistics.fSolutions == 0);
 }
 
 // Leaves every choice. What was refuted at the root stays refuted.

@@ -117,7 +117,7 @@ TEST(SolveSeed, FixesTheOutputToTheByte) {
 
 TEST(SolveProgress, ShowsOnATerminalUntilCtrlC) {
   const TemporaryFile model(MakePigeons(12) + "minimize p0;");
-  PseudoTerminal shown(sTarn, {"solve", model.GetPath(), "-s"});
+  PseudoTerminal shown(sTarn, {"solve", model.GetPath(), "-s", "--learn", "off"});
   ASSERT_TRUE(shown.WaitForText("nodes/s"));
   ASSERT_TRUE(shown.WaitForText("best none, bound 1"));
   shown.Write("\x03");

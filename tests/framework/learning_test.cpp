@@ -178,7 +178,7 @@ TEST(Learning, LosesNoSolutionAndFindsNoneTwice) {
   std::uint64_t learned = 0;
   std::uint64_t replayed = 0;
   std::uint64_t byChoices = 0;
-  for (unsigned seed = 0; seed < 60; ++seed) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
     RandomProblem problem(modules, seed);
     const auto solutions = problem.FindAll({});
     const auto best = problem.FindBest({});
@@ -199,7 +199,7 @@ TEST(Learning, LosesNoSolutionAndFindsNoneTwice) {
     replayed += problem.fTotal.fReasons.fByReplay;
     byChoices += problem.fTotal.fReasons.fByChoices;
   }
-  EXPECT_GT(learned, 1000U);
+  EXPECT_GT(learned, 400U);
   EXPECT_LT(10 * byChoices, replayed);
 }
 

@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <ostream>
 
 #include "framework/VokTarnBoolean.h"
@@ -193,15 +194,21 @@ std::string SolveRun::FindStop() const {
 
 std::vector<Figure> SolveRun::GetFigures() const {
   const VokTarnSearch::Statistics& statistics = fSearch.GetStatistics();
+  const auto mean = [&statistics](std::uint64_t sum) {
+    return std::to_string(static_cast<double>(sum) /
+                          static_cast<double>(std::max<std::uint64_t>(statistics.fLearned, 1)));
+  };
   return {{"decisions", "decisions", std::to_string(statistics.fDecisions), ""},
           {"failures", "failures", std::to_string(statistics.fFailures), ""},
           {"propagations", "propagations", std::to_string(fSession.GetNetwork().GetPropagations()), ""},
           {"solutions", "solutions", std::to_string(statistics.fSolutions), ""},
           {"restarts", "restarts", std::to_string(statistics.fRestarts), ""},
-          {"clauses learned", "learned", std::to_string(statistics.fLearned), ""},
-          {"clauses forgotten", "forgotten", std::to_string(statistics.fForgotten), ""},
-          {"reasons by rule", "reasonsByRule", std::to_string(statistics.fReasons.fByRule), ""},
-          {"reasons by replay", "reasonsByReplay", std::to_string(statistics.fReasons.fByReplay), ""},
+          {"learned", "learned", std::to_string(statistics.fLearned), ""},
+          {"forgotten", "forgotten", std::to_string(statistics.fForgotten), ""},
+          {"clause length", "clauseLength", mean(statistics.fAtoms), ""},
+          {"clause span", "clauseSpan", mean(statistics.fLevels), ""},
+          {"rule reasons", "reasonsByRule", std::to_string(statistics.fReasons.fByRule), ""},
+          {"replayed", "reasonsByReplay", std::to_string(statistics.fReasons.fByReplay), ""},
           {"depth", "depth", std::to_string(statistics.fDepth), ""},
           {"peak memory", "peakMemory", std::to_string(GetPeakMemory()), " bytes"},
           {"time", "time", std::to_string(GetRunTime().count()), " s"}};
