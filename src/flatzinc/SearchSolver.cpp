@@ -61,7 +61,7 @@ void SearchSolver::Begin() {
   fAlternating.Begin();
   VokTarnSearch::Options options;
   options.fSeed = fOptions.fSeed;
-  options.fUntaught = 1000;
+  options.fUntaught = fOptions.fUntaught;
   // A free search begins to learn at once: its choices are by activity.
   options.fLearning = fOptions.fIsFree && fOptions.fLearning == VokTarnSearch::Learning::Auto
                           ? VokTarnSearch::Learning::On

@@ -258,7 +258,10 @@ void CompareWithEnumeration(std::span<const RandomRow> rows, unsigned count, con
     bool isDrawn = false;
     for (const bool isLearning : {false, false, true}) {
       fzn::Solver::Options options;
-      options.fLearning = isLearning ? VokTarnSearch::Learning::On : VokTarnSearch::Learning::Off;
+      options.fLearning = !isLearning     ? VokTarnSearch::Learning::Off
+                          : seed % 3 == 0 ? VokTarnSearch::Learning::Auto
+                                          : VokTarnSearch::Learning::On;
+      options.fUntaught = 2;
       options.fVerifies = isLearning;
       if (isLearning || std::exchange(isDrawn, true)) {
         options.fIsFree = random() % 2 == 0;

@@ -190,7 +190,8 @@ TEST(Learning, LosesNoSolutionAndFindsNoneTwice) {
       options.fRestart = problem.Draw(2) == 0 ? VokTarnSearch::Restart::Luby : VokTarnSearch::Restart::None;
       options.fSeed = problem.Draw(3);
       options.fRemembers = problem.Draw(2) == 0;
-      options.fLearning = VokTarnSearch::Learning::On;
+      options.fLearning = problem.Draw(3) == 0 ? VokTarnSearch::Learning::Auto : VokTarnSearch::Learning::On;
+      options.fUntaught = 10;
       options.fVerifies = true;
       EXPECT_EQ(problem.FindAll(options), solutions) << seed << ' ' << i;
       EXPECT_EQ(problem.FindBest(options), best) << seed << ' ' << i;
