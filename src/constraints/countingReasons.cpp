@@ -92,81 +92,84 @@ class Matching {
   // More values than these are too many for a reason.
   static constexpr std::int64_t sMostValues = 2000;
 
-  // With `atom` its argument has only those of its values that make it false.
+  // With `atom` its argument has only those of its values that make it false. False where there are too many.
   bool Read(const VokTarnPast& past, const VokTarnAtom* atom);
-  // Of an argument that finds no value: it and all that have the values which it could take, and these.
-  bool FindCrowd(std::vector<char>& arguments, std::vector<char>& values);
-  VokLong GetValue(std::size_t place) const { return fValues[place]; }
-  std::size_t CountValues() const { return fValues.size(); }
+  // Of an argument that finds no value: it and all that have the values which it could take.
+  bool FindCrowd();
+  bool HasArgument(unsigned argument) const { return fArguments[argument] != 0; }
+  // Whether a number is one of the values that they have.
+  bool HasValue(std::int64_t v) const {
+    return v >= fLower && v - fLower < static_cast<std::int64_t>(fValues.size()) &&
+           fValues[static_cast<std::size_t>(v - fLower)] != 0;
+  }
 
  private:
-  bool Match(unsigned argument, std::vector<char>& arguments, std::vector<char>& values);
+  bool Match(unsigned argument);
 
-  std::vector<VokLong> fValues;
+  std::int64_t fLower = 0;                    // of all values; a value is known by how far it is above
   std::vector<std::vector<unsigned>> fEdges;  // by argument
-  std::vector<unsigned> fMatched;             // by value
-  unsigned fLast = 0;                         // the argument of the atom
+  std::vector<unsigned> fPartners;            // the same: its value
+  std::vector<unsigned> fMatched;             // by value: its argument
+  std::vector<char> fArguments;               // those that the last search has met
+  std::vector<char> fValues;
+  std::vector<unsigned> fFrom;  // by value, the argument that it was reached from
+  unsigned fLast = 0;           // the argument of the atom
 };
 
 bool Matching::Read(const VokTarnPast& past, const VokTarnAtom* atom) {
-  std::vector<std::vector<VokLong>> members(past.Size());
+  std::int64_t upper = std::numeric_limits<VokLong>::min();
+  fLower = std::numeric_limits<VokLong>::max();
   for (unsigned i = 0; i < past.Size(); ++i) {
-    const VokTarnSummary& summary = past.Summary(i);
-    if (summary.fSize <= 0 || summary.GetWidth() > sMostValues) {
+    if (past.Cardinality(i) <= 0) {
       return false;
     }
-    for (VokLong v = summary.fLower;; ++v) {
-      if (past.MayBe(i, v) && !(atom != nullptr && atom->fValue == past.Id(i) && !atom->Denies(v))) {
-        members[i].push_back(v);
-      }
-      if (v == summary.fUpper) {
-        break;
-      }
-    }
-    fValues.insert(fValues.end(), members[i].begin(), members[i].end());
-    fLast = atom != nullptr && atom->fValue == past.Id(i) ? i : fLast;
+    fLower = std::min<std::int64_t>(fLower, past.Lower(i));
+    upper = std::max<std::int64_t>(upper, past.Upper(i));
   }
-  std::ranges::sort(fValues);
-  fValues.erase(std::unique(fValues.begin(), fValues.end()), fValues.end());
+  if (upper - fLower > sMostValues) {
+    return false;
+  }
   fEdges.resize(past.Size());
   for (unsigned i = 0; i < past.Size(); ++i) {
-    for (const VokLong v : members[i]) {
-      fEdges[i].push_back(static_cast<unsigned>(std::ranges::lower_bound(fValues, v) - fValues.begin()));
+    const bool isSaid = atom != nullptr && atom->fValue == past.Id(i);
+    fLast = isSaid ? i : fLast;
+    for (std::int64_t v = past.Lower(i); v <= past.Upper(i); ++v) {
+      if ((!isSaid || atom->Denies(v)) && past.MayBe(i, v)) {
+        fEdges[i].push_back(static_cast<unsigned>(v - fLower));
+      }
     }
   }
-  fMatched.assign(fValues.size(), sNone);
+  fPartners.assign(past.Size(), sNone);
+  fMatched.assign(static_cast<std::size_t>(upper - fLower) + 1, sNone);
+  fFrom.resize(fMatched.size());
   return true;
 }
 
-bool Matching::Match(unsigned argument, std::vector<char>& arguments, std::vector<char>& values) {
-  // Breadth first, with for each value the argument that it was reached from.
+// Breadth first.
+bool Matching::Match(unsigned argument) {
   std::vector<unsigned> queue{argument};
-  std::vector<unsigned> from(fValues.size(), sNone);
-  arguments.assign(fEdges.size(), 0);
-  values.assign(fValues.size(), 0);
-  arguments[argument] = 1;
+  fArguments.assign(fEdges.size(), 0);
+  fValues.assign(fMatched.size(), 0);
+  fArguments[argument] = 1;
   for (std::size_t next = 0; next < queue.size(); ++next) {
-    for (unsigned v : fEdges[queue[next]]) {
-      if (values[v] != 0) {
+    for (const unsigned v : fEdges[queue[next]]) {
+      if (fValues[v] != 0) {
         continue;
       }
-      values[v] = 1;
-      from[v] = queue[next];
+      fValues[v] = 1;
+      fFrom[v] = queue[next];
       if (fMatched[v] != sNone) {
-        arguments[fMatched[v]] = 1;
+        fArguments[fMatched[v]] = 1;
         queue.push_back(fMatched[v]);
         continue;
       }
       // Turn the path that has led here.
       for (unsigned free = v; free != sNone;) {
-        const unsigned i = from[free];
-        const auto old = std::ranges::find(fMatched, i);
-        const unsigned before = old == fMatched.end() ? sNone : static_cast<unsigned>(old - fMatched.begin());
-        if (before != sNone) {
-          fMatched[before] = sNone;
-        }
+        const unsigned i = fFrom[free];
+        const unsigned before = fPartners[i];
         fMatched[free] = i;
-        free = i == argument ? sNone : before;
+        fPartners[i] = free;
+        free = before;
       }
       return true;
     }
@@ -174,13 +177,13 @@ bool Matching::Match(unsigned argument, std::vector<char>& arguments, std::vecto
   return false;
 }
 
-bool Matching::FindCrowd(std::vector<char>& arguments, std::vector<char>& values) {
+bool Matching::FindCrowd() {
   for (unsigned i = 0; i < fEdges.size(); ++i) {
-    if (i != fLast && !Match(i, arguments, values)) {
+    if (i != fLast && !Match(i)) {
       return true;
     }
   }
-  return !fEdges.empty() && !Match(fLast, arguments, values);
+  return !fEdges.empty() && !Match(fLast);
 }
 
 }  // namespace
@@ -189,14 +192,12 @@ bool Matching::FindCrowd(std::vector<char>& arguments, std::vector<char>& values
 bool VokTarnAllDifferentConstraint::Explain(const VokTarnPast& past, const VokTarnAtom* atom,
                                             std::vector<VokTarnAtom>& because) const {
   Matching matching;
-  std::vector<char> arguments;
-  std::vector<char> values;
-  if (!GetConstants().empty() || !matching.Read(past, atom) || !matching.FindCrowd(arguments, values)) {
+  if (!GetConstants().empty() || !matching.Read(past, atom) || !matching.FindCrowd()) {
     return false;
   }
   Because reason(past, because);
   for (unsigned i = 0; i < past.Size(); ++i) {
-    if (arguments[i] == 0) {
+    if (!matching.HasArgument(i)) {
       continue;
     }
     // All that it could be at the beginning is a value of the crowd, is gone, or is what the atom says.
@@ -205,14 +206,9 @@ bool VokTarnAllDifferentConstraint::Explain(const VokTarnPast& past, const VokTa
       return false;
     }
     Excluded excluded(past, i);
-    std::size_t place = 0;
     for (std::int64_t v = root.fLower; v <= root.fUpper; ++v) {
-      while (place < matching.CountValues() && matching.GetValue(place) < v) {
-        ++place;
-      }
-      const bool isOfCrowd = place < matching.CountValues() && matching.GetValue(place) == v && values[place] != 0;
       const bool isSaid = atom != nullptr && atom->fValue == past.Id(i) && !atom->Denies(v);
-      if (!isOfCrowd && !isSaid && past.MayBeAtRoot(i, v) && !excluded.Add(v, reason)) {
+      if (!isSaid && !matching.HasValue(v) && past.MayBeAtRoot(i, v) && !excluded.Add(v, reason)) {
         return false;
       }
     }

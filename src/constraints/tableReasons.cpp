@@ -1,4 +1,6 @@
 // Why a table has narrowed: see VokTarnTableConstraint::Explain.
+#include <algorithm>
+
 #include "constraints/VokTarnTableConstraint.h"
 #include "constraints/because.h"
 
@@ -8,17 +10,21 @@ bool VokTarnTableConstraint::Explain(const VokTarnPast& past, const VokTarnAtom*
   const std::size_t columns = past.Size();
   const std::size_t first = because.size();
   Because reason(past, because);
+  unsigned place = 0;
+  while (atom != nullptr && past.Id(place) != atom->fValue) {
+    ++place;
+  }
   for (auto row = GetConstants(); !row.empty(); row = row.subspan(columns)) {
-    bool isOut = false;
+    bool isOut = atom != nullptr && !atom->Denies(row[place]);
     unsigned gone = past.Size();
     for (unsigned i = 0; i < columns && !isOut; ++i) {
       const VokLong v = row[i];
-      isOut = (atom != nullptr && past.Id(i) == atom->fValue && !atom->Denies(v)) || !past.MayBeAtRoot(i, v);
       for (std::size_t k = first; k < because.size() && !isOut; ++k) {
         isOut = because[k].fValue == past.Id(i) && because[k].Denies(v);
       }
-      if (!isOut && gone == past.Size() && !past.MayBe(i, v)) {
-        gone = i;
+      if (!isOut && !past.MayBe(i, v)) {
+        isOut = !past.MayBeAtRoot(i, v);
+        gone = std::min(gone, i);
       }
     }
     if (isOut) {
