@@ -26,7 +26,7 @@ class Solver {
     std::uint64_t fSeed = 0;
     VokTarnSearch::Learning fLearning = VokTarnSearch::Learning::Off;
     std::uint64_t fUntaught = 1000;  // failures before a search that is not free begins to learn by itself
-    bool fVerifies = false;  // each reason, see VokTarnSearch
+    bool fVerifies = false;          // each reason, see VokTarnSearch
     // More than one: so many processes search disjoint parts of the search space.
     unsigned fProcesses = 1;
     // Of each process.
